@@ -1,0 +1,15 @@
+# gravlin_options: what every target of the project is compiled with.
+add_library(gravlin_options INTERFACE)
+target_compile_features(gravlin_options INTERFACE cxx_std_20)
+target_include_directories(gravlin_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(gravlin_options INTERFACE
+  -Wall -Wextra -Wshadow -Wconversion -Werror
+  # The same bits in every build type: no fused multiply-add that rounds once where the text rounds
+  # twice.
+  -ffp-contract=off)
+
+if(GRAVLIN_SANITIZE)
+  target_compile_options(gravlin_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(gravlin_options INTERFACE -fsanitize=address,undefined)
+endif()

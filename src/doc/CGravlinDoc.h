@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "doc/DisplayMode.h"
+#include "doc/Outside.h"
+#include "doc/ViewParameters.h"
+#include "mesh/TriangleMesh.h"
+
+namespace gravlin {
+
+/// One open document: the current mesh, one undo copy, the values that the dialogs remember, and a
+/// handler for every menu command. Knows nothing of windows; see Outside.
+///
+/// A command ends with `redraw`, which first brings the derived data of the display mode up to
+/// date, so results never depend on when or whether a window paints.
+class CGravlinDoc {
+ public:
+  explicit CGravlinDoc(Outside& outside);
+  ~CGravlinDoc();
+  CGravlinDoc(const CGravlinDoc&) = delete;
+  CGravlinDoc& operator=(const CGravlinDoc&) = delete;
+
+  std::unique_ptr<TriangleMesh> currentMesh;  ///< null until a file is opened
+  std::unique_ptr<TriangleMesh> undoMesh;  ///< geometry before the last undoable command, or null
+  int displayMode = FlatShading;           ///< a DisplayMode
+  bool needsRecompute = false;             ///< derived data is stale; redraw clears it
+  std::uint64_t revision =
+      0;                  ///< raised by every redraw: whatever is cached of an older one is stale
+  bool modified = false;  ///< the geometry changed since it was opened or saved
+  std::string path;       ///< the file last opened or saved; empty for a new document
+
+  VisualizationParameters visualizationParameters;
+  ViewAngleParameters viewAngleParameters;
+
+  // --- File and Edit ---
+  void OnFileOpen();
+  void OnFileSaveAs();
+  void OnEditUndo();
+  void OnEnhancement();
+
+  // --- Visualization ---
+  void OnFlatShading();
+  void OnSmoothShading();
+  void OnWireFrame();
+  void OnPoints();
+  void OnNonManifoldPoints();
+  void OnEdge();
+  void OnLightingRgb();
+  void OnLightingRed();
+  void OnLightingGreen();
+  void OnLightingBlue();
+
+  // --- Option ---
+  void OnOptionVisualization();
+  void OnOptionViewDirection();
+
+  // --- What several callers share ---
+  /// Loads a file in place of the current mesh, as OnFileOpen does after its dialog. On failure the
+  /// document keeps the mesh it had, a message is shown, and the result is false. The undo copy is
+  /// left as it is.
+  bool openFile(const std::string& filePath);
+  /// Writes the current mesh; a name without an extension gets ".ply2". On failure the old file
+  /// stands, a message is shown, and the result is false.
+  bool saveFile(const std::string& filePath);
+  /// Shows the picked face (mode 30) and tells about it in the status bar. `face` must be valid.
+  void pickFace(int face);
+  /// Replaces the undo copy with the geometry of the current mesh, which must exist.
+  void keepUndoCopy();
+  /// Brings derived data up to date, then has every view drawn.
+  void redraw();
+
+ private:
+  void attachProcessingObjects();
+  void recompute();
+
+  Outside& outside;
+};
+
+}  // namespace gravlin

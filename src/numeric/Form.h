@@ -1,0 +1,64 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace gravlin {
+
+/// One button of a radio group, or one line of a combo box.
+struct Choice {
+  std::string_view text;  ///< as the dialog shows it
+  std::string_view word;  ///< as a script writes it; empty for the lines of a combo box
+  bool enabled = true;    ///< a disabled button is shown and cannot be chosen
+};
+
+/// The values that OK accepts, both ends included.
+struct Range {
+  double least;
+  double largest;
+};
+
+/// One member of a parameter struct as a dialog and a script see it. The kind of control follows
+/// from the member's type: bool is a check box; int with choices is a radio group (the value is the
+/// index of the chosen button); string with choices is a combo box whose text may also be typed;
+/// int and float without choices are typed text.
+struct Field {
+  std::string_view
+      name;  ///< the member's name; the control's object name; in kebab case the option
+  std::string_view label;  ///< text before the control, or of the check box
+  std::variant<int*, float*, bool*, std::string*> value;  ///< the member that OK writes
+  std::string_view group = {};                            ///< title of the box around it, if any
+  std::string_view unit = {};                             ///< text behind the control, if any
+  std::optional<Range> range = std::nullopt;              ///< checked on OK only
+  std::vector<Choice> choices = {};
+  bool enabled = true;
+};
+
+/// What a modal dialog edits: the members of one parameter struct, in the order shown. The pointers
+/// in `fields` stay valid as long as the struct they were taken from stays where it is.
+struct Form {
+  std::string_view name;   ///< the dialog's class name, "CSmoothingDlg"
+  std::string_view title;  ///< its caption, "Smoothing"
+  std::vector<Field> fields;
+  std::string_view okText = "OK";
+  std::string_view cancelText = "CANCEL";
+};
+
+/// "iterationCount" becomes "iteration-count".
+std::string kebabCase(std::string_view lowerCamelCase);
+
+/// The value of a field as its control shows it: "1" or "0" for a check box, the index for a radio
+/// group, the shortest decimal text that reads back to the same float.
+std::string textOf(const Field& field);
+
+/// Parses `text` as the field's control does on OK and stores it. On failure nothing is stored and
+/// the result is the sentence to show: "Enter an integer.", "Enter a number.",
+/// "Enter an integer between A and B." or "Enter a number between A and B.". On success it is
+/// empty. Blanks around the number are ignored; anything else behind it makes the text no number. A
+/// check box takes "0" or "1", a radio group the index or the word of an enabled button.
+std::string storeText(const Field& field, std::string_view text);
+
+}  // namespace gravlin

@@ -1,0 +1,259 @@
+#include "support/Meshes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <numbers>
+#include <set>
+#include <utility>
+
+namespace gravlin::test {
+namespace {
+
+using Points = std::vector<std::array<float, 3>>;
+using Triangles = std::vector<std::array<int, 3>>;
+
+std::array<float, 3> rounded(double x, double y, double z) {
+  return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
+}
+
+TriangleMesh heightField(int columns, int rows, double (*height)(double, double)) {
+  Points points;
+  for (int r = 0; r <= rows; ++r) {
+    for (int c = 0; c <= columns; ++c) points.push_back(rounded(c, r, height(c, r)));
+  }
+  Triangles triangles;
+  for (int r = 0; r < rows; ++r) {
+    for (int c = 0; c < columns; ++c) {
+      const int a = r * (columns + 1) + c;
+      const int d = a + columns + 1;
+      triangles.push_back({a, a + 1, d + 1});
+      triangles.push_back({a, d + 1, d});
+    }
+  }
+  return makeMesh(points, triangles);
+}
+
+/// Index of the point halfway between a and b, made on first use.
+int midpoint(int a, int b, std::vector<Vec3>& points, std::map<std::pair<int, int>, int>& known) {
+  const auto [entry, isNew] = known.try_emplace(std::minmax(a, b), static_cast<int>(points.size()));
+  if (isNew) {
+    const Vec3 sum = points[static_cast<std::size_t>(a)] + points[static_cast<std::size_t>(b)];
+    points.push_back(sum / length(sum));
+  }
+  return entry->second;
+}
+
+}  // namespace
+
+TriangleMesh makeMesh(const Points& vertices, const Triangles& faces) {
+  TriangleMesh mesh;
+  mesh.setVertexCount(static_cast<int>(vertices.size()));
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    mesh.setVertex(i, vertices[static_cast<std::size_t>(i)]);
+  }
+  mesh.setFaceCount(static_cast<int>(faces.size()));
+  for (int f = 0; f < mesh.faceCount; ++f) mesh.setFace(f, faces[static_cast<std::size_t>(f)]);
+  mesh.boxMax = {10.0F, 10.0F, 10.0F};
+  mesh.boxMin = {-10.0F, -10.0F, -10.0F};
+  mesh.extentTolerance = 1.0;
+  mesh.buildAdjacency();
+  mesh.buildFaceAdjacency();
+  mesh.computeFaceNormals();
+  mesh.computeVertexNormals();
+  return mesh;
+}
+
+TriangleMesh emptyMesh() {
+  return makeMesh({}, {});
+}
+
+TriangleMesh pointsOnly() {
+  return makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}}, {});
+}
+
+TriangleMesh singleTriangle() {
+  return makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}});
+}
+
+TriangleMesh twoTriangles() {
+  return makeMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 2, 3}});
+}
+
+TriangleMesh tetrahedron() {
+  return makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
+                  {{0, 2, 1}, {0, 1, 3}, {0, 3, 2}, {1, 2, 3}});
+}
+
+TriangleMesh cube() {
+  return makeMesh({{-1, -1, -1},
+                   {1, -1, -1},
+                   {1, 1, -1},
+                   {-1, 1, -1},
+                   {-1, -1, 1},
+                   {1, -1, 1},
+                   {1, 1, 1},
+                   {-1, 1, 1}},
+                  {{0, 2, 1},
+                   {0, 3, 2},
+                   {4, 5, 6},
+                   {4, 6, 7},
+                   {0, 1, 5},
+                   {0, 5, 4},
+                   {1, 2, 6},
+                   {1, 6, 5},
+                   {2, 3, 7},
+                   {2, 7, 6},
+                   {3, 0, 4},
+                   {3, 4, 7}});
+}
+
+TriangleMesh octahedron() {
+  return makeMesh(
+      {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}},
+      {{0, 2, 4}, {2, 1, 4}, {1, 3, 4}, {3, 0, 4}, {2, 0, 5}, {1, 2, 5}, {3, 1, 5}, {0, 3, 5}});
+}
+
+TriangleMesh bowTie() {
+  return makeMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {-1, 0, 0}, {-1, -1, 0}},
+                  {{0, 1, 2}, {0, 3, 4}});
+}
+
+TriangleMesh threeFacesOnAnEdge() {
+  return makeMesh({{0, 0, 0}, {0, 0, 1}, {1, 0, 0}, {-1, 1, 0}, {-1, -1, 0}},
+                  {{0, 1, 2}, {1, 0, 3}, {0, 1, 4}});
+}
+
+TriangleMesh hexagonFan() {
+  Points points = {{0, 0, 0}};
+  Triangles triangles;
+  for (int k = 0; k < 6; ++k) {
+    const double angle = k * std::numbers::pi / 3.0;
+    points.push_back(rounded(std::cos(angle), std::sin(angle), 0.0));
+    triangles.push_back({0, 1 + k, 1 + (k + 1) % 6});
+  }
+  return makeMesh(points, triangles);
+}
+
+TriangleMesh degenerateFace() {
+  return makeMesh({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {1, 1, 0}}, {{0, 1, 2}, {0, 2, 3}});
+}
+
+TriangleMesh withNan() {
+  return makeMesh(
+      {{0, 0, 0}, {1, 0, 0}, {0, std::numeric_limits<float>::quiet_NaN(), 0}, {0, 0, 1}},
+      {{0, 2, 1}, {0, 1, 3}, {0, 3, 2}, {1, 2, 3}});
+}
+
+TriangleMesh grid(int columns, int rows) {
+  return heightField(columns, rows, [](double, double) { return 0.0; });
+}
+
+TriangleMesh bumpyGrid(int columns, int rows) {
+  return heightField(columns, rows,
+                     [](double x, double y) { return std::sin(0.7 * x) * std::cos(0.5 * y); });
+}
+
+TriangleMesh icosphere(int level, double radius) {
+  const double t = std::numbers::phi;
+  std::vector<Vec3> points = {{-1, t, 0}, {1, t, 0}, {-1, -t, 0}, {1, -t, 0},
+                              {0, -1, t}, {0, 1, t}, {0, -1, -t}, {0, 1, -t},
+                              {t, 0, -1}, {t, 0, 1}, {-t, 0, -1}, {-t, 0, 1}};
+  for (Vec3& p : points) p = p / length(p);
+  Triangles triangles = {{0, 11, 5}, {0, 5, 1},  {0, 1, 7},   {0, 7, 10}, {0, 10, 11},
+                         {1, 5, 9},  {5, 11, 4}, {11, 10, 2}, {10, 7, 6}, {7, 1, 8},
+                         {3, 9, 4},  {3, 4, 2},  {3, 2, 6},   {3, 6, 8},  {3, 8, 9},
+                         {4, 9, 5},  {2, 4, 11}, {6, 2, 10},  {8, 6, 7},  {9, 8, 1}};
+  for (int l = 0; l < level; ++l) {
+    std::map<std::pair<int, int>, int> known;
+    Triangles finer;
+    for (const auto& [a, b, c] : triangles) {
+      const int ab = midpoint(a, b, points, known);
+      const int bc = midpoint(b, c, points, known);
+      const int ca = midpoint(c, a, points, known);
+      finer.insert(finer.end(), {{a, ab, ca}, {b, bc, ab}, {c, ca, bc}, {ab, bc, ca}});
+    }
+    triangles = std::move(finer);
+  }
+  Points scaled;
+  for (const Vec3& p : points) scaled.push_back(rounded(radius * p.x, radius * p.y, radius * p.z));
+  return makeMesh(scaled, triangles);
+}
+
+TriangleMesh torus(int around, int across) {
+  Points points;
+  Triangles triangles;
+  for (int i = 0; i < around; ++i) {
+    for (int j = 0; j < across; ++j) {
+      const double u = 2.0 * std::numbers::pi * i / around;
+      const double v = 2.0 * std::numbers::pi * j / across;
+      const double r = 3.0 + std::cos(v);
+      points.push_back(rounded(r * std::cos(u), r * std::sin(u), std::sin(v)));
+      const int nextI = (i + 1) % around;
+      const int nextJ = (j + 1) % across;
+      const int a = i * across + j;
+      const int b = nextI * across + j;
+      const int c = nextI * across + nextJ;
+      const int d = i * across + nextJ;
+      triangles.push_back({a, b, c});
+      triangles.push_back({a, c, d});
+    }
+  }
+  return makeMesh(points, triangles);
+}
+
+std::vector<NamedMesh> closedMeshes() {
+  return {{"tetrahedron", tetrahedron()},
+          {"octahedron", octahedron()},
+          {"cube", cube()},
+          {"icosphere", icosphere(2)},
+          {"torus", torus(12, 8)}};
+}
+
+std::vector<NamedMesh> openMeshes() {
+  return {{"single triangle", singleTriangle()},
+          {"two triangles", twoTriangles()},
+          {"hexagon fan", hexagonFan()},
+          {"grid", grid(5, 4)},
+          {"bumpy grid", bumpyGrid(9, 7)}};
+}
+
+std::vector<NamedMesh> hostileMeshes() {
+  const float inf = std::numeric_limits<float>::infinity();
+  return {
+      {"empty", emptyMesh()},
+      {"points only", pointsOnly()},
+      {"bow tie", bowTie()},
+      {"three faces on an edge", threeFacesOnAnEdge()},
+      {"degenerate face", degenerateFace()},
+      {"not a number", withNan()},
+      {"infinite", makeMesh({{0, 0, 0}, {inf, 0, 0}, {0, 1, 0}, {0, 0, -inf}},
+                            {{0, 2, 1}, {0, 1, 3}, {0, 3, 2}, {1, 2, 3}})},
+      {"all vertices equal", makeMesh({{1, 1, 1}, {1, 1, 1}, {1, 1, 1}}, {{0, 1, 2}})},
+      {"unused vertices",
+       makeMesh({{9, 9, 9}, {0, 0, 0}, {1, 0, 0}, {5, 5, 5}, {0, 1, 0}}, {{1, 2, 4}})},
+      {"invalid faces",
+       makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 7}, {-3, 1, 2}, {1, 1, 2}, {0, 1, 2}})},
+      {"the same face twice", makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 1, 2}})},
+      {"both sides of a face",
+       makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 2, 1}})}};
+}
+
+int eulerCharacteristic(const TriangleMesh& mesh) {
+  std::set<int> used;
+  std::set<std::pair<int, int>> edges;
+  int faces = 0;
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    if (!mesh.validFace(f)) continue;
+    ++faces;
+    const auto c = mesh.corners(f);
+    for (std::size_t j = 0; j < 3; ++j) {
+      used.insert(c[j]);
+      edges.insert(std::minmax(c[j], c[(j + 1) % 3]));
+    }
+  }
+  return static_cast<int>(used.size()) - static_cast<int>(edges.size()) + faces;
+}
+
+}  // namespace gravlin::test
