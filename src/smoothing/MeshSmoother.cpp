@@ -1,0 +1,1 @@
+#include "smoothing/MeshSmoother.h"
