@@ -1,0 +1,362 @@
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <new>
+#include <string>
+
+#include "numeric/Linbcg.h"
+#include "numeric/Random.h"
+#include "support/CapturedText.h"
+#include "support/DenseMatrix.h"
+
+namespace gravlin {
+namespace {
+
+using test::CapturedText;
+using test::DenseMatrix;
+using ::testing::ElementsAre;
+
+/// Row-indexed storage of the non-zero entries of a dense matrix and its diagonal.
+SparseMatrix sparse(const DenseMatrix& dense) {
+  const int n = dense.order();
+  SparseMatrix matrix;
+  matrix.sa.assign(static_cast<std::size_t>(n) + 2, 0.0);
+  matrix.ija.assign(static_cast<std::size_t>(n) + 2, n + 2);
+  for (int row = 0; row < n; ++row) {
+    matrix.sa[static_cast<std::size_t>(row) + 1] = dense.at(row, row);
+    for (int column = 0; column < n; ++column) {
+      if (column == row || dense.at(row, column) == 0.0) continue;
+      matrix.sa.push_back(dense.at(row, column));
+      matrix.ija.push_back(column + 1);
+    }
+    matrix.ija[static_cast<std::size_t>(row) + 2] = static_cast<int>(matrix.ija.size());
+  }
+  return matrix;
+}
+
+/// v at 1 .. n of a vector whose element 0 is not a number, so that any use of it is seen.
+std::vector<double> oneBased(std::vector<double> v) {
+  v.insert(v.begin(), std::numeric_limits<double>::quiet_NaN());
+  return v;
+}
+
+double uniform(Random& random) {
+  return random.rand() * (2.0 / Random::largest) - 1.0;
+}
+
+std::vector<double> randomVector(Random& random, int n) {
+  std::vector<double> v;
+  for (int i = 0; i < n; ++i) v.push_back(uniform(random));
+  return v;
+}
+
+/// About four entries of size up to 1 a row beside the diagonal.
+DenseMatrix randomMatrix(Random& random, int n, double diagonal) {
+  DenseMatrix matrix(n);
+  for (int row = 0; row < n; ++row) {
+    for (int entry = 0; entry < 4; ++entry) matrix.at(row, random.rand() % n) = uniform(random);
+    matrix.at(row, row) = diagonal;
+  }
+  return matrix;
+}
+
+DenseMatrix randomSymmetricMatrix(Random& random, int n) {
+  DenseMatrix matrix = randomMatrix(random, n, 5.0);
+  for (int row = 0; row < n; ++row) {
+    for (int column = 0; column < row; ++column) matrix.at(row, column) = matrix.at(column, row);
+  }
+  return matrix;
+}
+
+/// Every second diagonal element is 0; what couples the rows in pairs makes it regular.
+DenseMatrix matrixWithZeroDiagonals(Random& random, int n) {
+  DenseMatrix matrix = randomMatrix(random, n, 6.0);
+  for (int row = 0; row + 1 < n; row += 2) {
+    matrix.at(row, row) = 0.0;
+    matrix.at(row, row + 1) = 7.0;
+    matrix.at(row + 1, row) = -7.0;
+  }
+  return matrix;
+}
+
+/// 2 on the diagonal, -1 beside it: the second difference on n points, whose condition number grows
+/// with n squared.
+DenseMatrix poisson(int n) {
+  DenseMatrix matrix(n);
+  for (int row = 0; row < n; ++row) {
+    matrix.at(row, row) = 2.0;
+    if (row > 0) matrix.at(row, row - 1) = -1.0;
+    if (row + 1 < n) matrix.at(row, row + 1) = -1.0;
+  }
+  return matrix;
+}
+
+struct Solution {
+  LinbcgResult result;
+  std::vector<double> x;  ///< 0-based
+};
+
+Solution solve(const DenseMatrix& dense, const std::vector<double>& b,
+               const LinbcgSettings& settings, std::vector<double> start = {}) {
+  if (start.empty()) start.assign(b.size(), 0.0);
+  std::vector<double> x = oneBased(start);
+  const LinbcgResult result = linbcg(sparse(dense), dense.order(), oneBased(b), x, settings);
+  x.erase(x.begin());
+  return {result, x};
+}
+
+/// [2 1; 1 2] x = (3, 0), whose first pass from 0 by hand is: r = (3, 0), z = (1.5, 0), ak = 1,
+/// x = (1.5, 0), r = (0, -1.5), z = (0, -0.75). The second reaches x = (2, -1).
+Solution solveTwoByTwo(int itol, int itmax = 10) {
+  DenseMatrix matrix(2);
+  matrix.at(0, 0) = matrix.at(1, 1) = 2.0;
+  matrix.at(0, 1) = matrix.at(1, 0) = 1.0;
+  return solve(matrix, {3.0, 0.0}, {.itol = itol, .tol = 1e-6, .itmax = itmax});
+}
+
+void expectSolved(const DenseMatrix& dense, const std::vector<double>& b, int itol) {
+  const CapturedText text;
+  const Solution found = solve(dense, b, {.itol = itol, .tol = 1e-12, .itmax = 100});
+  const std::vector<double> exact = dense.solve(b);
+  EXPECT_LE(found.result.err, 1e-12);
+  EXPECT_LE(found.result.iter, 100);
+  // The error is the residual, at most 1e-12 of a right-hand side of size about 3, times a
+  // condition number below 1000.
+  for (std::size_t i = 0; i < b.size(); ++i) EXPECT_NEAR(found.x[i], exact[i], 1e-8);
+}
+
+class LinbcgItol : public testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(All, LinbcgItol, testing::Values(1, 2, 3, 4));
+
+TEST_P(LinbcgItol, SolvesSymmetricSystems) {
+  Random random(1);
+  for (int n = 1; n <= 30; ++n) {
+    SCOPED_TRACE(n);
+    const DenseMatrix matrix = randomSymmetricMatrix(random, n);
+    expectSolved(matrix, randomVector(random, n), GetParam());
+  }
+}
+
+TEST_P(LinbcgItol, SolvesNonSymmetricSystems) {
+  Random random(2);
+  for (int n = 2; n <= 30; ++n) {
+    SCOPED_TRACE(n);
+    const DenseMatrix matrix = randomMatrix(random, n, 5.0);
+    expectSolved(matrix, randomVector(random, n), GetParam());
+  }
+}
+
+TEST_P(LinbcgItol, SolvesSystemsWithZerosOnTheDiagonal) {
+  Random random(3);
+  for (int n = 2; n <= 20; n += 2) {
+    SCOPED_TRACE(n);
+    const DenseMatrix matrix = matrixWithZeroDiagonals(random, n);
+    expectSolved(matrix, randomVector(random, n), GetParam());
+  }
+}
+
+TEST_P(LinbcgItol, LeavesAnExactStartAloneAndPrintsNothing) {
+  const CapturedText text;
+  const std::vector<double> b = {1.0, -2.0, 3.0};
+  DenseMatrix identity(3);
+  for (int i = 0; i < 3; ++i) identity.at(i, i) = 1.0;
+  const Solution found = solve(identity, b, {.itol = GetParam(), .tol = 1e-6, .itmax = 100}, b);
+  EXPECT_EQ(found.x, b);
+  EXPECT_EQ(found.result.iter, 0);
+  EXPECT_EQ(found.result.err, 0.0);
+  EXPECT_EQ(text.output + text.error, "");
+}
+
+TEST(Linbcg, PrintsEveryPass) {
+  const CapturedText text;
+  const Solution found = solveTwoByTwo(1);
+  EXPECT_EQ(text.output, "iter=   1 err=    0.500000\niter=   2 err=    0.000000\n");
+  EXPECT_EQ(text.error, "");
+  EXPECT_EQ(found.result.iter, 2);
+  EXPECT_NEAR(found.x[0], 2.0, 1e-15);
+  EXPECT_NEAR(found.x[1], -1.0, 1e-15);
+}
+
+TEST(Linbcg, MeasuresTheResidualAgainstThePreconditionedRightHandSideWithItol2) {
+  const CapturedText text;
+  solveTwoByTwo(2);
+  EXPECT_EQ(text.output, "iter=   1 err=    1.000000\niter=   2 err=    0.000000\n");
+}
+
+TEST(Linbcg, PrintsNothingForAPassWhoseStepIsStillTooLarge) {
+  // The first step is as long as x itself, so itol 3 and 4 give no error estimate for it.
+  for (const int itol : {3, 4}) {
+    const CapturedText text;
+    const Solution found = solveTwoByTwo(itol);
+    EXPECT_EQ(text.output, "iter=   2 err=    0.000000\n") << itol;
+    EXPECT_EQ(found.result.iter, 2) << itol;
+  }
+}
+
+TEST(Linbcg, GivesTheResidualRatioOfAPassLeftEarly) {
+  const CapturedText text;
+  // One pass only: |z| / |z of b| = 0.75 / 1.5.
+  for (const int itol : {3, 4}) EXPECT_EQ(solveTwoByTwo(itol, 0).result.err, 0.5) << itol;
+  EXPECT_EQ(text.output, "");
+}
+
+TEST(Linbcg, EstimatesTheErrorFromTheShrinkingStep) {
+  // Started near the solution, so that the first step is short against x.
+  const CapturedText text;
+  DenseMatrix matrix(2);
+  matrix.at(0, 0) = matrix.at(1, 1) = 2.0;
+  matrix.at(0, 1) = matrix.at(1, 0) = 1.0;
+  // x = (8.5, -1) leaves r = (3, 0): the pass by hand above, moved to x = (10, -1).
+  // err = 0.75 / |1.5 - 0.75| x 1.5 = 1.5, against |x| = 10 in the largest component: 0.15.
+  const Solution found =
+      solve(matrix, {19.0, 6.5}, {.itol = 4, .tol = 0.2, .itmax = 10}, {8.5, -1.0});
+  EXPECT_EQ(text.output, "iter=   1 err=    0.150000\n");
+  EXPECT_EQ(found.result.iter, 1);
+}
+
+TEST(Linbcg, GivesUpAfterOnePassMoreThanItmax) {
+  const CapturedText text;
+  const int n = 2000;
+  std::vector<double> b(n, 0.0);
+  b.front() = 1.0;
+  const Solution found = solve(poisson(n), b, {.itol = 1, .tol = 1e-12, .itmax = 100});
+  EXPECT_EQ(found.result.iter, 101);
+  EXPECT_GT(found.result.err, 1e-12);
+  EXPECT_EQ(text.outputLines(), 101);
+  EXPECT_EQ(text.output.substr(0, 14), "iter=   1 err=");
+  EXPECT_THAT(text.output, testing::HasSubstr("\niter= 100 err="));
+  EXPECT_THAT(text.output, testing::HasSubstr("\niter= 101 err="));
+  // "iter=", 4 digits, " err=", 12 digits and the line end, for errors below 100000.
+  EXPECT_EQ(text.output.size(), 101U * 27U);
+}
+
+TEST(Linbcg, MakesNoPassWithANegativeItmax) {
+  const CapturedText text;
+  const Solution found = solveTwoByTwo(1, -1);
+  EXPECT_EQ(found.result.iter, 0);
+  EXPECT_EQ(found.x, (std::vector<double>{0.0, 0.0}));
+}
+
+TEST(Linbcg, ReportsAnIllegalItolAndMakesOnePass) {
+  for (const int itol : {-1, 0, 5}) {
+    const CapturedText text;
+    const Solution found = solveTwoByTwo(itol);
+    EXPECT_EQ(text.error,
+              "Numerical Recipes run-time error...\n"
+              "illegal itol in linbcg\n"
+              "...now exiting to system...\n");
+    EXPECT_EQ(text.output, "iter=   1 err=    0.000000\n");
+    EXPECT_EQ(found.result.iter, 1);
+    EXPECT_EQ(found.result.err, 0.0);
+    EXPECT_THAT(found.x, ElementsAre(1.5, 0.0));
+  }
+}
+
+TEST(Linbcg, EndsOnAnErrorThatIsNotANumber) {
+  const CapturedText text;
+  DenseMatrix matrix(2);
+  matrix.at(0, 0) = matrix.at(1, 1) = 1.0;
+  const Solution found = solve(matrix, {std::nan(""), 1.0}, {.itol = 1, .tol = 1e-6, .itmax = 100});
+  EXPECT_EQ(found.result.iter, 1);
+  EXPECT_TRUE(std::isnan(found.result.err));
+  EXPECT_TRUE(std::isnan(found.x[1]));
+}
+
+TEST(Linbcg, SpreadsAZeroDenominatorIntoTheResult) {
+  // [0 1; -1 0] turns p by a right angle, so pp . A p is 0 in the first pass.
+  const CapturedText text;
+  DenseMatrix matrix(2);
+  matrix.at(0, 1) = 1.0;
+  matrix.at(1, 0) = -1.0;
+  const Solution found = solve(matrix, {1.0, 0.0}, {.itol = 1, .tol = 1e-6, .itmax = 100});
+  EXPECT_FALSE(std::isfinite(found.x[0]));
+  EXPECT_LE(found.result.iter, 2);
+}
+
+TEST(Linbcg, HasNothingToDoForAnEmptySystem) {
+  const CapturedText text;
+  EXPECT_EQ(solve(DenseMatrix(0), {}, {.itol = 1, .tol = 1e-6, .itmax = 100}).result.iter, 0);
+}
+
+TEST(Linbcg, MultipliesByTheMatrixAndItsTranspose) {
+  Random random(4);
+  for (int n = 1; n <= 12; ++n) {
+    const DenseMatrix dense = randomMatrix(random, n, 2.0);
+    const SparseMatrix matrix = sparse(dense);
+    const std::vector<double> x = randomVector(random, n);
+    std::vector<double> product = dvector(static_cast<std::size_t>(n));
+    for (const int transpose : {0, 1}) {
+      const std::vector<double> expected = (transpose == 0 ? dense : dense.transposed()).times(x);
+      atimes(matrix, n, oneBased(x), product, transpose);
+      // Sums of at most 12 products of size 2, in another order.
+      for (int i = 0; i < n; ++i) {
+        EXPECT_NEAR(product[static_cast<std::size_t>(i) + 1], expected[static_cast<std::size_t>(i)],
+                    1e-14);
+      }
+    }
+  }
+}
+
+TEST(Linbcg, ReportsAMatrixOfAnotherOrderAndMultipliesAllTheSame) {
+  DenseMatrix dense(3);
+  for (int i = 0; i < 3; ++i) dense.at(i, i) = i + 1.0;
+  const SparseMatrix matrix = sparse(dense);
+  const std::vector<double> x = oneBased({1.0, 1.0, 1.0});
+  std::vector<double> b = dvector(3);
+  {
+    const CapturedText text;
+    dsprsax(matrix.sa, matrix.ija, x, b, 2);
+    EXPECT_EQ(text.error,
+              "Numerical Recipes run-time error...\n"
+              "dsprsax: mismatched vector and matrix\n"
+              "...now exiting to system...\n");
+    EXPECT_THAT(b, ElementsAre(0.0, 1.0, 2.0, 0.0));
+  }
+  b = dvector(3);
+  const CapturedText text;
+  dsprstx(matrix.sa, matrix.ija, x, b, 2);
+  EXPECT_EQ(text.error,
+            "Numerical Recipes run-time error...\n"
+            "mismatched vector and matrix in dsprstx\n"
+            "...now exiting to system...\n");
+  EXPECT_THAT(b, ElementsAre(0.0, 1.0, 2.0, 0.0));
+}
+
+TEST(Linbcg, PreconditionsARowWithoutADiagonalByOne) {
+  DenseMatrix dense(3);
+  dense.at(0, 0) = 4.0;
+  dense.at(1, 2) = 9.0;
+  dense.at(2, 2) = -2.0;
+  for (const int transpose : {0, 1}) {
+    std::vector<double> x = dvector(3);
+    asolve(sparse(dense), 3, oneBased({8.0, 5.0, 6.0}), x, transpose);
+    EXPECT_THAT(x, ElementsAre(0.0, 2.0, 5.0, -3.0));
+  }
+}
+
+TEST(Linbcg, MeasuresInTheEuclideanOrTheLargestComponentNorm) {
+  const std::vector<double> v = oneBased({3.0, -4.0, 4.0});
+  for (const int itol : {0, 1, 2, 3}) EXPECT_EQ(snrm(3, v, itol), std::sqrt(41.0));
+  for (const int itol : {4, 5}) EXPECT_EQ(snrm(3, v, itol), 4.0);
+  EXPECT_EQ(snrm(0, v, 1), 0.0);
+  EXPECT_EQ(snrm(0, v, 4), 3.0);
+  EXPECT_EQ(snrm(0, dvector(0), 4), 0.0);
+}
+
+TEST(Linbcg, KeepsThePlaceOfAnUnusedElementInItsVectors) {
+  EXPECT_THAT(dvector(2), ElementsAre(0.0, 0.0, 0.0));
+  EXPECT_THAT(dvector(0), ElementsAre(0.0));
+}
+
+TEST(Linbcg, ReportsAVectorThatDoesNotFitInMemory) {
+  const CapturedText text;
+  EXPECT_THROW(dvector(std::numeric_limits<std::size_t>::max() / 2), std::bad_alloc);
+  EXPECT_EQ(text.error,
+            "Numerical Recipes run-time error...\n"
+            "allocation failure in dvector()\n"
+            "...now exiting to system...\n");
+}
+
+}  // namespace
+}  // namespace gravlin
