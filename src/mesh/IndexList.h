@@ -11,13 +11,16 @@ namespace gravlin {
 /// Duplicates are kept.
 class IndexList {
  public:
+  using value_type = int;
+  using const_iterator = std::vector<int>::const_iterator;
+
   void append(int vertex) { items.push_back(vertex); }
   void clear() { items.clear(); }
   bool empty() const { return items.empty(); }
   int size() const { return static_cast<int>(items.size()); }
   int operator[](int position) const { return items[static_cast<std::size_t>(position)]; }
-  auto begin() const { return items.begin(); }
-  auto end() const { return items.end(); }
+  const_iterator begin() const { return items.begin(); }
+  const_iterator end() const { return items.end(); }
   bool operator==(const IndexList&) const = default;
 
   /// Removes every entry equal to `vertex`; the others keep their order.

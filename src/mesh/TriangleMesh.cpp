@@ -1,0 +1,287 @@
+#include "mesh/TriangleMesh.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <utility>
+
+#include "mesh/Ring.h"
+
+namespace gravlin {
+namespace {
+
+constexpr float farAway = 1000000.0F;  // where the search for the bounding box starts
+constexpr double extentInMemory = 20.0;
+
+std::size_t toIndex(int i) {
+  return static_cast<std::size_t>(i);
+}
+
+Vec3 boxCentre(const std::array<float, 3>& boxMin, const std::array<float, 3>& boxMax) {
+  return 0.5 * (loadVec3(boxMin.data()) + loadVec3(boxMax.data()));
+}
+
+Vec3 unitOrZero(const Vec3& a) {
+  const double size = length(a);
+  return size == 0.0 ? Vec3{} : a / size;
+}
+
+void makeUnusableFacesInvalid(std::vector<int>& faces, int vertexCount) {
+  const auto usable = [vertexCount](int corner) { return corner >= 0 && corner < vertexCount; };
+  for (std::size_t c = 0; c < faces.size(); c += 3) {
+    const int c0 = faces[c];
+    const int c1 = faces[c + 1];
+    const int c2 = faces[c + 2];
+    if (usable(c0) && usable(c1) && usable(c2) && c0 != c1 && c1 != c2 && c2 != c0) continue;
+    faces[c] = faces[c + 1] = faces[c + 2] = -1;
+  }
+}
+
+/// Per vertex the valid faces that use it, in face order.
+CompressedRows incidentFaces(const std::vector<int>& faces, int vertexCount) {
+  CompressedRows rows;
+  rows.offsets.assign(toIndex(vertexCount) + 1, 0);
+  for (const int corner : faces) {
+    if (corner >= 0) ++rows.offsets[toIndex(corner)];
+  }
+  std::partial_sum(rows.offsets.begin(), rows.offsets.end(), rows.offsets.begin());
+  rows.items.resize(toIndex(rows.offsets.back()));
+  // Each offset is now the end of its row; filling from the last face down leaves the beginning.
+  for (std::size_t c = faces.size(); c-- > 0;) {
+    if (faces[c] < 0) continue;
+    rows.items[toIndex(--rows.offsets[toIndex(faces[c])])] = static_cast<int>(c / 3);
+  }
+  return rows;
+}
+
+Wedge wedgeAt(int vertex, int face, std::span<const int, 3> corners) {
+  if (corners[0] == vertex) return {corners[1], corners[2], face};
+  if (corners[1] == vertex) return {corners[2], corners[0], face};
+  return {corners[0], corners[1], face};
+}
+
+void appendNeighbours(std::vector<int>& items, std::span<const Wedge> ring, VertexKind kind) {
+  for (const Wedge& wedge : ring) {
+    items.push_back(wedge.next);
+    if (kind == NonManifoldVertex) items.push_back(wedge.prev);
+  }
+  if (kind == BoundaryVertex) items.push_back(ring.back().prev);
+}
+
+/// Which corner of a face `vertex` is.
+std::size_t cornerOf(int vertex, std::span<const int, 3> corners) {
+  if (corners[0] == vertex) return 0;
+  return corners[1] == vertex ? 1 : 2;
+}
+
+}  // namespace
+
+// --- Setting the geometry ---
+
+void TriangleMesh::setVertexCount(int n) {
+  vertexCount = 0;
+  vertices = {};
+  vertices.resize(3 * toIndex(n));
+  vertexCount = n;
+}
+
+void TriangleMesh::setFaceCount(int n) {
+  faceCount = 0;
+  faces = {};
+  faces.resize(3 * toIndex(n));
+  faceCount = n;
+}
+
+void TriangleMesh::setVertex(int i, std::span<const float, 3> xyz) {
+  std::copy(xyz.begin(), xyz.end(), vertices.data() + 3 * toIndex(i));
+}
+
+void TriangleMesh::setFace(int f, std::span<const int, 3> abc) {
+  std::copy(abc.begin(), abc.end(), faces.data() + 3 * toIndex(f));
+}
+
+void TriangleMesh::normalize() {
+  boxMax.fill(-farAway);
+  boxMin.fill(farAway);
+  for (std::size_t c = 0; c < vertices.size(); c += 3) {
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      const float coordinate = vertices[c + axis];
+      if (coordinate > boxMax[axis]) {
+        boxMax[axis] = coordinate;
+      } else if (coordinate < boxMin[axis]) {
+        boxMin[axis] = coordinate;
+      }
+    }
+  }
+  const float extent =
+      std::max({boxMax[0] - boxMin[0], boxMax[1] - boxMin[1], boxMax[2] - boxMin[2]});
+  extentTolerance = static_cast<double>(extent) * 0.05;
+
+  const double scale = extentInMemory / static_cast<double>(extent);
+  const Vec3 centre = boxCentre(boxMin, boxMax);
+  for (int i = 0; i < vertexCount; ++i) setPosition(i, (position(i) - centre) * scale);
+}
+
+void TriangleMesh::denormalize() {
+  const Vec3 centre = boxCentre(boxMin, boxMax);
+  for (int i = 0; i < vertexCount; ++i) setPosition(i, centre + position(i) * extentTolerance);
+}
+
+// --- Building topology ---
+
+void TriangleMesh::buildAdjacency() {
+  makeUnusableFacesInvalid(faces, vertexCount);
+  vertexFaces.clear();
+  vertexFaces = incidentFaces(faces, vertexCount);
+  vertexKind.assign(toIndex(vertexCount), NonManifoldVertex);
+  vertexNeighbours.clear();
+  vertexNeighbours.offsets.assign(toIndex(vertexCount) + 1, 0);
+  vertexNeighbours.items.reserve(vertexFaces.items.size());
+
+  std::vector<Wedge> ring;
+  for (int i = 0; i < vertexCount; ++i) {
+    ring.clear();
+    for (const int f : vertexFaces[i]) ring.push_back(wedgeAt(i, f, corners(f)));
+    const VertexKind kind = orderRing(ring);
+    int* face = vertexFaces.items.data() + vertexFaces.offsets[toIndex(i)];
+    for (const Wedge& wedge : ring) *face++ = wedge.face;
+    appendNeighbours(vertexNeighbours.items, ring, kind);
+    vertexNeighbours.offsets[toIndex(i) + 1] = static_cast<int>(vertexNeighbours.items.size());
+    vertexKind[toIndex(i)] = kind;
+  }
+}
+
+void TriangleMesh::buildFaceAdjacency() {
+  faceAdjacency.assign(faces.size(), -1);
+  for (int i = 0; i < vertexCount; ++i) {
+    const int kind = vertexKind[toIndex(i)];
+    if (kind == NonManifoldVertex) continue;
+    const std::span<const int> ring = vertexFaces[i];
+    const std::span<const int> neighbours = getNeighbours(i);
+    const std::size_t n = ring.size();
+    for (std::size_t k = 0; k < (kind == InteriorVertex ? n : n - 1); ++k) {
+      const std::size_t next = (k + 1) % n;
+      const int f = ring[k];
+      const int g = ring[next];
+      // Edges are numbered by the corner they leave; f arrives at i over the shared one, g leaves.
+      faceAdjacency[3 * toIndex(f) + (cornerOf(i, corners(f)) + 2) % 3] = g;
+      if (vertexKind[toIndex(neighbours[next])] == NonManifoldVertex) {
+        faceAdjacency[3 * toIndex(g) + cornerOf(i, corners(g))] = f;
+      }
+    }
+  }
+}
+
+// --- Queries ---
+
+int TriangleMesh::countUsedVertices() const {
+  int used = 0;
+  for (int i = 0; i < vertexNeighbours.rowCount(); ++i) used += neighbourCount(i) != 0 ? 1 : 0;
+  return used;
+}
+
+int TriangleMesh::countValidFaces() const {
+  int valid = 0;
+  for (std::size_t c = 0; c < faces.size(); c += 3) valid += faces[c] != -1 ? 1 : 0;
+  return valid;
+}
+
+// --- Normals and operators ---
+
+void TriangleMesh::computeFaceNormals() {
+  faceNormals.assign(faces.size(), 0.0F);
+  for (int f = 0; f < faceCount; ++f) {
+    if (!validFace(f)) continue;
+    const auto c = corners(f);
+    const Vec3 a = position(c[0]);
+    const Vec3 normal = cross(position(c[1]) - a, position(c[2]) - a);
+    storeVec3(faceNormals.data() + 3 * toIndex(f), unitOrZero(normal));
+  }
+}
+
+void TriangleMesh::computeVertexNormals() {
+  std::vector<Vec3> sums(toIndex(vertexCount));
+  for (int f = 0; f < faceCount; ++f) {
+    if (!validFace(f)) continue;
+    const auto c = corners(f);
+    const Vec3 a = position(c[0]);
+    const Vec3 normal = cross(a - position(c[1]), a - position(c[2]));
+    for (const int corner : c) sums[toIndex(corner)] += normal;
+  }
+  vertexNormals.resize(vertices.size());
+  for (std::size_t i = 0; i < sums.size(); ++i) {
+    storeVec3(vertexNormals.data() + 3 * i, unitOrZero(sums[i]));
+  }
+}
+
+Vec3 TriangleMesh::umbrellaLaplacian(int i) const {
+  const std::span<const int> ring = getNeighbours(i);
+  if (ring.empty()) return {};
+  Vec3 sum;
+  for (const int j : ring) sum += position(j);
+  return sum / static_cast<double>(ring.size()) - position(i);
+}
+
+Vec3 TriangleMesh::meanCurvatureNormal(int i) const {
+  if (vertexKind[toIndex(i)] != InteriorVertex) return {};
+  const std::span<const int> ring = getNeighbours(i);
+  const Vec3 p = position(i);
+  Vec3 sum;
+  double total = 0.0;
+  for (std::size_t k = 0; k < ring.size(); ++k) {
+    const Vec3 pj = position(ring[k]);
+    const Vec3 pl = position(ring[(k + 1) % ring.size()]);
+    const Vec3 toL = pl - p;
+    const Vec3 toJ = pj - p;
+    const Vec3 across = pj - pl;
+    const double area = 0.5 * length(cross(p - pl, p - pj));
+    if (area == 0.0) continue;
+    total += 0.5 * area;
+    sum += dot(across, toL) / area * toJ + -dot(across, toJ) / area * toL;
+  }
+  if (total == 0.0 || std::isnan(total)) return {};
+  return sum / total;
+}
+
+// --- Copies ---
+
+void TriangleMesh::copyGeometryFrom(const TriangleMesh& other) {
+  TriangleMesh copy;
+  copy.faceCount = other.faceCount;
+  copy.vertexCount = other.vertexCount;
+  copy.vertices = other.vertices;
+  copy.faces = other.faces;
+  copy.boxMax = other.boxMax;
+  copy.boxMin = other.boxMin;
+  copy.extentTolerance = other.extentTolerance;
+  *this = std::move(copy);
+}
+
+TriangleMesh TriangleMesh::compactCopy() const {
+  TriangleMesh copy;
+  copy.boxMax = boxMax;
+  copy.boxMin = boxMin;
+  copy.extentTolerance = extentTolerance;
+  copy.setVertexCount(countUsedVertices());
+  copy.setFaceCount(countValidFaces());
+
+  std::vector<int> newIndex(toIndex(vertexCount), -1);
+  int nextVertex = 0;
+  for (int i = 0; i < vertexCount; ++i) {
+    if (neighbourCount(i) == 0) continue;
+    newIndex[toIndex(i)] = nextVertex;
+    std::copy_n(vertices.data() + 3 * toIndex(i), 3,
+                copy.vertices.data() + 3 * toIndex(nextVertex));
+    ++nextVertex;
+  }
+  int nextFace = 0;
+  for (int f = 0; f < faceCount; ++f) {
+    if (!validFace(f)) continue;
+    const auto c = corners(f);
+    copy.setFace(nextFace++, std::array{newIndex[toIndex(c[0])], newIndex[toIndex(c[1])],
+                                        newIndex[toIndex(c[2])]});
+  }
+  return copy;
+}
+
+}  // namespace gravlin
