@@ -21,11 +21,6 @@ Vec3 boxCentre(const std::array<float, 3>& boxMin, const std::array<float, 3>& b
   return 0.5 * (loadVec3(boxMin.data()) + loadVec3(boxMax.data()));
 }
 
-Vec3 unitOrZero(const Vec3& a) {
-  const double size = length(a);
-  return size == 0.0 ? Vec3{} : a / size;
-}
-
 void makeUnusableFacesInvalid(std::vector<int>& faces, int vertexCount) {
   const auto usable = [vertexCount](int corner) { return corner >= 0 && corner < vertexCount; };
   for (std::size_t c = 0; c < faces.size(); c += 3) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
+#include <vector>
 
 namespace gravlin {
 
@@ -47,6 +49,12 @@ inline double length(const Vec3& a) {
   return std::sqrt(dot(a, a));
 }
 
+/// The vector divided by its length; zero stays zero.
+inline Vec3 unitOrZero(const Vec3& a) {
+  const double size = length(a);
+  return size == 0.0 ? Vec3{} : a / size;
+}
+
 /// Reads three consecutive numbers, float or double, widened to double.
 template <class Number>
 Vec3 loadVec3(const Number* xyz) {
@@ -59,6 +67,17 @@ void storeVec3(Number* xyz, const Vec3& a) {
   xyz[0] = static_cast<Number>(a.x);
   xyz[1] = static_cast<Number>(a.y);
   xyz[2] = static_cast<Number>(a.z);
+}
+
+/// Vector i of a field of three numbers a vector.
+template <class Number>
+Vec3 vectorAt(const std::vector<Number>& field, int i) {
+  return loadVec3(field.data() + 3 * static_cast<std::size_t>(i));
+}
+
+template <class Number>
+void storeVectorAt(std::vector<Number>& field, int i, const Vec3& a) {
+  storeVec3(field.data() + 3 * static_cast<std::size_t>(i), a);
 }
 
 }  // namespace gravlin
