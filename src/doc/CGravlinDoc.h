@@ -7,6 +7,7 @@
 #include "doc/DisplayMode.h"
 #include "doc/Outside.h"
 #include "doc/ViewParameters.h"
+#include "mesh/FacePicking.h"
 #include "mesh/TriangleMesh.h"
 
 namespace gravlin {
@@ -65,18 +66,29 @@ class CGravlinDoc {
   /// Writes the current mesh; a name without an extension gets ".ply2". On failure the old file
   /// stands, a message is shown, and the result is false.
   bool saveFile(const std::string& filePath);
-  /// Shows the picked face (mode 30) and tells about it in the status bar. `face` must be valid.
+  /// Shows the face that the ray meets first (mode 30) and tells about it in the status bar. False
+  /// when it meets none; then nothing happens.
+  bool pickFace(const Ray& ray);
+  /// The same for a face that is known; it must be valid.
   void pickFace(int face);
-  /// Replaces the undo copy with the geometry of the current mesh, which must exist.
+  /// Replaces the undo copy with the geometry of the current mesh, which must exist. Called before
+  /// the geometry changes, so the document counts as modified from here on.
   void keepUndoCopy();
+  /// Called after vertices moved or faces changed: marks derived data as stale and tells in the
+  /// status bar when positions are not finite. A mesh must exist.
+  void geometryChanged();
   /// Brings derived data up to date, then has every view drawn.
   void redraw();
 
  private:
-  void attachProcessingObjects();
+  /// The one place where the current mesh is exchanged: whatever works on it is attached anew.
+  void replaceMesh(std::unique_ptr<TriangleMesh> mesh);
   void recompute();
+  void show(DisplayMode mode);
+  void setLighting(LightingMode mode);
 
   Outside& outside;
+  bool undoIsModified = true;  ///< what `modified` becomes when the undo copy comes back
 };
 
 }  // namespace gravlin

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -15,9 +16,11 @@ struct Command {
   void (CGravlinDoc::*handler)() = nullptr;  ///< null: the item is shown disabled
   std::string_view step = {};                ///< the name in a batch script; empty: none
   Form (*form)(CGravlinDoc&) = nullptr;      ///< the dialog that the handler shows first, if any
+  std::optional<FileDialog> file = {};       ///< the file dialog that the handler shows, if any
 };
 
-/// Every menu item of a document, in menu order.
+/// Every menu item of a document, in menu order: the menus File, Edit, Visualization, Option and
+/// EXPERIMET from left to right, each from top to bottom.
 std::span<const Command> commandTable();
 
 /// The row whose step or id matches, or null.

@@ -1,0 +1,112 @@
+#include "doc/CGravlinDoc.h"
+
+#include <algorithm>
+#include <cmath>
+#include <locale>
+#include <sstream>
+#include <utility>
+
+namespace gravlin {
+namespace {
+
+/// One kind of derived data that a redraw brings up to date when the geometry has changed.
+struct Recomputation {
+  std::vector<int> modes;  ///< the display modes that show it; empty: every mode
+  void (*recompute)(CGravlinDoc& doc);
+};
+
+/// In the order in which they run: a row may use the data of the rows above it.
+const std::vector<Recomputation>& recomputations() {
+  static const std::vector<Recomputation> table = {
+      {{}, [](CGravlinDoc& doc) { doc.currentMesh->computeFaceNormals(); }},
+      {{}, [](CGravlinDoc& doc) { doc.currentMesh->computeVertexNormals(); }},
+  };
+  return table;
+}
+
+bool allFinite(const std::vector<float>& numbers) {
+  return std::all_of(numbers.begin(), numbers.end(), [](float x) { return std::isfinite(x); });
+}
+
+/// One sentence about a valid face, with its area in the file's units.
+std::string describeFace(const TriangleMesh& mesh, int face) {
+  const auto c = mesh.corners(face);
+  const Vec3 a = mesh.position(c[0]);
+  const double fileUnit = mesh.extentTolerance;
+  const double area = 0.5 * length(cross(mesh.position(c[1]) - a, mesh.position(c[2]) - a));
+  const Vec3 normal = mesh.faceNormal(face);
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << "Face " << face << ": corners " << c[0] << ", " << c[1] << ", " << c[2] << "; area "
+       << area * fileUnit * fileUnit << "; normal (" << normal.x << ", " << normal.y << ", "
+       << normal.z << ")";
+  return text.str();
+}
+
+}  // namespace
+
+CGravlinDoc::CGravlinDoc(Outside& outsideOfDocument) : outside(outsideOfDocument) {
+}
+CGravlinDoc::~CGravlinDoc() = default;
+
+void CGravlinDoc::replaceMesh(std::unique_ptr<TriangleMesh> mesh) {
+  currentMesh = std::move(mesh);
+}
+
+void CGravlinDoc::keepUndoCopy() {
+  undoMesh.reset();  // first, so that there are never three meshes at once
+  undoMesh = std::make_unique<TriangleMesh>();
+  undoMesh->copyGeometryFrom(*currentMesh);
+  undoIsModified = std::exchange(modified, true);
+}
+
+void CGravlinDoc::OnEditUndo() {
+  if (!undoMesh) return;
+  replaceMesh(std::move(undoMesh));
+  modified = undoIsModified;
+  currentMesh->buildAdjacency();
+  currentMesh->buildFaceAdjacency();
+  needsRecompute = true;
+  if (displayMode == FeatureLines) displayMode = FlatShading;
+  redraw();
+}
+
+void CGravlinDoc::OnEnhancement() {
+}
+
+void CGravlinDoc::geometryChanged() {
+  needsRecompute = true;
+  if (!allFinite(currentMesh->vertices)) {
+    outside.showStatus(
+        "Some positions are no longer finite numbers; Edit > Undo brings back the shape before.");
+  }
+}
+
+void CGravlinDoc::recompute() {
+  for (const Recomputation& row : recomputations()) {
+    const bool shown = row.modes.empty() || std::find(row.modes.begin(), row.modes.end(),
+                                                      displayMode) != row.modes.end();
+    if (shown) row.recompute(*this);
+  }
+}
+
+void CGravlinDoc::redraw() {
+  if (std::exchange(needsRecompute, false) && currentMesh) recompute();
+  ++revision;
+  outside.redraw();
+}
+
+void CGravlinDoc::pickFace(int face) {
+  TriangleMesh& mesh = *currentMesh;
+  mesh.pickedFace = face;
+  outside.showStatus(describeFace(mesh, face));
+  show(PickedFace);
+}
+
+bool CGravlinDoc::pickFace(const Ray& ray) {
+  const std::optional<int> face = currentMesh ? faceOnRay(*currentMesh, ray) : std::nullopt;
+  if (face) pickFace(*face);
+  return face.has_value();
+}
+
+}  // namespace gravlin

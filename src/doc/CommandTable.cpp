@@ -1,0 +1,92 @@
+#include "doc/CommandTable.h"
+
+#include <algorithm>
+
+namespace gravlin {
+namespace {
+
+using Doc = CGravlinDoc;
+
+/// The form of a member of the document, for the table's last column but one.
+template <auto parameters>
+Form formOf(Doc& doc) {
+  return (doc.*parameters).form();
+}
+
+// The texts are the program's vocabulary, odd spellings included: users, scripts and manuals know
+// the items by them. A row without a handler is a command that does not exist yet.
+constexpr Command commands[] = {
+    {"File", "&Open...\tCtrl+O", 57601, nullptr, "open", nullptr, FileDialog::Open},
+    {"File", "&Save\tCtrl+S", 57603, nullptr, "", nullptr, FileDialog::Save},
+    {"File", "Save &As... ", 57604, nullptr, "save", nullptr, FileDialog::Save},
+
+    {"Edit", "Undo (1 history only)", 57643, &Doc::OnEditUndo, "undo"},
+    {"Edit/Smoothing", "Shape", 32772, nullptr, "smooth-shape"},
+    {"Edit/Smoothing", "Shape(Adaptive)", 32773, nullptr, "smooth-adaptive"},
+    {"Edit/Smoothing", "Curvature Tensor", 32791, nullptr, "smooth-tensor"},
+    {"Edit/Smoothing", "Noise", 32794, nullptr, "noise"},
+    {"Edit/Edge Detection", "Local Max", 32776, nullptr, "local-max"},
+    {"Edit/Edge Detection", "Face Angle", 32777, nullptr, "face-angle"},
+    {"Edit", "Subdivision", 32778, nullptr, "subdivision"},
+    {"Edit", "Simplification (not yet)", 32779, nullptr, "simplification"},
+    {"Edit", "Enhancement (not yet)", 32783, &Doc::OnEnhancement},
+    {"Edit", "Edge Flip", 32784},
+
+    {"Visualization", "Flat Shading", 32780, &Doc::OnFlatShading, "flat-shading"},
+    {"Visualization", "Smooth Shading", 32781, &Doc::OnSmoothShading, "smooth-shading"},
+    {"Visualization", "Wire Frame", 32782, &Doc::OnWireFrame, "wire-frame"},
+    {"Visualization/Curvature/Direction", "max", 32787, nullptr, "direction-max"},
+    {"Visualization/Curvature/Direction", "min", 32788, nullptr, "direction-min"},
+    {"Visualization/Curvature/Curvature", "max", 32789, nullptr, "curvature-max"},
+    {"Visualization/Curvature/Curvature", "min", 32790, nullptr, "curvature-min"},
+    {"Visualization/Curvature/Curvature", "mean", 32792, nullptr, "curvature-mean"},
+    {"Visualization/Curvature/Curvature", "gauss", 32793, nullptr, "curvature-gauss"},
+    {"Visualization/Curvature/Curvature", "total", 32795, nullptr, "curvature-total"},
+    {"Visualization/Curvature/Tensor", "max", 32796, nullptr, "tensor-max"},
+    {"Visualization/Curvature/Tensor", "min", 32797, nullptr, "tensor-min"},
+    {"Visualization/Curvature/Stroke", "max", 32805, nullptr, "stroke-max"},
+    {"Visualization/Curvature/Stroke", "min", 32806, nullptr, "stroke-min"},
+    {"Visualization", "Edge Curvature", 32803, nullptr, "edge-curvature"},
+    {"Visualization/Local Property", "Diffrences of Normals", 32798},
+    {"Visualization", "Points", 32799, &Doc::OnPoints, "points"},
+    {"Visualization", "Non-Manifold Points", 32800, &Doc::OnNonManifoldPoints,
+     "non-manifold-points"},
+    {"Visualization", "Edge (not yet)", 32801, &Doc::OnEdge},
+    {"Visualization", "Silhouette", 32804, nullptr, "silhouette"},
+    {"Visualization/Ligthing", "RGB", 32807, &Doc::OnLightingRgb, "lighting-rgb"},
+    {"Visualization/Ligthing", "Red", 32808, &Doc::OnLightingRed, "lighting-red"},
+    {"Visualization/Ligthing", "Green", 32809, &Doc::OnLightingGreen, "lighting-green"},
+    {"Visualization/Ligthing", "Blue", 32810, &Doc::OnLightingBlue, "lighting-blue"},
+
+    {"Option", "Visualization", 32785, &Doc::OnOptionVisualization, "visualization",
+     formOf<&Doc::visualizationParameters>},
+    {"Option", "View Direction", 32786, &Doc::OnOptionViewDirection, "view-direction",
+     formOf<&Doc::viewAngleParameters>},
+
+    {"EXPERIMET", "Show Vertex Error", 32811, nullptr, "show-vertex-error"},
+    {"EXPERIMET", "Show Face Error", 32812, nullptr, "show-face-error"},
+    {"EXPERIMET", "Set Ideal Mesh", 32813},
+    {"EXPERIMET", "Error (Do not select this!!)", 32814},
+};
+
+template <class Matches>
+const Command* firstRow(Matches matches) {
+  const Command* row = std::find_if(std::begin(commands), std::end(commands), matches);
+  return row == std::end(commands) ? nullptr : row;
+}
+
+}  // namespace
+
+std::span<const Command> commandTable() {
+  return commands;
+}
+
+const Command* findStep(std::string_view step) {
+  return step.empty() ? nullptr : firstRow([&](const Command& row) { return row.step == step; });
+}
+
+const Command* findCommand(int id) {
+  return firstRow([&](const Command& row) { return row.id == id; });
+}
+
+}  // namespace gravlin

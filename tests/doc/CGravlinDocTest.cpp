@@ -1,0 +1,266 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+
+#include "doc/CGravlinDoc.h"
+#include "support/Meshes.h"
+#include "support/ScriptedOutside.h"
+
+namespace gravlin {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class Document : public ::testing::Test {
+ protected:
+  void load(TriangleMesh mesh) {
+    doc.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
+  }
+
+  /// What every undoable command does around its work.
+  void moveVertexZero(float x) {
+    doc.keepUndoCopy();
+    doc.currentMesh->vertices[0] = x;
+    doc.geometryChanged();
+    doc.redraw();
+  }
+
+  test::ScriptedOutside outside;
+  CGravlinDoc doc{outside};
+};
+
+TEST_F(Document, IsNewWithoutAMeshAndUnmodified) {
+  EXPECT_EQ(doc.currentMesh, nullptr);
+  EXPECT_EQ(doc.undoMesh, nullptr);
+  EXPECT_FALSE(doc.needsRecompute);
+  EXPECT_FALSE(doc.modified);
+  EXPECT_THAT(outside.calls, IsEmpty());
+}
+
+// --- Redraw ---
+
+TEST_F(Document, RedrawRaisesTheRevisionBeforeViewsAreDrawn) {
+  const std::uint64_t before = doc.revision;
+  std::uint64_t seen = before;
+  outside.whenRedrawn = [&] { seen = doc.revision; };
+  doc.redraw();
+  EXPECT_GT(seen, before);
+  doc.redraw();
+  EXPECT_GT(seen, before + 1);
+}
+
+TEST_F(Document, RedrawBringsBothNormalsUpToDateBeforeViewsAreDrawnInEveryMode) {
+  const TriangleMesh cube = test::cube();
+  for (int mode = 0; mode <= 31; ++mode) {
+    load(cube);
+    doc.displayMode = mode;
+    for (float& n : doc.currentMesh->faceNormals) n = 9.0F;
+    doc.currentMesh->vertexNormals.clear();
+    doc.needsRecompute = true;
+    int drawn = 0;
+    outside.whenRedrawn = [&] {
+      ++drawn;
+      EXPECT_FALSE(doc.needsRecompute);
+      EXPECT_EQ(doc.currentMesh->faceNormals, cube.faceNormals);
+      EXPECT_EQ(doc.currentMesh->vertexNormals, cube.vertexNormals);
+    };
+    doc.redraw();
+    EXPECT_EQ(drawn, 1);
+  }
+}
+
+TEST_F(Document, RedrawLeavesDerivedDataAloneWhenNothingIsStale) {
+  load(test::cube());
+  doc.currentMesh->faceNormals[0] = 9.0F;
+  doc.redraw();
+  EXPECT_EQ(doc.currentMesh->faceNormals[0], 9.0F);
+}
+
+TEST_F(Document, RedrawClearsTheFlagAlsoWithoutAMesh) {
+  doc.needsRecompute = true;
+  doc.redraw();
+  EXPECT_FALSE(doc.needsRecompute);
+  EXPECT_THAT(outside.calls, ElementsAre("redraw"));
+}
+
+// --- Undo ---
+
+TEST_F(Document, UndoBringsTheGeometryBackBitForBitWithFreshTopologyAndNormals) {
+  const TriangleMesh before = test::bumpyGrid(4, 3);
+  load(before);
+  moveVertexZero(0.123F);
+  doc.OnEditUndo();
+  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+  EXPECT_EQ(doc.currentMesh->faces, before.faces);
+  EXPECT_EQ(doc.currentMesh->boxMax, before.boxMax);
+  EXPECT_EQ(doc.currentMesh->boxMin, before.boxMin);
+  EXPECT_EQ(doc.currentMesh->extentTolerance, before.extentTolerance);
+  EXPECT_EQ(doc.currentMesh->vertexNeighbours.items, before.vertexNeighbours.items);
+  EXPECT_EQ(doc.currentMesh->faceAdjacency, before.faceAdjacency);
+  EXPECT_EQ(doc.currentMesh->faceNormals, before.faceNormals);
+  EXPECT_EQ(doc.currentMesh->vertexNormals, before.vertexNormals);
+}
+
+TEST_F(Document, UndoLeavesCurvatureMarksAndPickedFaceAbsent) {
+  load(test::icosphere(1));
+  doc.keepUndoCopy();
+  doc.currentMesh->maxCurvature.assign(42, 1.0);
+  doc.currentMesh->ridgeMarks.assign(42, 1);
+  doc.currentMesh->pickedFace = 3;
+  doc.OnEditUndo();
+  EXPECT_THAT(doc.currentMesh->maxCurvature, IsEmpty());
+  EXPECT_THAT(doc.currentMesh->ridgeMarks, IsEmpty());
+  EXPECT_EQ(doc.currentMesh->pickedFace, std::nullopt);
+}
+
+TEST_F(Document, UndoTwiceInARowDoesNothingTheSecondTime) {
+  load(test::cube());
+  moveVertexZero(0.5F);
+  doc.OnEditUndo();
+  EXPECT_EQ(doc.undoMesh, nullptr);
+  outside.forget();
+  doc.OnEditUndo();
+  EXPECT_THAT(outside.calls, IsEmpty());
+  EXPECT_EQ(doc.currentMesh->vertices[0], -1.0F);
+}
+
+TEST_F(Document, UndoKeepsOneStepOnly) {
+  load(test::cube());
+  moveVertexZero(0.5F);
+  moveVertexZero(0.25F);
+  doc.OnEditUndo();
+  EXPECT_EQ(doc.currentMesh->vertices[0], 0.5F);
+  EXPECT_EQ(doc.undoMesh, nullptr);
+}
+
+TEST_F(Document, UndoWhileFeatureLinesAreShownReturnsToFlatShading) {
+  load(test::cube());
+  doc.keepUndoCopy();
+  doc.displayMode = FeatureLines;
+  doc.OnEditUndo();
+  EXPECT_EQ(doc.displayMode, FlatShading);
+}
+
+TEST_F(Document, UndoKeepsEveryOtherMode) {
+  for (int mode = 0; mode <= 31; ++mode) {
+    if (mode == FeatureLines) continue;
+    load(test::cube());
+    doc.keepUndoCopy();
+    doc.displayMode = mode;
+    doc.OnEditUndo();
+    EXPECT_EQ(doc.displayMode, mode);
+  }
+}
+
+TEST_F(Document, TheUndoCopyHoldsGeometryOnly) {
+  load(test::icosphere(1));
+  doc.currentMesh->maxCurvature.assign(42, 1.0);
+  doc.keepUndoCopy();
+  ASSERT_NE(doc.undoMesh, nullptr);
+  EXPECT_EQ(doc.undoMesh->vertices, doc.currentMesh->vertices);
+  EXPECT_EQ(doc.undoMesh->faces, doc.currentMesh->faces);
+  EXPECT_THAT(doc.undoMesh->maxCurvature, IsEmpty());
+  EXPECT_THAT(doc.undoMesh->vertexNormals, IsEmpty());
+  EXPECT_FALSE(doc.undoMesh->vertexNeighbours.built());
+}
+
+TEST_F(Document, UndoIsSafeOnHostileMeshes) {
+  for (const test::NamedMesh& hostile : test::hostileMeshes()) {
+    SCOPED_TRACE(hostile.name);
+    load(hostile.mesh);
+    doc.keepUndoCopy();
+    doc.OnEditUndo();
+    EXPECT_EQ(doc.currentMesh->faces, hostile.mesh.faces);
+  }
+}
+
+// --- The modified flag ---
+
+TEST_F(Document, IsModifiedByAnUndoableCommandAndNoLongerAfterItsUndo) {
+  load(test::cube());
+  moveVertexZero(0.5F);
+  EXPECT_TRUE(doc.modified);
+  doc.OnEditUndo();
+  EXPECT_FALSE(doc.modified);
+}
+
+TEST_F(Document, StaysModifiedWhenUndoReachesOnlyAnEarlierChange) {
+  load(test::cube());
+  moveVertexZero(0.5F);
+  moveVertexZero(0.25F);
+  doc.OnEditUndo();
+  EXPECT_TRUE(doc.modified);
+}
+
+// --- Positions that are not finite ---
+
+TEST_F(Document, TellsWhenPositionsAreNoLongerFiniteAndNamesUndo) {
+  for (const float broken :
+       {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
+        -std::numeric_limits<float>::infinity()}) {
+    load(test::cube());
+    outside.forget();
+    moveVertexZero(broken);
+    EXPECT_THAT(outside.statuses, ElementsAre(HasSubstr("Undo")));
+    EXPECT_THAT(outside.messages, IsEmpty());
+  }
+}
+
+TEST_F(Document, SaysNothingWhilePositionsAreFinite) {
+  load(test::cube());
+  moveVertexZero(std::numeric_limits<float>::max());
+  EXPECT_THAT(outside.statuses, IsEmpty());
+}
+
+// --- Picking ---
+
+TEST_F(Document, PickingShowsTheFaceAndTellsAboutIt) {
+  load(test::twoTriangles());
+  doc.currentMesh->extentTolerance = 2.0;  // one unit in memory is two in the file
+  EXPECT_TRUE(doc.pickFace(Ray{{0.25, 0.75, 5.0}, {0.0, 0.0, -1.0}}));
+  EXPECT_EQ(doc.currentMesh->pickedFace, 1);
+  EXPECT_EQ(doc.displayMode, PickedFace);
+  EXPECT_THAT(outside.calls,
+              ElementsAre("status Face 1: corners 0, 2, 3; area 2; normal (0, 0, 1)", "redraw"));
+}
+
+TEST_F(Document, PickingBesideTheMeshDoesNothing) {
+  load(test::twoTriangles());
+  doc.displayMode = WireFrame;
+  EXPECT_FALSE(doc.pickFace(Ray{{2.0, 2.0, 5.0}, {0.0, 0.0, -1.0}}));
+  EXPECT_EQ(doc.currentMesh->pickedFace, std::nullopt);
+  EXPECT_EQ(doc.displayMode, WireFrame);
+  EXPECT_THAT(outside.calls, IsEmpty());
+}
+
+TEST_F(Document, PickingWithoutAMeshDoesNothing) {
+  EXPECT_FALSE(doc.pickFace(Ray{{0.0, 0.0, 5.0}, {0.0, 0.0, -1.0}}));
+  EXPECT_THAT(outside.calls, IsEmpty());
+}
+
+TEST_F(Document, PickingAgainReplacesTheMark) {
+  load(test::twoTriangles());
+  doc.pickFace(0);
+  doc.pickFace(1);
+  EXPECT_EQ(doc.currentMesh->pickedFace, 1);
+}
+
+TEST_F(Document, PickingIsSafeOnHostileMeshes) {
+  for (const test::NamedMesh& hostile : test::hostileMeshes()) {
+    SCOPED_TRACE(hostile.name);
+    load(hostile.mesh);
+    for (const Vec3& direction : {Vec3{0, 0, -1}, Vec3{1, 0, 0}, Vec3{0, -0.6, 0.8}}) {
+      const bool hit = doc.pickFace(Ray{{0.2, 0.2, 0.2}, direction});
+      EXPECT_EQ(hit, outside.statuses.size() == 1);
+      if (hit) {
+        EXPECT_TRUE(doc.currentMesh->validFace(*doc.currentMesh->pickedFace));
+      }
+      outside.forget();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace gravlin

@@ -1,0 +1,197 @@
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "doc/CommandTable.h"
+#include "support/Meshes.h"
+#include "support/ScriptedOutside.h"
+
+namespace gravlin {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+
+TEST(CommandTable, HoldsEveryMenuItemWithItsExactTextInMenuOrder) {
+  const std::vector<std::string> expected = {
+      "File / &Open...\tCtrl+O",
+      "File / &Save\tCtrl+S",
+      "File / Save &As... ",
+      "Edit / Undo (1 history only)",
+      "Edit/Smoothing / Shape",
+      "Edit/Smoothing / Shape(Adaptive)",
+      "Edit/Smoothing / Curvature Tensor",
+      "Edit/Smoothing / Noise",
+      "Edit/Edge Detection / Local Max",
+      "Edit/Edge Detection / Face Angle",
+      "Edit / Subdivision",
+      "Edit / Simplification (not yet)",
+      "Edit / Enhancement (not yet)",
+      "Edit / Edge Flip",
+      "Visualization / Flat Shading",
+      "Visualization / Smooth Shading",
+      "Visualization / Wire Frame",
+      "Visualization/Curvature/Direction / max",
+      "Visualization/Curvature/Direction / min",
+      "Visualization/Curvature/Curvature / max",
+      "Visualization/Curvature/Curvature / min",
+      "Visualization/Curvature/Curvature / mean",
+      "Visualization/Curvature/Curvature / gauss",
+      "Visualization/Curvature/Curvature / total",
+      "Visualization/Curvature/Tensor / max",
+      "Visualization/Curvature/Tensor / min",
+      "Visualization/Curvature/Stroke / max",
+      "Visualization/Curvature/Stroke / min",
+      "Visualization / Edge Curvature",
+      "Visualization/Local Property / Diffrences of Normals",
+      "Visualization / Points",
+      "Visualization / Non-Manifold Points",
+      "Visualization / Edge (not yet)",
+      "Visualization / Silhouette",
+      "Visualization/Ligthing / RGB",
+      "Visualization/Ligthing / Red",
+      "Visualization/Ligthing / Green",
+      "Visualization/Ligthing / Blue",
+      "Option / Visualization",
+      "Option / View Direction",
+      "EXPERIMET / Show Vertex Error",
+      "EXPERIMET / Show Face Error",
+      "EXPERIMET / Set Ideal Mesh",
+      "EXPERIMET / Error (Do not select this!!)",
+  };
+  std::vector<std::string> items;
+  for (const Command& row : commandTable()) {
+    items.push_back(std::string(row.menuPath) + " / " + std::string(row.text));
+  }
+  EXPECT_THAT(items, ElementsAreArray(expected));
+}
+
+TEST(CommandTable, HasFiveMenusEachInOnePiece) {
+  std::vector<std::string_view> menus;
+  for (const Command& row : commandTable()) {
+    const std::string_view menu = row.menuPath.substr(0, row.menuPath.find('/'));
+    if (menus.empty() || menus.back() != menu) menus.push_back(menu);
+  }
+  EXPECT_THAT(menus, ElementsAre("File", "Edit", "Visualization", "Option", "EXPERIMET"));
+}
+
+TEST(CommandTable, NumbersEveryCommandOnceWithinItsRange) {
+  std::set<int> ids;
+  for (const Command& row : commandTable()) {
+    EXPECT_TRUE(ids.insert(row.id).second) << row.text << " shares " << row.id;
+    const bool own = row.id >= 32771 && row.id <= 32830;
+    const bool ofEveryDocument = row.id >= 57600 && row.id <= 57665;
+    EXPECT_TRUE(own || ofEveryDocument) << row.text << " has " << row.id;
+    EXPECT_EQ(findCommand(row.id), &row);
+  }
+  EXPECT_EQ(findCommand(0), nullptr);
+}
+
+TEST(CommandTable, KeepsTheNumbersThatScriptsAndHelpRelyOn) {
+  const std::vector<std::pair<int, std::string_view>> known = {
+      {32772, "smooth-shape"},  {32773, "smooth-adaptive"}, {32776, "local-max"},
+      {32777, "face-angle"},    {32778, "subdivision"},     {32779, "simplification"},
+      {32791, "smooth-tensor"}, {32794, "noise"},           {32803, "edge-curvature"},
+      {32804, "silhouette"},    {32805, "stroke-max"},      {32806, "stroke-min"}};
+  for (const auto& [id, step] : known) {
+    ASSERT_NE(findCommand(id), nullptr) << step;
+    EXPECT_EQ(findCommand(id)->step, step);
+  }
+}
+
+TEST(CommandTable, NamesEveryStepOnceInKebabCase) {
+  std::set<std::string_view> steps;
+  for (const Command& row : commandTable()) {
+    if (row.step.empty()) continue;
+    EXPECT_TRUE(steps.insert(row.step).second) << row.step;
+    EXPECT_EQ(row.step.find_first_not_of("abcdefghijklmnopqrstuvwxyz-"), std::string_view::npos)
+        << row.step;
+    EXPECT_EQ(findStep(row.step), &row);
+  }
+  EXPECT_EQ(findStep("no-such-step"), nullptr);
+  EXPECT_EQ(findStep(""), nullptr);
+}
+
+TEST(CommandTable, FormsHaveDistinctOptionsDefaultsInRangeAndAWordForEveryRadioButton) {
+  test::ScriptedOutside outside;
+  CGravlinDoc doc(outside);
+  for (const Command& row : commandTable()) {
+    if (row.form == nullptr) continue;
+    const Form form = row.form(doc);
+    std::set<std::string> options;
+    for (const Field& field : form.fields) {
+      SCOPED_TRACE(std::string(row.step) + " --" + kebabCase(field.name));
+      EXPECT_TRUE(options.insert(kebabCase(field.name)).second);
+      EXPECT_FALSE(field.label.empty());
+      EXPECT_EQ(storeText(field, textOf(field)), "") << "the default is refused on OK";
+      const bool radio = std::holds_alternative<int*>(field.value) && !field.choices.empty();
+      std::set<std::string_view> words;
+      for (const Choice& choice : field.choices) {
+        EXPECT_EQ(radio, !choice.word.empty());
+        const bool isNew = words.insert(choice.word).second;
+        EXPECT_TRUE(isNew || !radio) << choice.word;
+      }
+    }
+  }
+}
+
+TEST(CommandTable, EveryHandlerIsSafeWithoutAMesh) {
+  for (const Command& row : commandTable()) {
+    if (row.handler == nullptr) continue;
+    SCOPED_TRACE(row.text);
+    for (const test::DialogAnswer& answer : {test::ok(), test::cancel()}) {
+      test::ScriptedOutside outside;
+      CGravlinDoc doc(outside);
+      outside.dialogAnswers.assign(9, answer);
+      outside.fileAnswers.assign(1, std::nullopt);
+      (doc.*row.handler)();
+      EXPECT_EQ(doc.currentMesh, nullptr);
+      EXPECT_EQ(doc.undoMesh, nullptr);
+      EXPECT_FALSE(doc.modified);
+    }
+  }
+}
+
+TEST(CommandTable, CancellingTheDialogOfACommandChangesNothing) {
+  for (const Command& row : commandTable()) {
+    if (row.handler == nullptr || (row.form == nullptr && !row.file)) continue;
+    SCOPED_TRACE(row.text);
+    test::ScriptedOutside outside;
+    CGravlinDoc doc(outside);
+    const TriangleMesh mesh = test::icosphere(1);
+    doc.currentMesh = std::make_unique<TriangleMesh>(mesh);
+    doc.displayMode = WireFrame;
+    outside.dialogAnswers = {test::cancel()};
+    outside.fileAnswers = {std::nullopt};
+    (doc.*row.handler)();
+    EXPECT_EQ(doc.currentMesh->vertices, mesh.vertices);
+    EXPECT_EQ(doc.currentMesh->faces, mesh.faces);
+    EXPECT_EQ(doc.displayMode, WireFrame);
+    EXPECT_EQ(doc.undoMesh, nullptr);
+    EXPECT_FALSE(doc.modified);
+    EXPECT_EQ(outside.count("redraw"), 0);
+  }
+}
+
+TEST(CommandTable, EveryHandlerIsSafeOnHostileMeshes) {
+  for (const Command& row : commandTable()) {
+    if (row.handler == nullptr) continue;
+    for (const test::NamedMesh& hostile : test::hostileMeshes()) {
+      SCOPED_TRACE(std::string(row.text) + " on " + hostile.name);
+      test::ScriptedOutside outside;
+      CGravlinDoc doc(outside);
+      doc.currentMesh = std::make_unique<TriangleMesh>(hostile.mesh);
+      outside.dialogAnswers.assign(9, test::ok());
+      outside.fileAnswers.assign(1, std::nullopt);
+      (doc.*row.handler)();
+      ASSERT_NE(doc.currentMesh, nullptr);
+      EXPECT_FALSE(doc.needsRecompute && outside.count("redraw") > 0);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace gravlin

@@ -1,0 +1,120 @@
+#include "support/ScriptedOutside.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace gravlin::test {
+namespace {
+
+template <class... Parts>
+std::string sentence(const Parts&... parts) {
+  std::ostringstream text;
+  (text << ... << parts);
+  return text.str();
+}
+
+}  // namespace
+
+DialogAnswer ok() {
+  return [](const Form&) { return true; };
+}
+
+DialogAnswer cancel() {
+  return [](const Form&) { return false; };
+}
+
+DialogAnswer okWith(std::vector<std::pair<std::string, std::string>> texts) {
+  return [texts = std::move(texts)](const Form& form) {
+    for (const auto& [name, text] : texts) {
+      const auto field = std::find_if(form.fields.begin(), form.fields.end(),
+                                      [&](const Field& f) { return f.name == name; });
+      if (field == form.fields.end()) {
+        ADD_FAILURE() << form.name << " has no field " << name;
+        return false;
+      }
+      EXPECT_EQ(storeText(*field, text), "") << form.name << ", " << name;
+    }
+    return true;
+  };
+}
+
+int ScriptedOutside::count(const std::string& call) const {
+  return static_cast<int>(std::count(calls.begin(), calls.end(), call));
+}
+
+void ScriptedOutside::forget() {
+  calls.clear();
+  messages.clear();
+  statuses.clear();
+  histogramValues.clear();
+}
+
+bool ScriptedOutside::showDialog(const Form& form) {
+  calls.push_back(sentence("dialog ", form.name));
+  if (dialogAnswers.empty()) {
+    ADD_FAILURE() << "the script has no answer for " << form.name;
+    return false;
+  }
+  const DialogAnswer answer = std::move(dialogAnswers.front());
+  dialogAnswers.pop_front();
+  return answer(form);
+}
+
+std::optional<std::string> ScriptedOutside::chooseFile(FileDialog kind) {
+  calls.emplace_back(kind == FileDialog::Open ? "open file" : "save file");
+  if (fileAnswers.empty()) {
+    ADD_FAILURE() << "the script has no answer for the file dialog";
+    return std::nullopt;
+  }
+  const std::optional<std::string> answer = std::move(fileAnswers.front());
+  fileAnswers.pop_front();
+  return answer;
+}
+
+void ScriptedOutside::showMessage(const std::string& text) {
+  calls.push_back("message " + text);
+  messages.push_back(text);
+}
+
+void ScriptedOutside::showStatus(const std::string& text) {
+  calls.push_back("status " + text);
+  statuses.push_back(text);
+}
+
+void ScriptedOutside::showProgress(ProgressRange range) {
+  calls.push_back(sentence("show progress 0..", range.last, " by ", range.step));
+}
+
+void ScriptedOutside::redraw() {
+  calls.emplace_back("redraw");
+  if (whenRedrawn) whenRedrawn();
+}
+
+void ScriptedOutside::showHistogram(std::string_view field) {
+  calls.push_back(sentence("histogram ", field));
+}
+
+void ScriptedOutside::setHistogramValues(const std::vector<double>& values) {
+  calls.push_back(sentence("histogram values ", values.size()));
+  histogramValues = values;
+}
+
+void ScriptedOutside::setLightingMode(LightingMode mode) {
+  calls.push_back(sentence("lighting ", static_cast<int>(mode)));
+}
+
+void ScriptedOutside::setLineWidthAndPointSize(float width, float size) {
+  calls.push_back(sentence("line width ", width, " point size ", size));
+}
+
+void ScriptedOutside::setViewAngles(const ViewAngles& newAngles) {
+  calls.push_back(sentence("angles ", newAngles.rx, " ", newAngles.ry, " ", newAngles.rz));
+  angles = newAngles;
+}
+
+void ScriptedOutside::setShownCounts(int usedVertices, int validFaces) {
+  calls.push_back(sentence("counts ", usedVertices, " ", validFaces));
+}
+
+}  // namespace gravlin::test
