@@ -1,0 +1,56 @@
+#include "mesh/MeshMeasures.h"
+
+#include <cmath>
+
+#include "numeric/Index.h"
+
+namespace gravlin {
+
+double enclosedVolume(const TriangleMesh& mesh) {
+  double volume = 0.0;
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    if (!mesh.validFace(f)) continue;
+    const auto corners = mesh.corners(f);
+    const Vec3 p0 = mesh.position(corners[0]);
+    const Vec3 p1 = mesh.position(corners[1]);
+    const Vec3 p2 = mesh.position(corners[2]);
+    const Vec3 centroid = (p0 + p1 + p2) * 0.3333333333333333;
+    volume += dot(cross(p1 - p0, p2 - p0), centroid) * 0.16666666666666666;
+  }
+  return volume;
+}
+
+double shortestEdgeLength(const TriangleMesh& mesh) {
+  double shortest = 1000000.0;
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    for (const int j : mesh.getNeighbours(i)) {
+      if (j >= i) continue;
+      const double edge = length(mesh.position(j) - mesh.position(i));
+      if (edge != 0.0 && edge < shortest) shortest = edge;
+    }
+  }
+  return shortest;
+}
+
+void scaleVertices(TriangleMesh& mesh, double s) {
+  for (int i = 0; i < mesh.vertexCount; ++i) mesh.setPosition(i, mesh.position(i) * s);
+}
+
+void rescaleToVolume(TriangleMesh& mesh, double volume) {
+  const double current = enclosedVolume(mesh);
+  if (current == 0.0) return;
+  // A power and not cbrt: a volume of the other sign has no scale that brings the former one back.
+  scaleVertices(mesh, std::pow(volume / current, 0.3333333333333333));
+}
+
+int countNonFiniteVertices(const TriangleMesh& mesh) {
+  int count = 0;
+  for (std::size_t c = 0; c < 3 * toIndex(mesh.vertexCount); c += 3) {
+    const float* p = mesh.vertices.data() + c;
+    const bool finite = std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
+    count += finite ? 0 : 1;
+  }
+  return count;
+}
+
+}  // namespace gravlin

@@ -1,0 +1,109 @@
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <utility>
+
+#include "mesh/MeshMeasures.h"
+#include "support/Meshes.h"
+
+namespace gravlin {
+namespace {
+
+TEST(MeshMeasures, VolumeIsThatOfElementaryGeometry) {
+  EXPECT_DOUBLE_EQ(enclosedVolume(test::cube()), 8.0);
+  EXPECT_DOUBLE_EQ(enclosedVolume(test::octahedron()), 4.0 / 3.0);
+  EXPECT_EQ(enclosedVolume(test::emptyMesh()), 0.0);
+  EXPECT_EQ(enclosedVolume(test::pointsOnly()), 0.0);
+}
+
+TEST(MeshMeasures, VolumeOfAnOpenMeshIsThatOfTheConeToTheOrigin) {
+  // The unit square in the plane z = 2 seen from the origin: a pyramid of volume 2/3.
+  TriangleMesh square = test::twoTriangles();
+  for (int i = 0; i < square.vertexCount; ++i)
+    square.setPosition(i, square.position(i) + Vec3{0, 0, 2});
+  // Single positions are exact here; the factors 1/3 and 1/6 are rounded.
+  EXPECT_NEAR(enclosedVolume(square), 2.0 / 3.0, 1e-15);
+}
+
+TEST(MeshMeasures, VolumeChangesSignWithTheOrientation) {
+  for (test::NamedMesh& named : test::closedMeshes()) {
+    TriangleMesh& mesh = named.mesh;
+    const double outward = enclosedVolume(mesh);
+    EXPECT_GT(outward, 0.0) << named.name;
+    for (std::size_t c = 0; c < mesh.faces.size(); c += 3)
+      std::swap(mesh.faces[c], mesh.faces[c + 1]);
+    // The same products in another order: rounding of sums of up to a few thousand terms.
+    EXPECT_NEAR(enclosedVolume(mesh), -outward, 1e-12 * outward) << named.name;
+  }
+}
+
+TEST(MeshMeasures, VolumeSkipsInvalidFaces) {
+  TriangleMesh mesh = test::cube();
+  mesh.setFace(0, std::array{-1, -1, -1});
+  mesh.setFace(1, std::array{-1, -1, -1});
+  // Two of twelve faces of a cube about the origin: a sixth of its volume, a pyramid on one side.
+  EXPECT_NEAR(enclosedVolume(mesh), 8.0 * 5.0 / 6.0, 1e-14);
+}
+
+TEST(MeshMeasures, ShortestEdgeIgnoresEdgesWithoutLength) {
+  EXPECT_EQ(shortestEdgeLength(test::cube()), 2.0);
+  const TriangleMesh mesh = test::makeMesh({{0, 0, 0}, {0, 0, 0}, {3, 4, 0}}, {{0, 1, 2}});
+  EXPECT_EQ(shortestEdgeLength(mesh), 5.0);
+}
+
+TEST(MeshMeasures, ShortestEdgeOfNothingIsTheStartOfTheSearch) {
+  EXPECT_EQ(shortestEdgeLength(test::emptyMesh()), 1000000.0);
+  EXPECT_EQ(shortestEdgeLength(test::pointsOnly()), 1000000.0);
+}
+
+TEST(MeshMeasures, ScalingMultipliesEveryCoordinate) {
+  TriangleMesh mesh = test::pointsOnly();
+  const TriangleMesh before = mesh;
+  scaleVertices(mesh, -0.5);
+  for (std::size_t c = 0; c < mesh.vertices.size(); ++c) {
+    EXPECT_EQ(mesh.vertices[c], -0.5F * before.vertices[c]);
+  }
+}
+
+TEST(MeshMeasures, RescalingReachesTheVolume) {
+  for (test::NamedMesh& named : test::closedMeshes()) {
+    rescaleToVolume(named.mesh, 7.0);
+    // Coordinates are rounded to single precision: 6e-8 relative each, three to a product.
+    EXPECT_NEAR(enclosedVolume(named.mesh), 7.0, 7.0 * 2e-7) << named.name;
+  }
+}
+
+TEST(MeshMeasures, RescalingLeavesAMeshWithoutVolumeAlone) {
+  TriangleMesh flat = test::hexagonFan();
+  const TriangleMesh before = flat;
+  rescaleToVolume(flat, 1.0);
+  EXPECT_EQ(flat.vertices, before.vertices);
+}
+
+TEST(MeshMeasures, RescalingToTheOtherSignGivesPositionsThatAreNotNumbers) {
+  TriangleMesh mesh = test::cube();
+  rescaleToVolume(mesh, -8.0);
+  for (const float coordinate : mesh.vertices) EXPECT_TRUE(std::isnan(coordinate));
+  EXPECT_EQ(countNonFiniteVertices(mesh), mesh.vertexCount);
+}
+
+TEST(MeshMeasures, CountsVerticesThatAreNotFiniteOnce) {
+  TriangleMesh mesh = test::cube();
+  EXPECT_EQ(countNonFiniteVertices(mesh), 0);
+  const double infinity = std::numeric_limits<double>::infinity();
+  mesh.setPosition(2, {infinity, -infinity, 0.0});
+  mesh.setPosition(5, {0.0, 0.0, std::nan("")});
+  EXPECT_EQ(countNonFiniteVertices(mesh), 2);
+}
+
+TEST(MeshMeasures, TakeAnyMesh) {
+  for (test::NamedMesh& named : test::hostileMeshes()) {
+    enclosedVolume(named.mesh);
+    shortestEdgeLength(named.mesh);
+    rescaleToVolume(named.mesh, 1.0);
+    EXPECT_LE(countNonFiniteVertices(named.mesh), named.mesh.vertexCount) << named.name;
+  }
+}
+
+}  // namespace
+}  // namespace gravlin
