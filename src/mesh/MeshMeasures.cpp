@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "numeric/Index.h"
-
 namespace gravlin {
 
 double enclosedVolume(const TriangleMesh& mesh) {
@@ -41,16 +39,6 @@ void rescaleToVolume(TriangleMesh& mesh, double volume) {
   if (current == 0.0) return;
   // A power and not cbrt: a volume of the other sign has no scale that brings the former one back.
   scaleVertices(mesh, std::pow(volume / current, 0.3333333333333333));
-}
-
-int countNonFiniteVertices(const TriangleMesh& mesh) {
-  int count = 0;
-  for (std::size_t c = 0; c < 3 * toIndex(mesh.vertexCount); c += 3) {
-    const float* p = mesh.vertices.data() + c;
-    const bool finite = std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
-    count += finite ? 0 : 1;
-  }
-  return count;
 }
 
 }  // namespace gravlin

@@ -20,7 +20,4 @@ void scaleVertices(TriangleMesh& mesh, double s);
 /// numbers.
 void rescaleToVolume(TriangleMesh& mesh, double volume);
 
-/// Number of vertices with a coordinate that is infinite or not a number.
-int countNonFiniteVertices(const TriangleMesh& mesh);
-
 }  // namespace gravlin

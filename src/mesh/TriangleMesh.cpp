@@ -6,16 +6,14 @@
 #include <utility>
 
 #include "mesh/Ring.h"
+#include "mesh/RingWalk.h"
+#include "numeric/Index.h"
 
 namespace gravlin {
 namespace {
 
 constexpr float farAway = 1000000.0F;  // where the search for the bounding box starts
 constexpr double extentInMemory = 20.0;
-
-std::size_t toIndex(int i) {
-  return static_cast<std::size_t>(i);
-}
 
 Vec3 boxCentre(const std::array<float, 3>& boxMin, const std::array<float, 3>& boxMax) {
   return 0.5 * (loadVec3(boxMin.data()) + loadVec3(boxMax.data()));
@@ -209,31 +207,17 @@ void TriangleMesh::computeVertexNormals() {
   }
 }
 
-Vec3 TriangleMesh::umbrellaLaplacian(int i) const {
-  const std::span<const int> ring = getNeighbours(i);
-  if (ring.empty()) return {};
-  Vec3 sum;
-  for (const int j : ring) sum += position(j);
-  return sum / static_cast<double>(ring.size()) - position(i);
-}
-
 Vec3 TriangleMesh::meanCurvatureNormal(int i) const {
   if (vertexKind[toIndex(i)] != InteriorVertex) return {};
-  const std::span<const int> ring = getNeighbours(i);
-  const Vec3 p = position(i);
   Vec3 sum;
   double total = 0.0;
-  for (std::size_t k = 0; k < ring.size(); ++k) {
-    const Vec3 pj = position(ring[k]);
-    const Vec3 pl = position(ring[(k + 1) % ring.size()]);
-    const Vec3 toL = pl - p;
-    const Vec3 toJ = pj - p;
-    const Vec3 across = pj - pl;
-    const double area = 0.5 * length(cross(p - pl, p - pj));
-    if (area == 0.0) continue;
+  walkRing(*this, i, [&](const RingTriangle& t) {
+    const double area = 0.5 * length(cross(t.toB, t.toA));
+    if (area == 0.0) return;
+    const Vec3 across = t.a - t.b;
     total += 0.5 * area;
-    sum += dot(across, toL) / area * toJ + -dot(across, toJ) / area * toL;
-  }
+    sum += dot(across, t.toB) / area * t.toA + -dot(across, t.toA) / area * t.toB;
+  });
   if (total == 0.0 || std::isnan(total)) return {};
   return sum / total;
 }

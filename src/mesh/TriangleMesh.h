@@ -150,4 +150,13 @@ class TriangleMesh {
   TriangleMesh compactCopy() const;
 };
 
+// Inline, because a flow takes less time for a vertex than a call would add.
+inline Vec3 TriangleMesh::umbrellaLaplacian(int i) const {
+  const std::span<const int> ring = getNeighbours(i);
+  if (ring.empty()) return {};
+  Vec3 sum;
+  for (const int j : ring) sum += position(j);
+  return sum / static_cast<double>(ring.size()) - position(i);
+}
+
 }  // namespace gravlin
