@@ -28,7 +28,7 @@ struct Range {
 struct Field {
   std::string_view
       name;  ///< the member's name; the control's object name; in kebab case the option
-  std::string_view label;  ///< text before the control, or of the check box
+  std::string_view label = {};  ///< text before the control, or of the check box
   std::variant<int*, float*, bool*, std::string*> value;  ///< the member that OK writes
   std::string_view group = {};                            ///< title of the box around it, if any
   std::string_view unit = {};                             ///< text behind the control, if any

@@ -1,0 +1,34 @@
+#include "features/AngleParameters.h"
+
+namespace gravlin {
+
+Form AngleParameters::form() {
+  constexpr std::string_view thresholdBox = "Threshold";
+  return {"CAngleDlg",
+          "Angle",
+          {{.name = "thresholdMode",
+            .value = &thresholdMode,
+            .group = thresholdBox,
+            .choices = {{"Constant Angle (0-180)", "angle"}, {"Histogram(0-100)", "histogram"}}},
+           {.name = "angle",
+            .label = "Constant Angle (0-180)",
+            .value = &angle,
+            .group = thresholdBox,
+            .range = {{0, 180}}},
+           {.name = "histogramHi",
+            .label = "Hi",
+            .value = &histogramHi,
+            .group = thresholdBox,
+            .range = {{0, 100}}},
+           {.name = "histogramLow",
+            .label = "Low",
+            .value = &histogramLow,
+            .group = thresholdBox,
+            .range = {{0, 100}}},
+           {.name = "shadedSurface", .label = "Shaded Surface", .value = &shadedSurface},
+           {.name = "preSmoothing",
+            .label = "Pre-smoothing for enhancing creases",
+            .value = &preSmoothing}}};
+}
+
+}  // namespace gravlin

@@ -1,0 +1,42 @@
+#include "features/CreasesByAngle.h"
+
+#include <cstddef>
+
+#include "features/EdgeFold.h"
+#include "features/LinkGrowth.h"
+
+namespace gravlin {
+namespace {
+
+constexpr double pi = 3.14159265;
+
+}  // namespace
+
+std::vector<IndexList> detectCreasesByAngle(TriangleMesh& mesh, float cosThreshold) {
+  const auto V = static_cast<std::size_t>(mesh.vertexCount);
+  mesh.ridgeLinks.assign(V, IndexList());
+  mesh.valleyLinks.assign(V, IndexList());
+  std::vector<IndexList> creaseLinks(V);
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    if (!mesh.validFace(f)) continue;
+    const auto corners = mesh.corners(f);
+    for (std::size_t k = 0; k < 3; ++k) {
+      const int a = corners[k];
+      const int b = corners[(k + 1) % 3];
+      const int g = mesh.faceAdjacency[3 * static_cast<std::size_t>(f) + k];
+      if (g >= f) continue;  // each interior edge from the face with the larger index
+      if (g < 0) {
+        link(mesh.ridgeLinks, a, b);
+      } else if (normalCosine(mesh, f, g) < cosThreshold) {
+        const bool convex = static_cast<double>(edgeFold(mesh, f, g).foldSum) >= pi;
+        link(convex ? mesh.ridgeLinks : mesh.valleyLinks, a, b);
+      } else {
+        continue;
+      }
+      link(creaseLinks, a, b);
+    }
+  }
+  return creaseLinks;
+}
+
+}  // namespace gravlin

@@ -1,0 +1,141 @@
+#include "features/CreasesByHistogram.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "features/EdgeFold.h"
+#include "features/LineFields.h"
+#include "features/LinkGrowth.h"
+
+namespace gravlin {
+namespace {
+
+constexpr double pi = 3.14159265;
+constexpr double twoPi = 6.2831853;
+
+enum class Fold { Convex, Concave };
+
+/// An interior edge as seen from the face with the smaller index.
+struct FoldedEdge {
+  int f;
+  int g;
+  std::size_t edge;  ///< of face f: from corner `edge` to the next
+  Fold fold;
+  float cosine;
+};
+
+int acrossEdge(const TriangleMesh& mesh, int face, std::size_t edge) {
+  return mesh.faceAdjacency[3 * static_cast<std::size_t>(face) + edge % 3];
+}
+
+/// Calls `visit` for every interior edge that is clearly convex or concave, once each.
+template <class Visit>
+void forEachFoldedEdge(const TriangleMesh& mesh, Visit visit) {
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    if (!mesh.validFace(f)) continue;
+    for (std::size_t k = 0; k < 3; ++k) {
+      const int g = acrossEdge(mesh, f, k);
+      if (g <= f) continue;
+      const EdgeFold fold = edgeFold(mesh, f, g);
+      const double s = fold.foldSum;
+      if (!fold.centroidsDiffer || !(s >= 0.0 && s <= twoPi) || s == pi) continue;
+      visit(FoldedEdge{f, g, k, s > pi ? Fold::Convex : Fold::Concave, fold.cosine});
+    }
+  }
+}
+
+/// Which corner of a face a vertex is.
+std::optional<std::size_t> cornerOf(const TriangleMesh& mesh, int face, int vertex) {
+  const auto corners = mesh.corners(face);
+  for (std::size_t j = 0; j < 3; ++j) {
+    if (corners[j] == vertex) return j;
+  }
+  return std::nullopt;
+}
+
+/// The mean cosine between the faces on one side of an edge: `face` is the face on that side,
+/// `edge` its number there. Of its two other neighbours, each is compared with the next face around
+/// the corner opposite the edge. Nothing when none of these faces exists.
+std::optional<float> sideAverage(const TriangleMesh& mesh, int face, std::size_t edge) {
+  const int opposite = mesh.corners(face)[(edge + 2) % 3];
+  double sum = 0.0;
+  int count = 0;
+  const auto addPair = [&](int near, std::size_t cornersBack) {
+    if (near < 0) return;
+    const auto corner = cornerOf(mesh, near, opposite);
+    if (!corner) return;
+    const int far = acrossEdge(mesh, near, *corner + cornersBack);
+    if (far < 0) return;
+    sum += dot(mesh.faceNormal(near), mesh.faceNormal(far));
+    ++count;
+  };
+  addPair(acrossEdge(mesh, face, edge + 1), 2);  // across the edge that ends at the corner
+  addPair(acrossEdge(mesh, face, edge + 2), 0);  // across the edge that starts there
+  if (count == 0) return std::nullopt;
+  return static_cast<float>(sum / count);
+}
+
+/// The number in face g of the edge that it shares with face f.
+std::optional<std::size_t> sharedEdge(const TriangleMesh& mesh, const FoldedEdge& e) {
+  const int end = mesh.corners(e.f)[(e.edge + 1) % 3];
+  const int start = mesh.corners(e.f)[e.edge];
+  for (std::size_t k = 0; k < 3; ++k) {
+    const auto corners = mesh.corners(e.g);
+    if (corners[k] == end && corners[(k + 1) % 3] == start) return k;
+  }
+  return std::nullopt;
+}
+
+bool sharperThanBothSides(const TriangleMesh& mesh, const FoldedEdge& e) {
+  const auto inG = sharedEdge(mesh, e);
+  if (!inG) return false;
+  const auto sideF = sideAverage(mesh, e.f, e.edge);
+  const auto sideG = sideAverage(mesh, e.g, *inG);
+  return sideF && sideG && !(e.cosine >= *sideF) && !(e.cosine >= *sideG);
+}
+
+struct CosineThresholds {
+  float high;
+  float low;
+};
+
+CosineThresholds thresholds(std::vector<float>& cosines, CreaseShares shares) {
+  std::sort(cosines.begin(), cosines.end());
+  const auto count = static_cast<double>(cosines.size());
+  return {valueAtPosition(cosines, count * (1.0 - static_cast<double>(shares.hi))),
+          valueAtPosition(cosines, count * (1.0 - static_cast<double>(shares.low)))};
+}
+
+}  // namespace
+
+void detectCreasesByHistogram(TriangleMesh& mesh, CreaseShares shares) {
+  std::vector<float> convexCosines;
+  std::vector<float> concaveCosines;
+  forEachFoldedEdge(mesh, [&](const FoldedEdge& e) {
+    auto& cosines = e.fold == Fold::Convex ? convexCosines : concaveCosines;
+    if (e.cosine == e.cosine) cosines.push_back(std::clamp(e.cosine, -1.0F, 1.0F));
+  });
+  const CosineThresholds convex = thresholds(convexCosines, shares);
+  const CosineThresholds concave = thresholds(concaveCosines, shares);
+
+  const auto V = static_cast<std::size_t>(mesh.vertexCount);
+  mesh.ridgeLinks.assign(V, IndexList());
+  mesh.valleyLinks.assign(V, IndexList());
+  std::vector<IndexList> weakConvex(V);
+  std::vector<IndexList> weakConcave(V);
+  forEachFoldedEdge(mesh, [&](const FoldedEdge& e) {
+    const bool isConvex = e.fold == Fold::Convex;
+    const CosineThresholds& limit = isConvex ? convex : concave;
+    if (!(e.cosine <= limit.low) || !sharperThanBothSides(mesh, e)) return;
+    const int a = mesh.corners(e.f)[e.edge];
+    const int b = mesh.corners(e.f)[(e.edge + 1) % 3];
+    link(isConvex ? weakConvex : weakConcave, a, b);
+    if (e.cosine < limit.high) link(isConvex ? mesh.ridgeLinks : mesh.valleyLinks, a, b);
+  });
+  growAlongWeakLinks(mesh.ridgeLinks, weakConvex);
+  growAlongWeakLinks(mesh.valleyLinks, weakConcave);
+}
+
+}  // namespace gravlin
