@@ -68,6 +68,7 @@ Loop teeth(double z) {
 /// A bore of radius 5 with a keyway of 3 x 2, everything `grown` further out.
 Loop bore(double grown, double z) {
   constexpr int corner = 6;  // columns from the middle of the keyway to its edge
+  constexpr int opposite = around / 2;
   const double halfKey = 1.5 + grown;
   const double radius = 5.0 + grown;
   const double top = 7.0 + grown;
@@ -75,7 +76,7 @@ Loop bore(double grown, double z) {
   const double keyFoot = radius * std::cos(keyAngle);
   Loop loop;
   for (int i = 0; i < around; ++i) {
-    const int column = i <= around / 2 ? i : i - around;
+    const int column = i <= opposite ? i : i - around;
     const int steps = std::abs(column);
     const double side = column < 0 ? -1.0 : 1.0;
     if (steps <= corner - 2) {
@@ -83,7 +84,7 @@ Loop bore(double grown, double z) {
     } else if (steps < corner) {
       loop.push_back({(top + keyFoot) / 2.0, side * halfKey, z});
     } else {
-      const double share = static_cast<double>(steps - corner) / (around / 2 - corner);
+      const double share = static_cast<double>(steps - corner) / (opposite - corner);
       loop.push_back(at({radius, side * (keyAngle + share * (std::numbers::pi - keyAngle))}, z));
     }
   }
