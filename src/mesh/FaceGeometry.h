@@ -24,6 +24,20 @@ inline Vec3 faceCentroid(const TriangleMesh& mesh, int f) {
   return (mesh.position(c[0]) + mesh.position(c[1]) + mesh.position(c[2])) * 0.3333333333333333;
 }
 
+/// The mean of the corners in single precision: the sums and the product with 0.33333334 are each
+/// rounded to float. `f` must be a valid face.
+inline Vec3 singleFaceCentroid(const TriangleMesh& mesh, int f) {
+  constexpr float third = 0.33333334F;
+  const auto c = mesh.corners(f);
+  const auto mean = [&](std::size_t axis) {
+    const auto at = [&](std::size_t corner) {
+      return mesh.vertices[3 * static_cast<std::size_t>(c[corner]) + axis];
+    };
+    return static_cast<double>((at(0) + at(1) + at(2)) * third);
+  };
+  return {mean(0), mean(1), mean(2)};
+}
+
 /// The position of a surface point on a valid face.
 inline Vec3 pointInFace(const TriangleMesh& mesh, const FacePoint& at) {
   const auto c = mesh.corners(at.face);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "mesh/TriangleMesh.h"
+#include "smoothing/AdaptiveSmoothingParameters.h"
+#include "smoothing/NormalAveraging.h"
 
 namespace gravlin {
 
@@ -18,6 +20,14 @@ class MeshSmoother {
   // --- Implicit flows ---
 
   // --- Adaptive smoothing ---
+  void adaptiveSmoothing(int iterations, const AdaptiveSmoothingParameters& parameters);
+  void medianSmoothing(int iterations, const AdaptiveSmoothingParameters& parameters);
+  void averageNormalsWeighted(const NormalWeight& weight);
+  void averageNormalsVertexWeighted(const NormalWeight& weight, double meetAtVertex);
+  void averageNormalsMedian(const MedianFilter& filter);
+  void integrateDistance(double step);
+  void integrateDerivative(double step);
+  void integrateDerivativeByArea(double step, double factor);
 
   // --- Noise ---
 

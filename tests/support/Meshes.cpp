@@ -5,6 +5,7 @@
 #include <limits>
 #include <map>
 #include <numbers>
+#include <random>
 #include <set>
 #include <utility>
 
@@ -201,6 +202,51 @@ TriangleMesh torus(int around, int across) {
     }
   }
   return makeMesh(points, triangles);
+}
+
+TriangleMesh fineCube(int n) {
+  std::map<std::array<int, 3>, int> known;  // lattice points, 0 .. n along each axis
+  Points points;
+  const auto vertexAt = [&](const std::array<int, 3>& p) {
+    const auto [entry, isNew] = known.try_emplace(p, static_cast<int>(points.size()));
+    const auto onAxis = [n](int k) { return 2.0 * k / n - 1.0; };
+    if (isNew) points.push_back(rounded(onAxis(p[0]), onAxis(p[1]), onAxis(p[2])));
+    return entry->second;
+  };
+  Triangles triangles;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    for (const int side : {0, n}) {
+      for (int u = 0; u < n; ++u) {
+        for (int v = 0; v < n; ++v) {
+          const auto at = [&](int du, int dv) {
+            std::array<int, 3> p = {};
+            p[axis] = side;
+            p[(axis + 1) % 3] = u + du;
+            p[(axis + 2) % 3] = v + dv;
+            return vertexAt(p);
+          };
+          const int a = at(0, 0);
+          const int b = side == 0 ? at(0, 1) : at(1, 0);
+          const int c = at(1, 1);
+          const int d = side == 0 ? at(1, 0) : at(0, 1);
+          triangles.push_back({a, b, c});
+          triangles.push_back({a, c, d});
+        }
+      }
+    }
+  }
+  return makeMesh(points, triangles);
+}
+
+TriangleMesh jittered(TriangleMesh mesh, double amplitude) {
+  std::minstd_rand random(1);
+  for (float& coordinate : mesh.vertices) {
+    const double share = static_cast<double>(random()) / std::minstd_rand::max();
+    coordinate += static_cast<float>(amplitude * (2.0 * share - 1.0));
+  }
+  mesh.computeFaceNormals();
+  mesh.computeVertexNormals();
+  return mesh;
 }
 
 std::vector<NamedMesh> closedMeshes() {

@@ -35,6 +35,12 @@ TriangleMesh grid(int columns,
 TriangleMesh bumpyGrid(int columns, int rows);           ///< the grid with a smooth height field
 TriangleMesh icosphere(int level, double radius = 1.0);  ///< closed, 20 x 4^level faces
 TriangleMesh torus(int around, int across);              ///< closed, genus 1, radii 3 and 1
+/// Closed, outward, side 2 about the origin, every side cut into n x n squares of two faces.
+TriangleMesh fineCube(int n);
+
+/// The mesh with every coordinate moved by up to `amplitude`, evenly spread and the same each time;
+/// normals are brought up to date.
+TriangleMesh jittered(TriangleMesh mesh, double amplitude);
 
 /// A named mesh of a family that a test loops over.
 struct NamedMesh {

@@ -1,0 +1,63 @@
+#include "smoothing/CornerNeighbours.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+namespace gravlin {
+namespace {
+
+/// The incident faces of a corner that its faces see as neighbours.
+std::span<const int> visibleFan(const TriangleMesh& mesh, int vertex) {
+  const auto fan = mesh.vertexFaces[vertex];
+  const bool interior = mesh.vertexKind[static_cast<std::size_t>(vertex)] == InteriorVertex;
+  return interior || fan.empty() ? fan : fan.first(fan.size() - 1);
+}
+
+/// How many faces are looked at when all rows are made, a little more than the rows will hold.
+/// Taken from the fans alone, because looking itself is quadratic in the valence.
+std::int64_t visitsOfAllRows(const TriangleMesh& mesh) {
+  std::int64_t visits = 0;
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    visits += static_cast<std::int64_t>(mesh.vertexFaceCount(i)) *
+              static_cast<std::int64_t>(visibleFan(mesh, i).size());
+  }
+  return visits;
+}
+
+template <class Visit>
+void visitCornerNeighbours(const TriangleMesh& mesh, int f, const Visit& visit) {
+  if (!mesh.validFace(f)) return;
+  const int* adjacent = mesh.faceAdjacency.data() + 3 * static_cast<std::size_t>(f);
+  for (const int corner : mesh.corners(f)) {
+    for (const int g : visibleFan(mesh, corner)) {
+      if (g != f && g != adjacent[0] && g != adjacent[1] && g != adjacent[2]) visit(g);
+    }
+  }
+}
+
+}  // namespace
+
+void buildCornerNeighbourFaces(TriangleMesh& mesh) {
+  if (mesh.cornerNeighbourFaces.built()) return;
+  if (visitsOfAllRows(mesh) > std::numeric_limits<int>::max()) {
+    throw std::length_error("Too many faces meet at a vertex.");
+  }
+  CompressedRows rows;
+  rows.offsets.reserve(static_cast<std::size_t>(mesh.faceCount) + 1);
+  rows.offsets.push_back(0);
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    int count = 0;
+    visitCornerNeighbours(mesh, f, [&](int) { ++count; });
+    rows.offsets.push_back(rows.offsets.back() + count);
+  }
+  rows.items.reserve(static_cast<std::size_t>(rows.offsets.back()));
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    visitCornerNeighbours(mesh, f, [&](int g) { rows.items.push_back(g); });
+  }
+  mesh.cornerNeighbourFaces = std::move(rows);
+}
+
+}  // namespace gravlin

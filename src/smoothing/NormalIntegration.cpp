@@ -1,0 +1,114 @@
+#include "smoothing/NormalIntegration.h"
+
+#include <vector>
+
+#include "mesh/FaceGeometry.h"
+
+namespace gravlin {
+namespace {
+
+/// Moves every interior vertex by `step` times what `displacement` gives for it.
+template <class Displacement>
+void moveInteriorVertices(TriangleMesh& mesh, double step, const Displacement& displacement) {
+  std::vector<Vec3> moves(static_cast<std::size_t>(mesh.vertexCount));
+  const auto interior = [&](int i) {
+    return mesh.vertexKind[static_cast<std::size_t>(i)] == InteriorVertex;
+  };
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    if (interior(i)) moves[static_cast<std::size_t>(i)] = displacement(i);
+  }
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    if (interior(i)) {
+      mesh.setPosition(i, mesh.position(i) + step * moves[static_cast<std::size_t>(i)]);
+    }
+  }
+}
+
+/// What one triangle adds to the cotangent Laplacian at its corner x, and twice its area.
+struct CotangentTerm {
+  Vec3 vector;
+  double doubleArea;
+};
+
+/// The edges lead from x to the triangle's other corners a and b. Zero for a triangle without area.
+CotangentTerm cotangentTerm(const Vec3& toA, const Vec3& toB) {
+  const double doubleArea = length(cross(toB, toA));
+  if (doubleArea == 0.0) return {{}, 0.0};
+  const Vec3 aToB = toB - toA;
+  const double cotangentA = -dot(aToB, toA) / doubleArea;
+  const double cotangentB = dot(aToB, toB) / doubleArea;
+  return {cotangentA * toB + cotangentB * toA, doubleArea};
+}
+
+/// The terms of one triangle as it is and flattened onto the plane of its filtered normal.
+struct TermPair {
+  CotangentTerm actual;
+  CotangentTerm flattened;
+};
+
+/// Gives `visit` the terms of each triangle around an interior vertex in ring order.
+template <class Visit>
+void visitTriangles(const TriangleMesh& mesh, int i, const Visit& visit) {
+  const Vec3 center = mesh.position(i);
+  const auto ring = mesh.vertexNeighbours[i];
+  const auto fan = mesh.vertexFaces[i];
+  Vec3 toA = mesh.position(ring[0]) - center;
+  for (std::size_t k = 0; k < fan.size(); ++k) {
+    const Vec3 toB = mesh.position(ring[k + 1 == ring.size() ? 0 : k + 1]) - center;
+    const Vec3 normal = mesh.faceNormal(fan[k]);
+    visit(TermPair{cotangentTerm(toA, toB), cotangentTerm(toA - dot(toA, normal) * normal,
+                                                          toB - dot(toB, normal) * normal)});
+    toA = toB;
+  }
+}
+
+Vec3 roundedToSingle(const Vec3& a) {
+  float xyz[3];
+  storeVec3(xyz, a);
+  return loadVec3(xyz);
+}
+
+}  // namespace
+
+void integrateDistance(TriangleMesh& mesh, double step) {
+  moveInteriorVertices(mesh, step, [&](int i) {
+    const Vec3 center = mesh.position(i);
+    Vec3 sum;
+    double areas = 0.0;
+    for (const int f : mesh.vertexFaces[i]) {
+      const Vec3 normal = mesh.faceNormal(f);
+      const double area = faceArea(mesh, f);
+      sum += area * dot(normal, center - singleFaceCentroid(mesh, f)) * normal;
+      areas += area;
+    }
+    return areas == 0.0 ? Vec3{} : -sum / areas;
+  });
+}
+
+void integrateDerivative(TriangleMesh& mesh, double step) {
+  moveInteriorVertices(mesh, step, [&](int i) {
+    Vec3 sum;
+    visitTriangles(mesh, i, [&](const TermPair& terms) {
+      sum += terms.actual.vector;
+      sum -= terms.flattened.vector;
+    });
+    return sum / static_cast<double>(mesh.neighbourCount(i));
+  });
+}
+
+void integrateDerivativeByArea(TriangleMesh& mesh, double step, double factor) {
+  moveInteriorVertices(mesh, step, [&](int i) {
+    Vec3 sum;
+    double weights = 0.0;
+    visitTriangles(mesh, i, [&](const TermPair& terms) {
+      if (terms.actual.doubleArea == 0.0) return;
+      const double ratio = terms.flattened.doubleArea / terms.actual.doubleArea;
+      const double weight = factor * (ratio * ratio);
+      sum += weight * roundedToSingle(terms.actual.vector - terms.flattened.vector);
+      weights += weight;
+    });
+    return weights == 0.0 ? Vec3{} : sum / weights;
+  });
+}
+
+}  // namespace gravlin
