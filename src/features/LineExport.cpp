@@ -1,0 +1,151 @@
+#include "features/LineExport.h"
+
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <utility>
+
+#include "features/LineFields.h"
+
+namespace gravlin {
+namespace {
+
+constexpr std::array<std::string_view, 4> kindNames = {"ridge", "valley", "convex_crease",
+                                                       "concave_crease"};
+
+/// Appends the shortest text that reads back to the same number.
+template <class Number>
+void append(std::string& text, Number value) {
+  std::array<char, 32> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+  text.append(digits.data(), end);
+}
+
+/// Numbers the vertices of all lines 0, 1, 2, ... in the order in which lines first use them.
+struct LineVertices {
+  std::vector<int> order;   ///< the mesh's vertices that lines use
+  std::vector<int> number;  ///< [V] position in `order`, or -1
+
+  LineVertices(const TriangleMesh& mesh, const std::vector<ExportedLine>& lines)
+      : number(static_cast<std::size_t>(mesh.vertexCount), -1) {
+    for (const ExportedLine& exported : lines) {
+      for (const int v : exported.line.vertices) {
+        int& entry = number[static_cast<std::size_t>(v)];
+        if (entry >= 0) continue;
+        entry = static_cast<int>(order.size());
+        order.push_back(v);
+      }
+    }
+  }
+};
+
+void appendPosition(std::string& text, const TriangleMesh& mesh, int vertex) {
+  const Vec3 centre = 0.5 * (loadVec3(mesh.boxMin.data()) + loadVec3(mesh.boxMax.data()));
+  const Vec3 p = centre + mesh.position(vertex) * mesh.extentTolerance;
+  append(text, static_cast<float>(p.x));
+  text += ' ';
+  append(text, static_cast<float>(p.y));
+  text += ' ';
+  append(text, static_cast<float>(p.z));
+  text += '\n';
+}
+
+/// Calls `visit` for each vertex of a line in order; a closed line comes back to its first.
+template <class Visit>
+void forEachVertex(const Polyline& line, Visit visit) {
+  for (const int v : line.vertices) visit(v);
+  if (line.closed) visit(line.vertices.front());
+}
+
+std::size_t recordLength(const Polyline& line) {
+  return line.vertices.size() + (line.closed ? 1 : 0);
+}
+
+double meanCurvatureAlong(const TriangleMesh& mesh, const Polyline& line,
+                          const std::vector<double>& curvature) {
+  if (curvature.size() != static_cast<std::size_t>(mesh.vertexCount)) return 0.0;
+  double sum = 0.0;
+  for (const int v : line.vertices) sum += curvature[static_cast<std::size_t>(v)];
+  const double inMemory = sum / static_cast<double>(line.vertices.size());
+  return mesh.extentTolerance == 0.0 ? 0.0 : inMemory / mesh.extentTolerance;
+}
+
+void addLines(const TriangleMesh& mesh, const std::vector<IndexList>& links, int kind,
+              const std::vector<double>& curvature, std::vector<ExportedLine>& lines) {
+  for (Polyline& line : chainLinks(links)) {
+    const double mean = meanCurvatureAlong(mesh, line, curvature);
+    lines.push_back({kindNames[static_cast<std::size_t>(kind)], kind, std::move(line), mean});
+  }
+}
+
+}  // namespace
+
+std::vector<ExportedLine> linesToExport(const TriangleMesh& mesh, LineOrigin origin) {
+  const int firstKind = origin == LineOrigin::RidgesAndValleys ? 0 : 2;
+  std::vector<ExportedLine> lines;
+  addLines(mesh, mesh.ridgeLinks, firstKind, mesh.maxCurvature, lines);
+  addLines(mesh, mesh.valleyLinks, firstKind + 1, mesh.minCurvature, lines);
+  return lines;
+}
+
+std::string linesAsObj(const TriangleMesh& mesh, const std::vector<ExportedLine>& lines) {
+  const LineVertices used(mesh, lines);
+  std::string text;
+  for (const int v : used.order) {
+    text += "v ";
+    appendPosition(text, mesh, v);
+  }
+  int group = -1;
+  for (const ExportedLine& exported : lines) {
+    if (std::exchange(group, exported.kindNumber) != exported.kindNumber) {
+      text.append("g ").append(exported.kind).append("\n");
+    }
+    text += 'l';
+    forEachVertex(exported.line, [&](int v) {
+      text += ' ';
+      append(text, used.number[static_cast<std::size_t>(v)] + 1);
+    });
+    text += '\n';
+  }
+  return text;
+}
+
+std::string linesAsVtk(const TriangleMesh& mesh, const std::vector<ExportedLine>& lines) {
+  const LineVertices used(mesh, lines);
+  std::string text = "# vtk DataFile Version 3.0\nFeature lines\nASCII\nDATASET POLYDATA\nPOINTS ";
+  append(text, used.order.size());
+  text += " float\n";
+  for (const int v : used.order) appendPosition(text, mesh, v);
+
+  std::size_t numbers = 0;
+  for (const ExportedLine& exported : lines) numbers += 1 + recordLength(exported.line);
+  text += "LINES ";
+  append(text, lines.size());
+  text += ' ';
+  append(text, numbers);
+  text += '\n';
+  for (const ExportedLine& exported : lines) {
+    append(text, recordLength(exported.line));
+    forEachVertex(exported.line, [&](int v) {
+      text += ' ';
+      append(text, used.number[static_cast<std::size_t>(v)]);
+    });
+    text += '\n';
+  }
+
+  text += "CELL_DATA ";
+  append(text, lines.size());
+  text += "\nSCALARS kind int 1\nLOOKUP_TABLE default\n";
+  for (const ExportedLine& exported : lines) {
+    append(text, exported.kindNumber);
+    text += '\n';
+  }
+  text += "SCALARS meanCurvature double 1\nLOOKUP_TABLE default\n";
+  for (const ExportedLine& exported : lines) {
+    append(text, exported.meanCurvature);
+    text += '\n';
+  }
+  return text;
+}
+
+}  // namespace gravlin

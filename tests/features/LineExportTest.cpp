@@ -1,0 +1,56 @@
+#include <gtest/gtest.h>
+
+#include "features/LineExport.h"
+#include "features/LinkGrowth.h"
+#include "features/MarkedMeshes.h"
+#include "support/Meshes.h"
+
+namespace gravlin {
+namespace {
+
+/// A unit square whose boundary is a closed ridge and whose diagonal is a valley, in a file whose
+/// unit is half a unit in memory and whose centre is (10, 0, 0).
+TriangleMesh squareWithLines() {
+  TriangleMesh mesh = test::twoTriangles();
+  test::prepareLines(mesh, 3.0, -1.0);
+  for (int v = 0; v < 4; ++v) link(mesh.ridgeLinks, v, (v + 1) % 4);
+  link(mesh.valleyLinks, 0, 2);
+  mesh.boxMin = {5.0F, -5.0F, -5.0F};
+  mesh.boxMax = {15.0F, 5.0F, 5.0F};
+  mesh.extentTolerance = 0.5;
+  return mesh;
+}
+
+TEST(LineExport, ObjHasFileUnitsOneRecordPerLineAndClosedLoops) {
+  const TriangleMesh mesh = squareWithLines();
+  EXPECT_EQ(linesAsObj(mesh, linesToExport(mesh, LineOrigin::RidgesAndValleys)),
+            "v 10 0 0\nv 10.5 0 0\nv 10.5 0.5 0\nv 10 0.5 0\n"
+            "g ridge\nl 1 2 3 4 1\ng valley\nl 1 3\n");
+}
+
+TEST(LineExport, VtkTellsKindAndMeanCurvatureInFileUnits) {
+  const TriangleMesh mesh = squareWithLines();
+  EXPECT_EQ(linesAsVtk(mesh, linesToExport(mesh, LineOrigin::RidgesAndValleys)),
+            "# vtk DataFile Version 3.0\nFeature lines\nASCII\nDATASET POLYDATA\n"
+            "POINTS 4 float\n10 0 0\n10.5 0 0\n10.5 0.5 0\n10 0.5 0\n"
+            "LINES 2 9\n5 0 1 2 3 0\n2 0 2\n"
+            "CELL_DATA 2\nSCALARS kind int 1\nLOOKUP_TABLE default\n0\n1\n"
+            "SCALARS meanCurvature double 1\nLOOKUP_TABLE default\n6\n-2\n");
+}
+
+TEST(LineExport, LinesOfTheCreaseDetectionAreConvexAndConcaveCreases) {
+  const TriangleMesh mesh = squareWithLines();
+  const auto lines = linesToExport(mesh, LineOrigin::Creases);
+  ASSERT_EQ(lines.size(), 2U);
+  EXPECT_EQ(lines[0].kind, "convex_crease");
+  EXPECT_EQ(lines[1].kind, "concave_crease");
+}
+
+TEST(LineExport, WithoutLinesTheFilesAreEmptyButValid) {
+  const TriangleMesh mesh = test::emptyMesh();
+  EXPECT_EQ(linesAsObj(mesh, {}), "");
+  EXPECT_NE(linesAsVtk(mesh, {}).find("LINES 0 0\n"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace gravlin
