@@ -10,6 +10,8 @@ namespace gravlin {
 namespace {
 
 constexpr double degree = std::numbers::pi / 180.0;
+constexpr double nearPlane = 10.0;
+constexpr double farPlane = 4000.0;
 const float horizontalLength = std::sqrt(2980.0F);  // of the eye's place seen from above, (26, -48)
 
 Vec3 unit(const Vec3& a) {
@@ -97,6 +99,19 @@ const Ray& Camera::aimAt(ViewPoint pixel, ViewSize size) {
   return pickRay;
 }
 
+std::optional<SeenPoint> Camera::project(const Vec3& p, ViewSize size) const {
+  const Vec3 aboutZ = turned(p, axisZ, finiteOrZero(angleZ));
+  const Vec3 aboutY = turned(aboutZ, axisY, finiteOrZero(angleY));
+  const Vec3 placed = turned(aboutY, axisX, finiteOrZero(angleX)) + loadVec3(translation.data());
+  const Vec3 fromEye = placed - eye;
+  const double depth = dot(fromEye, unit(centre - eye));
+  if (!(depth >= nearPlane)) return std::nullopt;
+  const double pixelsPerUnit =
+      size.height / 2.0 / (depth * std::tan(finiteOrZero(fieldOfView) * degree / 2.0));
+  return SeenPoint{size.width / 2.0 + pixelsPerUnit * dot(fromEye, rightward()),
+                   size.height / 2.0 - pixelsPerUnit * dot(fromEye, up()), depth};
+}
+
 void Camera::setAngles(const ViewAngles& angles) {
   angleX = angles.rx;
   angleY = angles.ry;
@@ -116,7 +131,7 @@ void Camera::loadProjection(ViewSize size) const {
   glMatrixMode(GL_PROJECTION);
   glLoadIdentity();
   const double aspect = static_cast<double>(std::max(1, size.width)) / std::max(1, size.height);
-  gluPerspective(finiteOrZero(fieldOfView), aspect, 10.0, 4000.0);
+  gluPerspective(finiteOrZero(fieldOfView), aspect, nearPlane, farPlane);
 }
 
 void Camera::loadModelView() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 
 #include "doc/Outside.h"
 #include "mesh/FacePicking.h"
@@ -18,6 +19,13 @@ struct ViewSize {
 struct ViewPoint {
   int x = 0;
   int y = 0;
+};
+
+/// Where a point of the mesh appears in a view.
+struct SeenPoint {
+  double x = 0.0;      ///< in the view's own pixels, from the left edge
+  double y = 0.0;      ///< from the upper edge
+  double depth = 0.0;  ///< distance from the eye along the line of sight through the centre
 };
 
 enum class ArrowKey { Left, Up, Right, Down };
@@ -62,6 +70,9 @@ class Camera {
 
   /// Sets pickRay to the line of sight through a pixel and returns it.
   const Ray& aimAt(ViewPoint pixel, ViewSize size);
+
+  /// Where a point in mesh coordinates appears; nothing for a point nearer than the near plane.
+  std::optional<SeenPoint> project(const Vec3& p, ViewSize size) const;
 
   ViewAngles angles() const { return {angleX, angleY, angleZ}; }
   void setAngles(const ViewAngles& angles);

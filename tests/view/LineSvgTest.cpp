@@ -1,0 +1,108 @@
+#include <array>
+#include <cmath>
+#include <gtest/gtest.h>
+
+#include "support/Meshes.h"
+#include "view/LineSvg.h"
+
+namespace gravlin {
+namespace {
+
+constexpr ViewSize size = {300, 300};
+
+int count(const std::string& text, const std::string& word) {
+  int found = 0;
+  for (auto at = text.find(word); at != std::string::npos; at = text.find(word, at + 1)) ++found;
+  return found;
+}
+
+std::string svgOf(const TriangleMesh& mesh, Polyline line) {
+  return linesAsSvg(mesh, {{"ridge", 0, std::move(line), 0.0}}, Camera(), size);
+}
+
+TEST(LineSvg, ProjectionIsTheInverseOfAiming) {
+  Camera camera;
+  camera.angleX = 12.0F;
+  camera.angleY = -33.0F;
+  camera.angleZ = 75.0F;
+  camera.translation = {0.5F, -1.0F, 2.0F};
+  for (const ViewPoint pixel : {ViewPoint{150, 150}, {3, 280}, {299, 0}}) {
+    const Ray ray = camera.aimAt(pixel, size);
+    const auto seen = camera.project(ray.origin + 55.0 * ray.direction, size);
+    ASSERT_TRUE(seen);
+    // Axes are held in single precision, so turning back and forth is off by 1e-7 of 55 units.
+    EXPECT_NEAR(seen->x, pixel.x, 1e-3);
+    EXPECT_NEAR(seen->y, pixel.y, 1e-3);
+  }
+}
+
+TEST(LineSvg, APointBehindTheEyeIsNotSeen) {
+  EXPECT_FALSE(Camera().project(2.0 * Camera::eye, size));
+}
+
+/// A small triangle, vertices 3 to 5, behind a large one, 0 to 2, as seen from the eye.
+TriangleMesh screenBeforeTriangle(double distanceBehind) {
+  const Vec3 right = Camera::rightward();
+  const Vec3 up = Camera::up();
+  const Vec3 back = distanceBehind * (Camera::centre - Camera::eye) / length(Camera::eye);
+  const auto rounded = [](const Vec3& p) {
+    return std::array{static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)};
+  };
+  return test::makeMesh(
+      {rounded(-9.0 * right - 5.0 * up), rounded(9.0 * right - 5.0 * up), rounded(9.0 * up),
+       rounded(back - 1.0 * right), rounded(back + right), rounded(back + up)},
+      {{0, 1, 2}, {3, 4, 5}});
+}
+
+TEST(LineSvg, WhatTheSurfaceHidesIsLeftOut) {
+  EXPECT_EQ(count(svgOf(screenBeforeTriangle(5.0), {{3, 4, 5}, true}), "<path"), 0);
+  EXPECT_EQ(count(svgOf(screenBeforeTriangle(-5.0), {{3, 4, 5}, true}), "<path"), 1);
+}
+
+TEST(LineSvg, ALineIsCutWhereItGoesBehindTheSurface) {
+  // From 3, hidden, to 1, a corner of the screen itself: the far end is seen.
+  const std::string text = svgOf(screenBeforeTriangle(5.0), {{3, 1}, false});
+  EXPECT_EQ(count(text, "<path"), 1);
+}
+
+TEST(LineSvg, AClosedLineOnAVisibleSideIsOnePathThatComesBack) {
+  const std::string text = svgOf(test::cube(), {{4, 5, 6, 7}, true});
+  EXPECT_EQ(count(text, "<path"), 1);
+  EXPECT_EQ(count(text, "L"), 4);
+}
+
+TEST(LineSvg, KindsAreGroupsInTheirColours) {
+  const std::string text = linesAsSvg(
+      test::cube(), {{"ridge", 0, {{4, 5}, false}, 0.0}, {"valley", 1, {{5, 6}, false}, 0.0}},
+      Camera(), size);
+  EXPECT_EQ(count(text, "<g id=\"ridge\" stroke=\"red\">"), 1);
+  EXPECT_EQ(count(text, "<g id=\"valley\" stroke=\"blue\">"), 1);
+  EXPECT_EQ(count(text, "</g>"), 2);
+}
+
+TEST(LineSvg, LinesBeyondTheEdgesOfTheViewAreCutOff) {
+  Camera camera;
+  camera.fieldOfView = 0.5F;
+  camera.translation = {0.0F, 0.0F, -1.0F};  // the middle of the upper side to the centre
+  const std::string text =
+      linesAsSvg(test::cube(), {{"ridge", 0, {{4, 6}, false}, 0.0}}, camera, size);
+  EXPECT_EQ(count(text, "<path"), 1);
+  EXPECT_EQ(text.find('-', text.find("<path")), std::string::npos) << "no negative coordinate";
+}
+
+TEST(LineSvg, HostileMeshesAndViewsPass) {
+  for (const auto& [name, mesh] : test::hostileMeshes()) {
+    SCOPED_TRACE(name);
+    Polyline line;
+    for (int v = 0; v < mesh.vertexCount; ++v) line.vertices.push_back(v);
+    for (const float fieldOfView : {22.5F, 0.0F, -5.0F, 180.0F, 1e30F, std::nanf("")}) {
+      Camera camera;
+      camera.fieldOfView = fieldOfView;
+      const std::string text = linesAsSvg(mesh, {{"ridge", 0, line, 0.0}}, camera, size);
+      EXPECT_EQ(text.substr(text.size() - 7), "</svg>\n");
+    }
+  }
+}
+
+}  // namespace
+}  // namespace gravlin
