@@ -1,0 +1,133 @@
+#include "mesh/MeshFile.h"
+
+#include <array>
+#include <cerrno>
+#include <new>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "mesh/MeshReader.h"
+#include "mesh/MeshWriter.h"
+#include "mesh/SafeFile.h"
+
+namespace gravlin {
+namespace {
+
+struct CloseStream {
+  void operator()(std::FILE* stream) const { std::fclose(stream); }
+};
+using Stream = std::unique_ptr<std::FILE, CloseStream>;
+
+/// Opens a regular file or a pipe. A folder would only fail at the first read, and a device may
+/// never end.
+Stream openForReading(const std::string& path) {
+  struct stat status = {};
+  if (::stat(path.c_str(), &status) == 0) {
+    if (S_ISDIR(status.st_mode)) throw std::runtime_error("it is a folder");
+    if (!S_ISREG(status.st_mode) && !S_ISFIFO(status.st_mode)) {
+      throw std::runtime_error("it is a device");
+    }
+  }
+  Stream stream(std::fopen(path.c_str(), "re"));
+  if (!stream) throw std::system_error(errno, std::generic_category());
+  return stream;
+}
+
+/// Runs `work` and returns why it failed, as the end of a sentence; nothing when it did not.
+template <class Work>
+std::string reasonOfFailure(Work work) {
+  try {
+    work();
+  } catch (const std::bad_alloc&) {
+    return "there is not enough memory";
+  } catch (const std::system_error& error) {
+    return error.code().message();
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  return {};
+}
+
+std::string sentence(const std::string& beginning, const std::string& path,
+                     const std::string& reason) {
+  return reason.empty() ? std::string() : beginning + path + ": " + reason + ".";
+}
+
+/// Puts a mesh back to where and how large it was, bit by bit, unless told to let it be.
+class PlaceGuard {
+ public:
+  explicit PlaceGuard(TriangleMesh& guarded)
+      : mesh(guarded),
+        vertices(guarded.vertices),
+        boxMax(guarded.boxMax),
+        boxMin(guarded.boxMin),
+        extentTolerance(guarded.extentTolerance) {}
+  ~PlaceGuard() {
+    if (released) return;
+    mesh.vertices = std::move(vertices);
+    mesh.boxMax = boxMax;
+    mesh.boxMin = boxMin;
+    mesh.extentTolerance = extentTolerance;
+  }
+  PlaceGuard(const PlaceGuard&) = delete;
+  PlaceGuard& operator=(const PlaceGuard&) = delete;
+
+  void release() { released = true; }
+
+ private:
+  TriangleMesh& mesh;
+  std::vector<float> vertices;
+  std::array<float, 3> boxMax;
+  std::array<float, 3> boxMin;
+  double extentTolerance;
+  bool released = false;
+};
+
+void save(const std::string& path, TriangleMesh& mesh) {
+  SafeFile file(path);
+  if (file.stream() == nullptr) throw std::runtime_error(file.error());
+  PlaceGuard guard(mesh);
+  mesh.denormalize();
+  writeMesh({file.stream(), path, extensionOf(path)}, mesh);
+  mesh.normalize();
+  if (!file.commit()) throw std::runtime_error(file.error());
+  guard.release();
+}
+
+}  // namespace
+
+std::string extensionOf(const std::string& path) {
+  const std::string name = path.substr(path.find_last_of('/') + 1);  // all of it without a slash
+  const std::size_t dot = name.find_last_of('.');
+  return dot == std::string::npos ? std::string() : name.substr(dot + 1);
+}
+
+OpenResult openMeshFile(const std::string& path) {
+  OpenResult result;
+  auto mesh = std::make_unique<TriangleMesh>();
+  std::string oddities;
+  const std::string reason = reasonOfFailure([&] {
+    const Stream stream = openForReading(path);
+    oddities = readMesh({stream.get(), path, extensionOf(path)}, *mesh);
+    mesh->computeFaceNormals();
+    mesh->computeVertexNormals();
+  });
+  result.error = sentence("Cannot open ", path, reason);
+  if (!result.error.empty()) return result;
+  result.mesh = std::move(mesh);
+  result.notice = sentence("Opened ", path, oddities);
+  return result;
+}
+
+SaveResult saveMeshFile(const std::string& path, TriangleMesh& mesh) {
+  SaveResult result;
+  result.path = extensionOf(path).empty() ? path + ".ply2" : path;
+  result.error =
+      sentence("Cannot save ", result.path, reasonOfFailure([&] { save(result.path, mesh); }));
+  return result;
+}
+
+}  // namespace gravlin

@@ -1,0 +1,278 @@
+#include "mesh/MeshReader.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <fstream>
+#include <limits>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "mesh/Scanner.h"
+#include "mesh/StreamText.h"
+
+namespace gravlin {
+namespace {
+
+/// What a file is made of, as messages call it.
+struct Noun {
+  const char* one;
+  const char* many;
+};
+constexpr Noun vertexNoun = {"vertex", "vertices"};
+constexpr Noun faceNoun = {"face", "faces"};
+constexpr Noun ridgeMarkNoun = {"ridge mark", "ridge marks"};
+constexpr Noun valleyMarkNoun = {"valley mark", "valley marks"};
+
+std::string counted(int count, const Noun& noun) {
+  return std::to_string(count) + " " + (count == 1 ? noun.one : noun.many);
+}
+
+/// Bytes that the system can hand out without taking them from someone; plenty if it does not tell.
+std::uint64_t availableMemory() {
+  std::ifstream table("/proc/meminfo");
+  for (std::string key; table >> key; table.ignore(256, '\n')) {
+    std::uint64_t kilobytes = 0;
+    if (key == "MemAvailable:" && table >> kilobytes) return 1024 * kilobytes;
+  }
+  return std::numeric_limits<std::uint64_t>::max();
+}
+
+/// The system promises more memory than there is and ends the program that uses it, so a small file
+/// with huge counts is stopped by looking first.
+void requireMemoryFor(int vertexCount, int faceCount) {
+  // Positions or corners, rings, adjacency and normals of one vertex or one face together.
+  constexpr std::uint64_t bytesEach = 64;
+  const auto items =
+      static_cast<std::uint64_t>(vertexCount) + static_cast<std::uint64_t>(faceCount);
+  if (bytesEach * items > availableMemory()) throw std::bad_alloc();
+}
+
+/// Takes the numbers of one file from its text into a mesh and keeps account of what was odd.
+class RecordReader {
+ public:
+  RecordReader(std::string_view text, TriangleMesh& destination)
+      : scanner(text), mesh(destination) {}
+
+  void readData();
+  void readPly();
+  void readPly2();
+  void readPlyR();
+
+  std::vector<std::string> oddities;
+
+ private:
+  struct Counts {
+    int vertices = 0;
+    int faces = 0;
+  };
+  Counts readCounts();
+  int readCount(const Noun& noun);
+  int readArrayCount(const Noun& noun);
+  void readVertices(int count);
+  void readVerticesOfFiveNumbers(int count);
+  void readFaces(int count);
+  void readMarks(const Noun& noun, int count, std::vector<int>& marks);
+
+  template <class ReadRecord>
+  void forEachRecord(const Noun& noun, int count, ReadRecord readRecord);
+  int takeInt();
+  float takeFloat();
+  void noteFailureIn(const std::string& record);
+
+  Scanner scanner;
+  TriangleMesh& mesh;
+  bool failed = false;  ///< a number of the current record could not be read
+  bool failureNoted = false;
+  int ignoredMarks = 0;
+};
+
+// --- Formats ---
+
+void RecordReader::readData() {
+  const int count = readArrayCount(vertexNoun);
+  requireMemoryFor(count, 0);
+  readVertices(count);
+}
+
+void RecordReader::readPly() {
+  const Counts counts = readCounts();
+  readVerticesOfFiveNumbers(counts.vertices);
+  readFaces(counts.faces);
+}
+
+void RecordReader::readPly2() {
+  const Counts counts = readCounts();
+  readVertices(counts.vertices);
+  readFaces(counts.faces);
+}
+
+void RecordReader::readPlyR() {
+  readPly2();
+  const int ridgeMarkCount = readCount(ridgeMarkNoun);
+  const int valleyMarkCount = readCount(valleyMarkNoun);
+  readMarks(ridgeMarkNoun, ridgeMarkCount, mesh.ridgeMarks);
+  readMarks(valleyMarkNoun, valleyMarkCount, mesh.valleyMarks);
+  if (ignoredMarks == 0) return;
+  oddities.push_back(counted(ignoredMarks, {"mark", "marks"}) + " out of range ignored");
+}
+
+// --- Parts of formats ---
+
+RecordReader::Counts RecordReader::readCounts() {
+  Counts counts;
+  counts.vertices = readArrayCount(vertexNoun);
+  counts.faces = readArrayCount(faceNoun);
+  requireMemoryFor(counts.vertices, counts.faces);
+  return counts;
+}
+
+int RecordReader::readCount(const Noun& noun) {
+  failed = false;
+  const int count = takeInt();
+  if (failed) noteFailureIn(std::string("the number of ") + noun.many);
+  if (count < 0) oddities.push_back(counted(count, noun) + " taken as none");
+  return std::max(count, 0);
+}
+
+/// A count of what takes three entries of an array.
+int RecordReader::readArrayCount(const Noun& noun) {
+  constexpr int largest = maxArrayEntries / 3;
+  const int count = readCount(noun);
+  if (count <= largest) return count;
+  throw std::length_error("it asks for " + counted(count, noun) + " and " +
+                          std::to_string(largest) + " is the most that can be held");
+}
+
+void RecordReader::readVertices(int count) {
+  mesh.setVertexCount(count);
+  forEachRecord(vertexNoun, count, [this](int i) {
+    float* p = mesh.vertices.data() + 3 * static_cast<std::size_t>(i);
+    p[0] = takeFloat();
+    p[1] = takeFloat();
+    p[2] = takeFloat();
+  });
+}
+
+/// x z y and two numbers of no use.
+void RecordReader::readVerticesOfFiveNumbers(int count) {
+  mesh.setVertexCount(count);
+  forEachRecord(vertexNoun, count, [this](int i) {
+    float* p = mesh.vertices.data() + 3 * static_cast<std::size_t>(i);
+    p[0] = takeFloat();
+    p[2] = takeFloat();
+    p[1] = takeFloat();
+    takeFloat();
+    takeFloat();
+  });
+}
+
+void RecordReader::readFaces(int count) {
+  mesh.setFaceCount(count);
+  forEachRecord(faceNoun, count, [this](int f) {
+    int* c = mesh.faces.data() + 3 * static_cast<std::size_t>(f);
+    takeFloat();  // the number of corners: every face is taken as a triangle
+    c[0] = takeInt();
+    c[1] = takeInt();
+    c[2] = takeInt();
+  });
+}
+
+void RecordReader::readMarks(const Noun& noun, int count, std::vector<int>& marks) {
+  marks.assign(static_cast<std::size_t>(mesh.vertexCount), 0);
+  forEachRecord(noun, count, [&](int) {
+    const int vertex = takeInt();
+    if (vertex >= 0 && vertex < mesh.vertexCount) {
+      marks[static_cast<std::size_t>(vertex)] = 1;
+    } else {
+      ++ignoredMarks;
+    }
+  });
+}
+
+// --- Numbers ---
+
+/// Calls readRecord(0), readRecord(1) and so on. A record that leaves the scanner where it was
+/// found nothing to read, nor would any further one: their zeros are there already.
+template <class ReadRecord>
+void RecordReader::forEachRecord(const Noun& noun, int count, ReadRecord readRecord) {
+  for (int i = 0; i < count; ++i) {
+    const std::size_t before = scanner.position();
+    failed = false;
+    readRecord(i);
+    if (!failed) continue;
+    noteFailureIn(std::string(noun.one) + " " + std::to_string(i + 1) + " of " +
+                  std::to_string(count));
+    if (scanner.position() == before) return;
+  }
+}
+
+int RecordReader::takeInt() {
+  const std::optional<int> value = scanner.scanInt();
+  failed |= !value;
+  return value.value_or(0);
+}
+
+float RecordReader::takeFloat() {
+  const std::optional<float> value = scanner.scanFloat();
+  failed |= !value;
+  return value.value_or(0.0F);
+}
+
+/// The first failure tells; those after it follow from it.
+void RecordReader::noteFailureIn(const std::string& record) {
+  if (failureNoted) return;
+  failureNoted = true;
+  oddities.push_back((scanner.atEnd() ? "the file ended in " : "no number where one belongs in ") +
+                     record);
+}
+
+// --- Dispatch ---
+
+using Reader = void (RecordReader::*)();
+
+/// The reader of an extension. Null for "obj", which is known but not read, and for unknown ones.
+Reader readerOf(std::string_view extension) {
+  if (extension == "data") return &RecordReader::readData;
+  if (extension == "ply") return &RecordReader::readPly;
+  if (extension == "ply2") return &RecordReader::readPly2;
+  if (extension == "plyR") return &RecordReader::readPlyR;
+  return nullptr;
+}
+
+/// Reads positions, faces and marks; returns what was odd.
+std::vector<std::string> readRecords(const MeshFile& file, TriangleMesh& mesh) {
+  const Reader reader = readerOf(file.extension);
+  if (reader == nullptr) {
+    return {"the extension \"" + file.extension + "\" has no reader, so the mesh is empty"};
+  }
+  const StreamText text = readToEnd(file.stream);
+  if (text.errorNumber != 0) throw std::system_error(text.errorNumber, std::generic_category());
+  RecordReader records(text.view(), mesh);
+  (records.*reader)();
+  return std::move(records.oddities);
+}
+
+std::string joined(const std::vector<std::string>& pieces) {
+  std::string text;
+  for (const std::string& piece : pieces) text += (text.empty() ? "" : "; ") + piece;
+  return text;
+}
+
+}  // namespace
+
+std::string readMesh(const MeshFile& file, TriangleMesh& mesh) {
+  std::vector<std::string> oddities = readRecords(file, mesh);
+  mesh.normalize();
+  mesh.buildAdjacency();
+  mesh.buildFaceAdjacency();
+  const int invalid = mesh.faceCount - mesh.countValidFaces();
+  if (invalid > 0)
+    oddities.push_back(counted(invalid, faceNoun) + " with unusable corners left out");
+  return joined(oddities);
+}
+
+}  // namespace gravlin

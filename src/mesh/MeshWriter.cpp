@@ -1,0 +1,101 @@
+#include "mesh/MeshWriter.h"
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+#include "mesh/NumberText.h"
+
+namespace gravlin {
+namespace {
+
+/// Collects the text of numbers and hands it to the stream in large pieces.
+class NumberWriter {
+ public:
+  explicit NumberWriter(std::FILE* destination) : stream(destination) {}
+  ~NumberWriter() { flush(); }
+  NumberWriter(const NumberWriter&) = delete;
+  NumberWriter& operator=(const NumberWriter&) = delete;
+
+  void put(int value, char separator) { putBehind(writeInt(out, value), separator); }
+  void put(float value, char separator) { putBehind(writeFloat(out, value), separator); }
+
+ private:
+  void putBehind(char* number, char separator) {
+    *number = separator;
+    out = number + 1;
+    if (buffer.data() + buffer.size() - out < maxNumberLength + 1) flush();
+  }
+
+  void flush() {
+    std::fwrite(buffer.data(), 1, static_cast<std::size_t>(out - buffer.data()), stream);
+    out = buffer.data();
+  }
+
+  std::FILE* stream;
+  std::array<char, 1 << 16> buffer;
+  char* out = buffer.data();
+};
+
+/// Per vertex its index among the used ones, -1 for an unused one.
+std::vector<int> indicesAmongUsed(const TriangleMesh& mesh) {
+  std::vector<int> indices(static_cast<std::size_t>(mesh.vertexCount), -1);
+  int next = 0;
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    if (mesh.neighbourCount(i) != 0) indices[static_cast<std::size_t>(i)] = next++;
+  }
+  return indices;
+}
+
+void writeGeometry(NumberWriter& writer, const TriangleMesh& mesh,
+                   const std::vector<int>& newIndices) {
+  writer.put(mesh.countUsedVertices(), '\n');
+  writer.put(mesh.countValidFaces(), '\n');
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    if (mesh.neighbourCount(i) == 0) continue;
+    const float* p = mesh.vertices.data() + 3 * static_cast<std::size_t>(i);
+    writer.put(p[0], ' ');
+    writer.put(p[1], ' ');
+    writer.put(p[2], '\n');
+  }
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    if (!mesh.validFace(f)) continue;
+    const auto c = mesh.corners(f);
+    writer.put(3, ' ');
+    writer.put(newIndices[static_cast<std::size_t>(c[0])], ' ');
+    writer.put(newIndices[static_cast<std::size_t>(c[1])], ' ');
+    writer.put(newIndices[static_cast<std::size_t>(c[2])], '\n');
+  }
+}
+
+/// The vertices whose mark is set, by their new index; marks that were never built are none.
+std::vector<int> markedVertices(const std::vector<int>& marks, const std::vector<int>& newIndices) {
+  std::vector<int> marked;
+  for (std::size_t i = 0; i < marks.size(); ++i) {
+    if (marks[i] != 0) marked.push_back(newIndices[i]);
+  }
+  return marked;
+}
+
+void writeMarks(NumberWriter& writer, const TriangleMesh& mesh,
+                const std::vector<int>& newIndices) {
+  const std::vector<int> ridges = markedVertices(mesh.ridgeMarks, newIndices);
+  const std::vector<int> valleys = markedVertices(mesh.valleyMarks, newIndices);
+  writer.put(static_cast<int>(ridges.size()), '\n');
+  writer.put(static_cast<int>(valleys.size()), '\n');
+  for (const int i : ridges) writer.put(i, '\n');
+  for (const int i : valleys) writer.put(i, '\n');
+}
+
+}  // namespace
+
+void writeMesh(const MeshFile& file, const TriangleMesh& mesh) {
+  const bool withMarks = file.extension == "plyR";
+  if (file.extension != "ply2" && !withMarks) return;
+  const std::vector<int> newIndices = indicesAmongUsed(mesh);
+  NumberWriter writer(file.stream);
+  writeGeometry(writer, mesh, newIndices);
+  if (withMarks) writeMarks(writer, mesh, newIndices);
+}
+
+}  // namespace gravlin

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "mesh/MeshFile.h"
+
+namespace gravlin {
+
+/// Writes used vertices and valid faces, renumbered in index order, with six decimals; nothing for
+/// an extension without a writer. A mark on an unused vertex is written as -1. Requires
+/// buildAdjacency. Whether everything arrived is for the owner of the stream to see.
+void writeMesh(const MeshFile& file, const TriangleMesh& mesh);
+
+}  // namespace gravlin
