@@ -51,6 +51,7 @@ CGravlinDoc::~CGravlinDoc() = default;
 
 void CGravlinDoc::replaceMesh(std::unique_ptr<TriangleMesh> mesh) {
   currentMesh = std::move(mesh);
+  meshSmoother.attach(currentMesh.get());
 }
 
 void CGravlinDoc::keepUndoCopy() {

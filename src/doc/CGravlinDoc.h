@@ -9,6 +9,8 @@
 #include "doc/ViewParameters.h"
 #include "mesh/FacePicking.h"
 #include "mesh/TriangleMesh.h"
+#include "smoothing/AdaptiveSmoothingParameters.h"
+#include "smoothing/MeshSmoother.h"
 
 namespace gravlin {
 
@@ -35,11 +37,15 @@ class CGravlinDoc {
 
   VisualizationParameters visualizationParameters;
   ViewAngleParameters viewAngleParameters;
+  AdaptiveSmoothingParameters adaptiveSmoothingParameters;
+
+  MeshSmoother meshSmoother;  ///< commands attach it to the current mesh
 
   // --- File and Edit ---
   void OnFileOpen();
   void OnFileSaveAs();
   void OnEditUndo();
+  void OnSmoothingShapeAdaptive();
   void OnEnhancement();
 
   // --- Visualization ---

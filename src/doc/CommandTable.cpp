@@ -22,7 +22,8 @@ constexpr Command commands[] = {
 
     {"Edit", "Undo (1 history only)", 57643, &Doc::OnEditUndo, "undo"},
     {"Edit/Smoothing", "Shape", 32772, nullptr, "smooth-shape"},
-    {"Edit/Smoothing", "Shape(Adaptive)", 32773, nullptr, "smooth-adaptive"},
+    {"Edit/Smoothing", "Shape(Adaptive)", 32773, &Doc::OnSmoothingShapeAdaptive, "smooth-adaptive",
+     formOf<&Doc::adaptiveSmoothingParameters>},
     {"Edit/Smoothing", "Curvature Tensor", 32791, nullptr, "smooth-tensor"},
     {"Edit/Smoothing", "Noise", 32794, nullptr, "noise"},
     {"Edit/Edge Detection", "Local Max", 32776, nullptr, "local-max"},

@@ -6,13 +6,15 @@
 #include <stdexcept>
 #include <utility>
 
+#include "numeric/Index.h"
+
 namespace gravlin {
 namespace {
 
 /// The incident faces of a corner that its faces see as neighbours.
 std::span<const int> visibleFan(const TriangleMesh& mesh, int vertex) {
   const auto fan = mesh.vertexFaces[vertex];
-  const bool interior = mesh.vertexKind[static_cast<std::size_t>(vertex)] == InteriorVertex;
+  const bool interior = mesh.vertexKind[toIndex(vertex)] == InteriorVertex;
   return interior || fan.empty() ? fan : fan.first(fan.size() - 1);
 }
 
@@ -30,7 +32,7 @@ std::int64_t visitsOfAllRows(const TriangleMesh& mesh) {
 template <class Visit>
 void visitCornerNeighbours(const TriangleMesh& mesh, int f, const Visit& visit) {
   if (!mesh.validFace(f)) return;
-  const int* adjacent = mesh.faceAdjacency.data() + 3 * static_cast<std::size_t>(f);
+  const int* adjacent = mesh.faceAdjacency.data() + 3 * toIndex(f);
   for (const int corner : mesh.corners(f)) {
     for (const int g : visibleFan(mesh, corner)) {
       if (g != f && g != adjacent[0] && g != adjacent[1] && g != adjacent[2]) visit(g);
@@ -46,14 +48,14 @@ void buildCornerNeighbourFaces(TriangleMesh& mesh) {
     throw std::length_error("Too many faces meet at a vertex.");
   }
   CompressedRows rows;
-  rows.offsets.reserve(static_cast<std::size_t>(mesh.faceCount) + 1);
+  rows.offsets.reserve(toIndex(mesh.faceCount) + 1);
   rows.offsets.push_back(0);
   for (int f = 0; f < mesh.faceCount; ++f) {
     int count = 0;
     visitCornerNeighbours(mesh, f, [&](int) { ++count; });
     rows.offsets.push_back(rows.offsets.back() + count);
   }
-  rows.items.reserve(static_cast<std::size_t>(rows.offsets.back()));
+  rows.items.reserve(toIndex(rows.offsets.back()));
   for (int f = 0; f < mesh.faceCount; ++f) {
     visitCornerNeighbours(mesh, f, [&](int g) { rows.items.push_back(g); });
   }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "mesh/FaceGeometry.h"
+#include "numeric/Index.h"
 
 namespace gravlin {
 namespace {
@@ -17,7 +18,7 @@ template <class Filter>
 void replaceFaceNormals(TriangleMesh& mesh, const Filter& filter) {
   std::vector<float> filtered = mesh.faceNormals;
   for (int f = 0; f < mesh.faceCount; ++f) {
-    if (mesh.validFace(f)) storeVec3(filtered.data() + 3 * static_cast<std::size_t>(f), filter(f));
+    if (mesh.validFace(f)) storeVec3(filtered.data() + 3 * toIndex(f), filter(f));
   }
   mesh.faceNormals = std::move(filtered);
 }
@@ -25,7 +26,7 @@ void replaceFaceNormals(TriangleMesh& mesh, const Filter& filter) {
 template <class Visit>
 void visitEdgeNeighbours(const TriangleMesh& mesh, int f, const Visit& visit) {
   for (std::size_t j = 0; j < 3; ++j) {
-    const int g = mesh.faceAdjacency[3 * static_cast<std::size_t>(f) + j];
+    const int g = mesh.faceAdjacency[3 * toIndex(f) + j];
     if (g >= 0) visit(g);
   }
 }

@@ -3,6 +3,8 @@
 #include <vector>
 
 #include "mesh/FaceGeometry.h"
+#include "mesh/RingWalk.h"
+#include "numeric/Index.h"
 
 namespace gravlin {
 namespace {
@@ -10,16 +12,14 @@ namespace {
 /// Moves every interior vertex by `step` times what `displacement` gives for it.
 template <class Displacement>
 void moveInteriorVertices(TriangleMesh& mesh, double step, const Displacement& displacement) {
-  std::vector<Vec3> moves(static_cast<std::size_t>(mesh.vertexCount));
-  const auto interior = [&](int i) {
-    return mesh.vertexKind[static_cast<std::size_t>(i)] == InteriorVertex;
-  };
+  std::vector<Vec3> moves(toIndex(mesh.vertexCount));
+  const auto interior = [&](int i) { return mesh.vertexKind[toIndex(i)] == InteriorVertex; };
   for (int i = 0; i < mesh.vertexCount; ++i) {
-    if (interior(i)) moves[static_cast<std::size_t>(i)] = displacement(i);
+    if (interior(i)) moves[toIndex(i)] = displacement(i);
   }
   for (int i = 0; i < mesh.vertexCount; ++i) {
     if (interior(i)) {
-      mesh.setPosition(i, mesh.position(i) + step * moves[static_cast<std::size_t>(i)]);
+      mesh.setPosition(i, mesh.position(i) + step * moves[toIndex(i)]);
     }
   }
 }
@@ -49,17 +49,13 @@ struct TermPair {
 /// Gives `visit` the terms of each triangle around an interior vertex in ring order.
 template <class Visit>
 void visitTriangles(const TriangleMesh& mesh, int i, const Visit& visit) {
-  const Vec3 center = mesh.position(i);
-  const auto ring = mesh.vertexNeighbours[i];
-  const auto fan = mesh.vertexFaces[i];
-  Vec3 toA = mesh.position(ring[0]) - center;
-  for (std::size_t k = 0; k < fan.size(); ++k) {
-    const Vec3 toB = mesh.position(ring[k + 1 == ring.size() ? 0 : k + 1]) - center;
-    const Vec3 normal = mesh.faceNormal(fan[k]);
-    visit(TermPair{cotangentTerm(toA, toB), cotangentTerm(toA - dot(toA, normal) * normal,
-                                                          toB - dot(toB, normal) * normal)});
-    toA = toB;
-  }
+  const int* face = mesh.vertexFaces[i].data();
+  walkRing(mesh, i, [&](const RingTriangle& t) {
+    const Vec3 normal = mesh.faceNormal(*face++);
+    visit(TermPair{
+        cotangentTerm(t.toA, t.toB),
+        cotangentTerm(t.toA - dot(t.toA, normal) * normal, t.toB - dot(t.toB, normal) * normal)});
+  });
 }
 
 Vec3 roundedToSingle(const Vec3& a) {

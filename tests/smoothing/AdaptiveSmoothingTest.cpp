@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "numeric/Form.h"
+#include "numeric/Index.h"
 #include "smoothing/AdaptiveSmoothing.h"
 #include "smoothing/CornerNeighbours.h"
 #include "smoothing/MeshSmoother.h"
@@ -156,7 +157,7 @@ TEST(AdaptiveSmoothing, LeavesFacesBoundariesAndFlatPatchesAlone) {
     EXPECT_EQ(mesh.faces, bumpy.faces);
     EXPECT_NE(mesh.vertices, bumpy.vertices);
     for (int i = 0; i < mesh.vertexCount; ++i) {
-      if (mesh.vertexKind[static_cast<std::size_t>(i)] == InteriorVertex) continue;
+      if (mesh.vertexKind[toIndex(i)] == InteriorVertex) continue;
       EXPECT_EQ(mesh.position(i), bumpy.position(i));
     }
   });
@@ -188,7 +189,7 @@ TEST(AdaptiveSmoothing, KeepsTheEdgesOfANoisyCubeFourTimesBetterThanLaplacianSte
       moved.push_back(laplacian.position(i) + 0.5 * laplacian.umbrellaLaplacian(i));
     }
     for (int i = 0; i < laplacian.vertexCount; ++i) {
-      laplacian.setPosition(i, moved[static_cast<std::size_t>(i)]);
+      laplacian.setPosition(i, moved[toIndex(i)]);
     }
   }
   laplacian.computeFaceNormals();
@@ -206,9 +207,10 @@ TEST(AdaptiveSmoothing, KeepsTheEdgesOfANoisyCubeFourTimesBetterThanLaplacianSte
 // --- Any mesh ---
 
 TEST(AdaptiveSmoothing, GoesThroughAnyMeshWithAnyParameters) {
-  for (const auto& [name, before] : test::hostileMeshes()) {
+  for (const test::NamedMesh& hostile : test::hostileMeshes()) {
+    const TriangleMesh& before = hostile.mesh;
     for (const float threshold : {-1.0F, 0.0F, std::numeric_limits<float>::infinity()}) {
-      SCOPED_TRACE(::testing::Message() << name << ' ' << threshold);
+      SCOPED_TRACE(::testing::Message() << hostile.name << ' ' << threshold);
       AdaptiveSmoothingParameters parameters;
       parameters.threshold = threshold;
       parameters.normalDifference = CurvatureDifference;
@@ -224,11 +226,11 @@ TEST(AdaptiveSmoothing, GoesThroughAnyMeshWithAnyParameters) {
 }
 
 TEST(AdaptiveSmoothing, KeepsFiniteMeshesFiniteWithTheDefaults) {
-  for (const auto& [name, before] : test::hostileMeshes()) {
-    if (name == "not a number" || name == "infinite") continue;
-    forBothBranches(before, 11, {}, [&, name = name](const TriangleMesh& mesh) {
+  for (const test::NamedMesh& hostile : test::hostileMeshes()) {
+    if (hostile.name == "not a number" || hostile.name == "infinite") continue;
+    forBothBranches(hostile.mesh, 11, {}, [&](const TriangleMesh& mesh) {
       EXPECT_TRUE(std::ranges::all_of(mesh.vertices, [](float x) { return std::isfinite(x); }))
-          << name;
+          << hostile.name;
     });
   }
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 
+#include "numeric/Index.h"
 #include "smoothing/CornerNeighbours.h"
 #include "support/Meshes.h"
 
@@ -15,14 +16,14 @@ using ::testing::IsEmpty;
 std::vector<int> rowByDefinition(const TriangleMesh& mesh, int f) {
   std::vector<int> row;
   for (int corner = 0; corner < 3 && mesh.validFace(f); ++corner) {
-    const int vertex = mesh.corners(f)[static_cast<std::size_t>(corner)];
+    const int vertex = mesh.corners(f)[toIndex(corner)];
     const auto fan = mesh.vertexFaces[vertex];
     std::vector<int> seen(fan.begin(), fan.end());
-    if (mesh.vertexKind[static_cast<std::size_t>(vertex)] != InteriorVertex) seen.pop_back();
+    if (mesh.vertexKind[toIndex(vertex)] != InteriorVertex) seen.pop_back();
     for (const int g : seen) {
       bool adjacent = g == f;
       for (std::size_t j = 0; j < 3; ++j) {
-        adjacent = adjacent || g == mesh.faceAdjacency[3 * static_cast<std::size_t>(f) + j];
+        adjacent = adjacent || g == mesh.faceAdjacency[3 * toIndex(f) + j];
       }
       if (!adjacent) row.push_back(g);
     }

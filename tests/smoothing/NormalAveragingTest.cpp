@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 
+#include "numeric/Index.h"
 #include "smoothing/CornerNeighbours.h"
 #include "smoothing/NormalAveraging.h"
 #include "support/Meshes.h"
@@ -20,7 +21,7 @@ constexpr std::array<WeightShape, 2> bothShapes = {SimilarWeight, ExponentialWei
 // --- The definitions once more, in plain arrays ---
 
 Numbers normalOf(const TriangleMesh& mesh, int f) {
-  const float* n = &mesh.faceNormals[3 * static_cast<std::size_t>(f)];
+  const float* n = &mesh.faceNormals[3 * toIndex(f)];
   return {static_cast<double>(n[0]), static_cast<double>(n[1]), static_cast<double>(n[2])};
 }
 
@@ -38,7 +39,7 @@ std::array<float, 3> centroid(const TriangleMesh& mesh, int f) {
   for (std::size_t axis = 0; axis < 3; ++axis) {
     float sum = 0.0F;
     for (std::size_t k = 0; k < 3; ++k) {
-      sum += mesh.vertices[3 * static_cast<std::size_t>(mesh.corners(f)[k]) + axis];
+      sum += mesh.vertices[3 * toIndex(mesh.corners(f)[k]) + axis];
     }
     c[axis] = sum * 0.33333334F;
   }
@@ -59,7 +60,7 @@ double distanceBetween(const TriangleMesh& mesh, int f, int g) {
 double area(const TriangleMesh& mesh, int f) {
   std::array<Numbers, 3> p = {};
   for (std::size_t k = 0; k < 3; ++k) {
-    const float* v = &mesh.vertices[3 * static_cast<std::size_t>(mesh.corners(f)[k])];
+    const float* v = &mesh.vertices[3 * toIndex(mesh.corners(f)[k])];
     p[k] = {static_cast<double>(v[0]), static_cast<double>(v[1]), static_cast<double>(v[2])};
   }
   double squares = 0.0;
@@ -81,7 +82,7 @@ struct Neighbour {
 std::vector<Neighbour> neighboursOf(const TriangleMesh& mesh, int f, double meetAtVertex) {
   std::vector<Neighbour> found;
   for (std::size_t j = 0; j < 3; ++j) {
-    const int g = mesh.faceAdjacency[3 * static_cast<std::size_t>(f) + j];
+    const int g = mesh.faceAdjacency[3 * toIndex(f) + j];
     if (g >= 0) found.push_back({g, 1.0});
   }
   if (meetAtVertex != 0.0) {
@@ -127,7 +128,7 @@ std::vector<Numbers> medianByDefinition(const TriangleMesh& mesh, const MedianFi
       candidates.emplace_back(key, g);
     };
     for (std::size_t j = 0; j < 3; ++j) {
-      const int g = mesh.faceAdjacency[3 * static_cast<std::size_t>(f) + j];
+      const int g = mesh.faceAdjacency[3 * toIndex(f) + j];
       if (g < 0) continue;
       add(g);
       if (filter.weighted) add(g);
@@ -145,8 +146,7 @@ void expectNormals(const TriangleMesh& mesh, const std::vector<Numbers>& wanted,
   ASSERT_EQ(mesh.faceNormals.size(), 3 * wanted.size());
   for (int f = 0; f < mesh.faceCount; ++f) {
     for (std::size_t axis = 0; axis < 3; ++axis) {
-      ASSERT_NEAR(normalOf(mesh, f)[axis], wanted[static_cast<std::size_t>(f)][axis], tolerance)
-          << "face " << f;
+      ASSERT_NEAR(normalOf(mesh, f)[axis], wanted[toIndex(f)][axis], tolerance) << "face " << f;
     }
   }
 }
@@ -290,10 +290,9 @@ TriangleMesh rankedCandidates(int n) {
   TriangleMesh mesh = test::makeMesh(points, faces);
   for (int f = 0; f <= n; ++f) {
     const double angle = 0.1 * f;
-    storeVec3(&mesh.faceNormals[3 * static_cast<std::size_t>(f)],
-              {0.0, std::sin(angle), std::cos(angle)});
+    storeVec3(&mesh.faceNormals[3 * toIndex(f)], {0.0, std::sin(angle), std::cos(angle)});
   }
-  mesh.cornerNeighbourFaces.offsets.assign(static_cast<std::size_t>(n) + 2, n);
+  mesh.cornerNeighbourFaces.offsets.assign(toIndex(n) + 2, n);
   mesh.cornerNeighbourFaces.offsets.front() = 0;
   for (int f = n; f >= 1; --f) mesh.cornerNeighbourFaces.items.push_back(f);
   return mesh;
@@ -305,7 +304,7 @@ TEST(NormalAveraging, MedianTakesHalfTheNumberOfCandidatesMadeEven) {
     TriangleMesh mesh = rankedCandidates(n);
     const TriangleMesh before = mesh;
     averageNormalsMedian(mesh, {true, AngleDifference});
-    const int rank = rankOf[static_cast<std::size_t>(n)];
+    const int rank = rankOf[toIndex(n)];
     EXPECT_EQ(mesh.faceNormal(0), before.faceNormal(rank)) << n << " candidates";
   }
 }
@@ -326,7 +325,7 @@ TEST(NormalAveraging, MedianOfAnglesThatRoundToTheSameNumberKeepsTheCandidatesOr
   // so the candidate of rank 2 is the second of the list although its cosine is the smallest.
   TriangleMesh mesh = rankedCandidates(4);
   const auto setNormal = [&](int f, double x, double y) {
-    storeVec3(&mesh.faceNormals[3 * static_cast<std::size_t>(f)], {x, y, 0.0});
+    storeVec3(&mesh.faceNormals[3 * toIndex(f)], {x, y, 0.0});
   };
   setNormal(0, 1.0, 0.0);
   setNormal(4, 3e-17, 1.0);
@@ -389,13 +388,14 @@ TEST(NormalAveraging, MovesNoVertexAndGivesTheSameBitsTwice) {
 }
 
 TEST(NormalAveraging, LeavesFaceCountsAloneAndFiniteNormalsFiniteOnAnyMesh) {
-  for (auto [name, mesh] : test::hostileMeshes()) {
-    SCOPED_TRACE(name);
+  for (test::NamedMesh hostile : test::hostileMeshes()) {
+    SCOPED_TRACE(hostile.name);
+    TriangleMesh& mesh = hostile.mesh;
     buildCornerNeighbourFaces(mesh);
     const bool finite =
         std::ranges::all_of(mesh.vertices, [](float x) { return std::isfinite(x); });
     forEveryFilter(mesh, [&](const TriangleMesh& filtered) {
-      EXPECT_EQ(filtered.faceNormals.size(), 3 * static_cast<std::size_t>(mesh.faceCount));
+      EXPECT_EQ(filtered.faceNormals.size(), 3 * toIndex(mesh.faceCount));
       if (!finite) return;
       for (const float x : filtered.faceNormals) EXPECT_TRUE(std::isfinite(x));
     });

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 
+#include "numeric/Index.h"
 #include "smoothing/NormalAveraging.h"
 #include "smoothing/NormalIntegration.h"
 #include "support/Meshes.h"
@@ -26,7 +27,7 @@ double angleCotangent(const Vec3& apex, const Vec3& a, const Vec3& b) {
 // --- The definitions once more, face by face instead of around a ring ---
 
 Displacements distanceByDefinition(const TriangleMesh& mesh) {
-  Displacements sums(static_cast<std::size_t>(mesh.vertexCount));
+  Displacements sums(toIndex(mesh.vertexCount));
   std::vector<double> areas(sums.size());
   for (int f = 0; f < mesh.faceCount; ++f) {
     if (!mesh.validFace(f)) continue;
@@ -35,8 +36,8 @@ Displacements distanceByDefinition(const TriangleMesh& mesh) {
                                            corner(mesh, f, 2) - corner(mesh, f, 0)));
     for (const int i : mesh.corners(f)) {
       const double height = dot(mesh.faceNormal(f), mesh.position(i) - centroid);
-      sums[static_cast<std::size_t>(i)] -= area * height * mesh.faceNormal(f);
-      areas[static_cast<std::size_t>(i)] += area;
+      sums[toIndex(i)] -= area * height * mesh.faceNormal(f);
+      areas[toIndex(i)] += area;
     }
   }
   for (std::size_t i = 0; i < sums.size(); ++i) {
@@ -75,11 +76,11 @@ CornerTerm cornerTerm(const TriangleMesh& mesh, int f, std::size_t k) {
 }
 
 Displacements derivativeByDefinition(const TriangleMesh& mesh) {
-  Displacements sums(static_cast<std::size_t>(mesh.vertexCount));
+  Displacements sums(toIndex(mesh.vertexCount));
   for (int f = 0; f < mesh.faceCount; ++f) {
     for (std::size_t k = 0; k < 3 && mesh.validFace(f); ++k) {
       const int i = mesh.corners(f)[k];
-      sums[static_cast<std::size_t>(i)] +=
+      sums[toIndex(i)] +=
           cornerTerm(mesh, f, k).difference / static_cast<double>(mesh.neighbourCount(i));
     }
   }
@@ -87,11 +88,11 @@ Displacements derivativeByDefinition(const TriangleMesh& mesh) {
 }
 
 Displacements derivativeByAreaByDefinition(const TriangleMesh& mesh, double factor) {
-  Displacements sums(static_cast<std::size_t>(mesh.vertexCount));
+  Displacements sums(toIndex(mesh.vertexCount));
   std::vector<double> weights(sums.size());
   for (int f = 0; f < mesh.faceCount; ++f) {
     for (std::size_t k = 0; k < 3 && mesh.validFace(f); ++k) {
-      const auto i = static_cast<std::size_t>(mesh.corners(f)[k]);
+      const auto i = toIndex(mesh.corners(f)[k]);
       const CornerTerm term = cornerTerm(mesh, f, k);
       if (!term.hasArea) continue;
       sums[i] += factor * term.ratio * term.ratio * term.difference;
@@ -111,8 +112,8 @@ void expectMoved(const TriangleMesh& moved, const TriangleMesh& before, double s
   constexpr double tolerance = 1e-6;
   for (int i = 0; i < before.vertexCount; ++i) {
     Vec3 wanted = before.position(i);
-    if (before.vertexKind[static_cast<std::size_t>(i)] == InteriorVertex) {
-      wanted += step * displacements[static_cast<std::size_t>(i)];
+    if (before.vertexKind[toIndex(i)] == InteriorVertex) {
+      wanted += step * displacements[toIndex(i)];
     }
     ASSERT_NEAR(length(moved.position(i) - wanted), 0.0, tolerance) << "vertex " << i;
   }
@@ -131,8 +132,9 @@ std::vector<test::NamedMesh> filteredMeshes() {
 }
 
 TEST(NormalIntegration, DistanceIsItsDefinition) {
-  for (const auto& [name, before] : filteredMeshes()) {
-    SCOPED_TRACE(name);
+  for (const test::NamedMesh& named : filteredMeshes()) {
+    const TriangleMesh& before = named.mesh;
+    SCOPED_TRACE(named.name);
     TriangleMesh mesh = before;
     integrateDistance(mesh, 0.3);
     expectMoved(mesh, before, 0.3, distanceByDefinition(before));
@@ -141,8 +143,9 @@ TEST(NormalIntegration, DistanceIsItsDefinition) {
 }
 
 TEST(NormalIntegration, DerivativeIsItsDefinition) {
-  for (const auto& [name, before] : filteredMeshes()) {
-    SCOPED_TRACE(name);
+  for (const test::NamedMesh& named : filteredMeshes()) {
+    const TriangleMesh& before = named.mesh;
+    SCOPED_TRACE(named.name);
     TriangleMesh mesh = before;
     integrateDerivative(mesh, 0.1);
     expectMoved(mesh, before, 0.1, derivativeByDefinition(before));
@@ -151,9 +154,10 @@ TEST(NormalIntegration, DerivativeIsItsDefinition) {
 }
 
 TEST(NormalIntegration, DerivativeByAreaIsItsDefinition) {
-  for (const auto& [name, before] : filteredMeshes()) {
+  for (const test::NamedMesh& named : filteredMeshes()) {
+    const TriangleMesh& before = named.mesh;
     for (const double factor : {2.0, -3.0, 0.0}) {
-      SCOPED_TRACE(::testing::Message() << name << ' ' << factor);
+      SCOPED_TRACE(::testing::Message() << named.name << ' ' << factor);
       TriangleMesh mesh = before;
       integrateDerivativeByArea(mesh, 0.1, factor);
       expectMoved(mesh, before, 0.1, derivativeByAreaByDefinition(before, factor));
@@ -204,15 +208,16 @@ TEST(NormalIntegration, APlanarPatchStaysAsItIs) {
 }
 
 TEST(NormalIntegration, BoundaryAndNonManifoldVerticesStay) {
-  for (const auto& [name, before] :
+  for (const test::NamedMesh& named :
        {test::NamedMesh{"grid", test::bumpyGrid(6, 5)}, test::NamedMesh{"bow tie", test::bowTie()},
         test::NamedMesh{"three", test::threeFacesOnAnEdge()}}) {
+    const TriangleMesh& before = named.mesh;
     TriangleMesh tilted = before;
     for (float& x : tilted.faceNormals) x = 0.57735F;
     forEveryIntegration(tilted, [&](const TriangleMesh& mesh) {
       for (int i = 0; i < mesh.vertexCount; ++i) {
-        if (mesh.vertexKind[static_cast<std::size_t>(i)] == InteriorVertex) continue;
-        EXPECT_EQ(mesh.position(i), before.position(i)) << name << ' ' << i;
+        if (mesh.vertexKind[toIndex(i)] == InteriorVertex) continue;
+        EXPECT_EQ(mesh.position(i), before.position(i)) << named.name << ' ' << i;
       }
     });
   }
@@ -229,7 +234,8 @@ TEST(NormalIntegration, TurnsWithTheMesh) {
     }
     return mesh;
   };
-  for (const auto& [name, before] : filteredMeshes()) {
+  for (const test::NamedMesh& named : filteredMeshes()) {
+    const TriangleMesh& before = named.mesh;
     std::vector<TriangleMesh> results;
     forEveryIntegration(before, [&](const TriangleMesh& mesh) { results.push_back(turned(mesh)); });
     std::size_t k = 0;
@@ -237,7 +243,7 @@ TEST(NormalIntegration, TurnsWithTheMesh) {
       const TriangleMesh& wanted = results[k++];
       for (int i = 0; i < mesh.vertexCount; ++i) {
         // The sum x + y + z is taken in another order.
-        EXPECT_NEAR(length(mesh.position(i) - wanted.position(i)), 0.0, 1e-6) << name;
+        EXPECT_NEAR(length(mesh.position(i) - wanted.position(i)), 0.0, 1e-6) << named.name;
       }
     });
   }
@@ -253,7 +259,7 @@ TEST(NormalIntegration, TakesFlatTrianglesWithoutAreaForNothing) {
 
   TriangleMesh upright = test::hexagonFan();
   for (int f = 0; f < 6; ++f) {
-    storeVec3(&upright.faceNormals[3 * static_cast<std::size_t>(f)], {1, 0, 0});
+    storeVec3(&upright.faceNormals[3 * toIndex(f)], {1, 0, 0});
   }
   TriangleMesh mesh = upright;
   integrateDerivativeByArea(mesh, 0.5, 2.0);
@@ -261,8 +267,9 @@ TEST(NormalIntegration, TakesFlatTrianglesWithoutAreaForNothing) {
 }
 
 TEST(NormalIntegration, KeepsFinitePositionsFiniteOnAnyMesh) {
-  for (const auto& [name, before] : test::hostileMeshes()) {
-    SCOPED_TRACE(name);
+  for (const test::NamedMesh& named : test::hostileMeshes()) {
+    const TriangleMesh& before = named.mesh;
+    SCOPED_TRACE(named.name);
     const bool finite =
         std::ranges::all_of(before.vertices, [](float x) { return std::isfinite(x); });
     forEveryIntegration(before, [&](const TriangleMesh& mesh) {
