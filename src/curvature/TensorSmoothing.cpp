@@ -1,0 +1,186 @@
+#include "curvature/TensorSmoothing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "curvature/DirectionTransport.h"
+#include "numeric/Vec3.h"
+
+namespace gravlin {
+namespace {
+
+/// The two fields of a vertex side by side, so that a neighbour costs one place in memory.
+template <class Value>
+struct MaxMin {
+  Value max{};
+  Value min{};
+};
+using CurvaturePair = MaxMin<double>;
+using DirectionPair = MaxMin<Vec3>;
+
+std::size_t toIndex(int i) {
+  return static_cast<std::size_t>(i);
+}
+
+void smoothValuesOnce(const CompressedRows& rings, double lambda,
+                      const std::vector<CurvaturePair>& from, std::vector<CurvaturePair>& to) {
+  const double keep = 1.0 - lambda;
+  for (int i = 0; i < rings.rowCount(); ++i) {
+    const std::span<const int> ring = rings[i];
+    CurvaturePair& result = to[toIndex(i)];
+    if (ring.empty()) {
+      result = {};
+      continue;
+    }
+    CurvaturePair sum;
+    for (const int j : ring) {
+      sum.max += from[toIndex(j)].max;
+      sum.min += from[toIndex(j)].min;
+    }
+    const auto k = static_cast<double>(ring.size());
+    result.max = keep * from[toIndex(i)].max + lambda * sum.max / k;
+    result.min = keep * from[toIndex(i)].min + lambda * sum.min / k;
+  }
+}
+
+/// A neighbour's carried direction times its signed weight, for the vertex's own direction `own`.
+Vec3 weighted(const Vec3& carried, const Vec3& own, double squaredDistance, double squaredSigma) {
+  const double c = std::clamp(dot(carried, own), -1.0, 1.0);
+  const double angle = std::acos(c);
+  const double weight =
+      angle == 0.0 ? 1.0 : std::exp(-(angle * angle / squaredDistance) / squaredSigma);
+  return (c < 0.0 ? -weight : weight) * carried;
+}
+
+DirectionPair smoothedDirections(const TriangleMesh& mesh, int i, double squaredSigma,
+                                 const std::vector<DirectionPair>& from) {
+  const Vec3 p = mesh.position(i);
+  const Vec3 N = mesh.vertexNormal(i);
+  const DirectionPair& own = from[toIndex(i)];
+  DirectionPair sum;
+  for (const int j : mesh.getNeighbours(i)) {
+    const Vec3 d = p - mesh.position(j);
+    const double squaredDistance = dot(d, d);
+    const DirectionTransport carry(mesh.vertexNormal(j), N);
+    const DirectionPair& other = from[toIndex(j)];
+    sum.max += weighted(carry(other.max), own.max, squaredDistance, squaredSigma);
+    sum.min += weighted(carry(other.min), own.min, squaredDistance, squaredSigma);
+  }
+  const auto unitOr = [](const Vec3& v, const Vec3& old) {
+    const double size = length(v);
+    return size == 0.0 ? old : v / size;
+  };
+  return {unitOr(sum.max, own.max), unitOr(sum.min, own.min)};
+}
+
+void smoothLineFields(const TriangleMesh& mesh, std::vector<double>& max, std::vector<double>& min,
+                      int iterations, float sigma) {
+  const double squaredSigma = static_cast<double>(sigma) * static_cast<double>(sigma);
+  std::vector<DirectionPair> current(toIndex(mesh.vertexCount));
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    current[toIndex(i)] = {vectorAt(max, i), vectorAt(min, i)};
+  }
+  std::vector<DirectionPair> next(current.size());
+  for (int n = 0; n < iterations; ++n) {
+    for (int i = 0; i < mesh.vertexCount; ++i) {
+      next[toIndex(i)] = smoothedDirections(mesh, i, squaredSigma, current);
+    }
+    std::swap(current, next);
+  }
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    storeVectorAt(max, i, current[toIndex(i)].max);
+    storeVectorAt(min, i, current[toIndex(i)].min);
+  }
+}
+
+/// A right-handed frame again, built from the direction of the larger curvature.
+DirectionPair repaired(const DirectionPair& directions, const Vec3& N, bool trustMin) {
+  const Vec3& trusted = trustMin ? directions.min : directions.max;
+  const double size = length(trusted);
+  if (size == 0.0) return {};
+  DirectionPair result;
+  if (trustMin) {
+    result.min = trusted / size;
+    result.max = cross(result.min, N);
+  } else {
+    result.max = trusted / size;
+    result.min = cross(N, result.max);
+  }
+  if (dot(cross(N, result.max), result.min) < 0.0) result.min = -result.min;
+  return result;
+}
+
+}  // namespace
+
+Form TensorSmoothingParameters::form() {
+  return {"CTensorSmoothDlg",
+          "Tensor Smooth",
+          {{.name = "displayChoice",
+            .label = "",
+            .value = &displayChoice,
+            .choices = {{"max", "max"},
+                        {"min", "min"},
+                        {"max + direction", "max-direction"},
+                        {"min + direction", "min-direction"}}},
+           {.name = "animate", .label = "Animate flow", .value = &animate},
+           {.name = "animateEvery", .label = "per", .value = &animateEvery, .unit = "interations"},
+           {.name = "curvatureIterations",
+            .label = "Iteration",
+            .value = &curvatureIterations,
+            .group = "Curvature"},
+           {.name = "curvatureThreshold",
+            .label = "Treshold",
+            .value = &curvatureThreshold,
+            .group = "Curvature"},
+           {.name = "directionIterations",
+            .label = "Iteration",
+            .value = &directionIterations,
+            .group = "Direction"},
+           {.name = "directionThreshold",
+            .label = "Treshold",
+            .value = &directionThreshold,
+            .group = "Direction"}}};
+}
+
+void CurvatureTensorSmoother::smoothCurvatureValues(int iterations, float lambda) {
+  if (iterations < 1) return;
+  std::vector<CurvaturePair> current(mesh->maxCurvature.size());
+  for (std::size_t i = 0; i < current.size(); ++i) {
+    current[i] = {mesh->maxCurvature[i], mesh->minCurvature[i]};
+  }
+  std::vector<CurvaturePair> next(current.size());
+  for (int n = 0; n < iterations; ++n) {
+    smoothValuesOnce(mesh->vertexNeighbours, static_cast<double>(lambda), current, next);
+    std::swap(current, next);
+  }
+  for (std::size_t i = 0; i < current.size(); ++i) {
+    mesh->maxCurvature[i] = current[i].max;
+    mesh->minCurvature[i] = current[i].min;
+  }
+}
+
+void CurvatureTensorSmoother::smoothDirections(int iterations, float sigma) {
+  if (iterations < 1) return;
+  smoothLineFields(*mesh, mesh->maxDirection, mesh->minDirection, iterations, sigma);
+  for (int i = 0; i < mesh->vertexCount; ++i) {
+    const bool trustMin =
+        std::abs(mesh->maxCurvature[toIndex(i)]) <= std::abs(mesh->minCurvature[toIndex(i)]);
+    const DirectionPair frame =
+        repaired({vectorAt(mesh->maxDirection, i), vectorAt(mesh->minDirection, i)},
+                 mesh->vertexNormal(i), trustMin);
+    storeVectorAt(mesh->maxDirection, i, frame.max);
+    storeVectorAt(mesh->minDirection, i, frame.min);
+  }
+}
+
+void CurvatureTensorSmoother::smoothDerivativeGradients(int iterations, float sigma) {
+  if (iterations < 1) return;
+  smoothLineFields(*mesh, mesh->maxDerivativeGradient, mesh->minDerivativeGradient, iterations,
+                   sigma);
+}
+
+}  // namespace gravlin

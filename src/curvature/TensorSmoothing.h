@@ -1,0 +1,53 @@
+#pragma once
+
+#include "mesh/TriangleMesh.h"
+#include "numeric/Form.h"
+
+namespace gravlin {
+
+/// What the "Tensor Smooth" dialog edits. Nothing is checked: counts below 1 do nothing.
+struct TensorSmoothingParameters {
+  /// "max", "min", "max + direction", "min + direction": which field is shown. Only the first
+  /// counts as "max"; the last two behave exactly like "min".
+  int displayChoice = 0;
+  bool animate = false;             ///< redraw during the iterations
+  int curvatureIterations = 10;     ///< of the curvature values
+  int directionIterations = 5;      ///< of the directions
+  float directionThreshold = 5.0F;  ///< sigma: radians per unit of length, see smoothDirections
+  float curvatureThreshold = 0.1F;  ///< lambda: share of the neighbours' mean in a new value
+  int animateEvery = 1;             ///< iterations between redraws; below 1 counts as 1
+
+  Form form();
+};
+
+/// Diffuses the curvature fields of one mesh in place. Every iteration computes all new values from
+/// those at its start. The geometry stays as it is.
+///
+/// Requires rings, vertex normals and the fields that an operation names. Iteration counts below 1
+/// do nothing.
+class CurvatureTensorSmoother {
+ public:
+  TriangleMesh* mesh = nullptr;  ///< the document's current mesh
+
+  /// `maxCurvature` and `minCurvature`: (1 - lambda) x value + lambda x mean of the ring. Kinds of
+  /// vertices make no difference; a vertex without neighbours ends at 0. The two fields are not
+  /// sorted afterwards.
+  void smoothCurvatureValues(int iterations, float lambda);
+
+  /// `maxDirection` and `minDirection`: the normalised sum of the neighbours' directions, each
+  /// carried into the vertex's tangent plane and weighted with exp(-(angle^2 / distance^2) /
+  /// sigma^2), the angle to the vertex's own direction lying in 0 .. pi. Beyond a right angle the
+  /// weight is negated but the angle is deliberately not folded. Equal directions have weight 1 at
+  /// any distance and any sigma. A sum of zero keeps the old direction.
+  ///
+  /// After the last iteration the direction of the larger curvature in absolute value (the minimum
+  /// in a tie) is normalised and the other rebuilt as right-handed with the normal; both become 0
+  /// where the trusted one is 0.
+  void smoothDirections(int iterations, float sigma);
+
+  /// The iteration of smoothDirections on `maxDerivativeGradient` and `minDerivativeGradient`,
+  /// without the repair of frames at the end.
+  void smoothDerivativeGradients(int iterations, float sigma);
+};
+
+}  // namespace gravlin
