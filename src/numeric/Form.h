@@ -24,7 +24,9 @@ struct Range {
 /// One member of a parameter struct as a dialog and a script see it. The kind of control follows
 /// from the member's type: bool is a check box; int with choices is a radio group (the value is the
 /// index of the chosen button); string with choices is a combo box whose text may also be typed;
-/// int and float without choices are typed text.
+/// int and float without choices are typed text. A number whose label is the text of a radio button
+/// in the same group stands beside that button, and so do the numbers without a label that follow
+/// it.
 struct Field {
   std::string_view
       name;  ///< the member's name; the control's object name; in kebab case the option
