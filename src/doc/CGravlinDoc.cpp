@@ -70,6 +70,7 @@ void CGravlinDoc::OnEditUndo() {
   needsRecompute = true;
   if (displayMode == FeatureLines) displayMode = FlatShading;
   redraw();
+  outside.showStatus("");  // what it told was about the shape that is gone
 }
 
 void CGravlinDoc::OnEnhancement() {

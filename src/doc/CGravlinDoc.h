@@ -89,6 +89,7 @@ class CGravlinDoc {
  private:
   /// The one place where the current mesh is exchanged: whatever works on it is attached anew.
   void replaceMesh(std::unique_ptr<TriangleMesh> mesh);
+  bool hasMeshToSave();  ///< shows a message when there is none
   void recompute();
   void show(DisplayMode mode);
   void setLighting(LightingMode mode);

@@ -16,9 +16,9 @@ Form formOf(Doc& doc) {
 // The texts are the program's vocabulary, odd spellings included: users, scripts and manuals know
 // the items by them. A row without a handler is a command that does not exist yet.
 constexpr Command commands[] = {
-    {"File", "&Open...\tCtrl+O", 57601, nullptr, "open", nullptr, FileDialog::Open},
-    {"File", "&Save\tCtrl+S", 57603, nullptr, "", nullptr, FileDialog::Save},
-    {"File", "Save &As... ", 57604, nullptr, "save", nullptr, FileDialog::Save},
+    {"File", "&Open...\tCtrl+O", 57601, &Doc::OnFileOpen, "open", nullptr, FileDialog::Open},
+    {"File", "&Save\tCtrl+S", 57603, &Doc::OnFileSaveAs, "", nullptr, FileDialog::Save},
+    {"File", "Save &As... ", 57604, &Doc::OnFileSaveAs, "save", nullptr, FileDialog::Save},
 
     {"Edit", "Undo (1 history only)", 57643, &Doc::OnEditUndo, "undo"},
     {"Edit/Smoothing", "Shape", 32772, nullptr, "smooth-shape"},

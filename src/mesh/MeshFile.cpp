@@ -86,15 +86,17 @@ class PlaceGuard {
   bool released = false;
 };
 
-void save(const std::string& path, TriangleMesh& mesh) {
+/// Returns what was odd, as writeMesh does.
+std::string save(const std::string& path, TriangleMesh& mesh) {
   SafeFile file(path);
   if (file.stream() == nullptr) throw std::runtime_error(file.error());
   PlaceGuard guard(mesh);
   mesh.denormalize();
-  writeMesh({file.stream(), path, extensionOf(path)}, mesh);
+  std::string oddities = writeMesh({file.stream(), path, extensionOf(path)}, mesh);
   mesh.normalize();
   if (!file.commit()) throw std::runtime_error(file.error());
   guard.release();
+  return oddities;
 }
 
 }  // namespace
@@ -125,8 +127,10 @@ OpenResult openMeshFile(const std::string& path) {
 SaveResult saveMeshFile(const std::string& path, TriangleMesh& mesh) {
   SaveResult result;
   result.path = extensionOf(path).empty() ? path + ".ply2" : path;
-  result.error =
-      sentence("Cannot save ", result.path, reasonOfFailure([&] { save(result.path, mesh); }));
+  std::string oddities;
+  const std::string reason = reasonOfFailure([&] { oddities = save(result.path, mesh); });
+  result.error = sentence("Cannot save ", result.path, reason);
+  result.notice = sentence("Saved ", result.path, oddities);
   return result;
 }
 

@@ -39,8 +39,9 @@ OpenResult openMeshFile(const std::string& path);
 
 /// A file written to disk.
 struct SaveResult {
-  std::string path;   ///< the file that was meant: the path given, with ".ply2" where it was added
-  std::string error;  ///< the sentence to show on failure, else empty
+  std::string path;    ///< the file that was meant: the path given, with ".ply2" where it was added
+  std::string error;   ///< the sentence to show on failure, else empty
+  std::string notice;  ///< why the file does not hold the mesh, in one sentence, or empty
 };
 
 /// Writes `mesh` in the units of the file it came from; a name without an extension gets ".ply2",

@@ -89,13 +89,16 @@ void writeMarks(NumberWriter& writer, const TriangleMesh& mesh,
 
 }  // namespace
 
-void writeMesh(const MeshFile& file, const TriangleMesh& mesh) {
+std::string writeMesh(const MeshFile& file, const TriangleMesh& mesh) {
   const bool withMarks = file.extension == "plyR";
-  if (file.extension != "ply2" && !withMarks) return;
+  if (file.extension != "ply2" && !withMarks) {
+    return "the extension \"" + file.extension + "\" has no writer, so the file is empty";
+  }
   const std::vector<int> newIndices = indicesAmongUsed(mesh);
   NumberWriter writer(file.stream);
   writeGeometry(writer, mesh, newIndices);
   if (withMarks) writeMarks(writer, mesh, newIndices);
+  return {};
 }
 
 }  // namespace gravlin

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "mesh/MeshFile.h"
 
 namespace gravlin {
@@ -7,6 +9,8 @@ namespace gravlin {
 /// Writes used vertices and valid faces, renumbered in index order, with six decimals; nothing for
 /// an extension without a writer. A mark on an unused vertex is written as -1. Requires
 /// buildAdjacency. Whether everything arrived is for the owner of the stream to see.
-void writeMesh(const MeshFile& file, const TriangleMesh& mesh);
+///
+/// Returns what was odd, as the end of a sentence; empty when the mesh was written.
+std::string writeMesh(const MeshFile& file, const TriangleMesh& mesh);
 
 }  // namespace gravlin

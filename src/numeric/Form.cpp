@@ -34,10 +34,16 @@ std::string refusal() {
 }
 
 template <class Number>
-std::string refusal(const Range& range) {
-  return "Enter " + std::string(kindOfNumber(Number{})) + " between " +
-         shortestText(static_cast<Number>(range.least)) + " and " +
-         shortestText(static_cast<Number>(range.largest)) + ".";
+Range rangeOf(const Field& field) {
+  using Limits = std::numeric_limits<Number>;
+  return field.range.value_or(
+      Range{static_cast<double>(Limits::lowest()), static_cast<double>(Limits::max())});
+}
+
+template <class Number>
+RangeTexts textsOf(const Range& range) {
+  return {shortestText(static_cast<Number>(range.least)),
+          shortestText(static_cast<Number>(range.largest))};
 }
 
 /// A number too large for its type lies outside every range, and outside the type's own when there
@@ -57,10 +63,13 @@ std::string storeNumber(const Field& field, Number& member, std::string_view tex
   stream >> std::ws;
   if (!stream.eof()) return refusal<Number>();
 
-  const Range range = field.range.value_or(
-      Range{static_cast<double>(Limits::lowest()), static_cast<double>(Limits::max())});
+  const Range range = rangeOf<Number>(field);
   const double wide = static_cast<double>(value);
-  if (overflow || wide < range.least || wide > range.largest) return refusal<Number>(range);
+  if (overflow || wide < range.least || wide > range.largest) {
+    const RangeTexts ends = rangeTexts(field);
+    return "Enter " + std::string(kindOfNumber(Number{})) + " between " + ends.least + " and " +
+           ends.largest + ".";
+  }
   member = value;
   return {};
 }
@@ -102,6 +111,11 @@ std::string textOf(const Field& field) {
                                [](const std::string* member) { return *member; },
                                [](const auto* number) { return shortestText(*number); }},
                     field.value);
+}
+
+RangeTexts rangeTexts(const Field& field) {
+  return std::holds_alternative<int*>(field.value) ? textsOf<int>(rangeOf<int>(field))
+                                                   : textsOf<float>(rangeOf<float>(field));
 }
 
 std::string storeText(const Field& field, std::string_view text) {

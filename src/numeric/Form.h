@@ -56,6 +56,15 @@ std::string kebabCase(std::string_view lowerCamelCase);
 /// group, the shortest decimal text that reads back to the same float.
 std::string textOf(const Field& field);
 
+/// Both ends of what OK accepts, as they are shown. A field without a range has that of its type.
+struct RangeTexts {
+  std::string least;
+  std::string largest;
+};
+
+/// Of an int or float field.
+RangeTexts rangeTexts(const Field& field);
+
 /// Parses `text` as the field's control does on OK and stores it. On failure nothing is stored and
 /// the result is the sentence to show: "Enter an integer.", "Enter a number.",
 /// "Enter an integer between A and B." or "Enter a number between A and B.", where a field without

@@ -404,6 +404,8 @@ TEST(MeshFile, AnExtensionWithoutWriterLeavesAnEmptyFile) {
   folder.write("out.obj", "something");
   const SaveResult saved = saveMeshFile(folder.file("out.obj"), mesh);
   EXPECT_EQ(saved.error, "");
+  EXPECT_EQ(saved.notice, "Saved " + folder.file("out.obj") +
+                              ": the extension \"obj\" has no writer, so the file is empty.");
   EXPECT_EQ(saved.path, folder.file("out.obj"));
   EXPECT_TRUE(fs::exists(folder.file("out.obj")));
   EXPECT_EQ(contentOf(folder.file("out.obj")), "");
