@@ -1,0 +1,125 @@
+#include "view/RenderDispatcher.h"
+
+#include <algorithm>
+
+namespace gravlin {
+namespace {
+
+constexpr Colour black = {0.0F, 0.0F, 0.0F};
+constexpr Colour white = {1.0F, 1.0F, 1.0F};
+constexpr Colour red = {1.0F, 0.0F, 0.0F};
+constexpr Colour cyan = {0.0F, 1.0F, 1.0F};
+constexpr Colour blue = {0.0F, 0.0F, 1.0F};
+constexpr Colour brown = {0.4F, 0.2F, 0.2F};
+
+/// The picked face if the mesh has one that is still there.
+std::optional<int> pickedFaceOf(const TriangleMesh& mesh) {
+  const std::optional<int> face = mesh.pickedFace;
+  const bool there = face && *face >= 0 && *face < mesh.faceCount && mesh.validFace(*face);
+  return there ? face : std::nullopt;
+}
+
+Scene flatSurface(const CGravlinDoc& document) {
+  const TriangleMesh& mesh = *document.currentMesh;
+  Scene scene = {{flatFaces(mesh)}};
+  if (const std::optional<int> face = pickedFaceOf(mesh)) {
+    Batch corners = plainBatch(Primitive::Points, red);
+    for (const int corner : mesh.corners(*face)) addVertices(corners, mesh, {{corner}});
+    scene.batches.push_back(std::move(corners));
+  }
+  return scene;
+}
+
+Scene smoothSurface(const CGravlinDoc& document) {
+  return {{smoothFaces(*document.currentMesh)}};
+}
+
+Scene wireFrame(const CGravlinDoc& document) {
+  const TriangleMesh& mesh = *document.currentMesh;
+  return {{faceEdges(mesh, black), setBackFaces(mesh, white)}};
+}
+
+Scene nonManifoldPoints(const CGravlinDoc& document) {
+  const TriangleMesh& mesh = *document.currentMesh;
+  const auto pointsOfKind = [&mesh](VertexKind kind, const Colour& colour) {
+    Batch points = plainBatch(Primitive::Points, colour);
+    const auto known = std::min(mesh.vertexKind.size(), static_cast<std::size_t>(mesh.vertexCount));
+    for (int i = 0; i < static_cast<int>(known); ++i) {
+      if (mesh.vertexKind[static_cast<std::size_t>(i)] == kind) addVertices(points, mesh, {{i}});
+    }
+    return points;
+  };
+  Batch openEdges = plainBatch(Primitive::Lines, blue);
+  const std::size_t edges = std::min(mesh.faceAdjacency.size(), mesh.faces.size());
+  for (std::size_t edge = 0; edge < edges; ++edge) {
+    if (mesh.faceAdjacency[edge] >= 0) continue;
+    const auto corners = mesh.corners(static_cast<int>(edge / 3));
+    addVertices(openEdges, mesh, {{corners[edge % 3], corners[(edge + 1) % 3]}});
+  }
+  return {{pointsOfKind(NonManifoldVertex, red), pointsOfKind(BoundaryVertex, cyan),
+           std::move(openEdges)}};
+}
+
+Scene allPoints(const CGravlinDoc& document) {
+  const TriangleMesh& mesh = *document.currentMesh;
+  Batch points = plainBatch(Primitive::Points, brown);
+  for (int i = 0; i < mesh.vertexCount; ++i) addVertices(points, mesh, {{i}});
+  return {{std::move(points)}};
+}
+
+Scene pickedFace(const CGravlinDoc& document) {
+  const TriangleMesh& mesh = *document.currentMesh;
+  const std::optional<int> face = pickedFaceOf(mesh);
+  if (!face) return {{flatFaces(mesh)}};
+  Batch filled = plainBatch(Primitive::Triangles, red);
+  addVertices(filled, mesh, mesh.corners(*face));
+  return {{flatFaces(mesh, *face), std::move(filled)}};
+}
+
+struct ModeRow {
+  int mode;
+  Scene (*gather)(const CGravlinDoc& document);
+};
+
+/// What each mode shows. A mode without a row draws nothing.
+constexpr ModeRow modeTable[] = {
+    {SmoothShading, smoothSurface},
+    {FlatShading, flatSurface},
+    {WireFrame, wireFrame},
+    {FlatShadingAlso, flatSurface},
+    {DirectionMax, flatSurface},
+    {RidgeVertices, flatSurface},
+    {RidgeDirections, flatSurface},
+    {RidgeMeshEdges, flatSurface},
+    {CurvatureMax, flatSurface},
+    {WeightedRidgeLines, flatSurface},
+    {FeatureLines, flatSurface},
+    {CreaseLines, flatSurface},
+    {TensorMax, flatSurface},
+    {TensorMin, flatSurface},
+    {DirectionMin, flatSurface},
+    {CurvatureTotal, flatSurface},
+    {CurvatureMean, flatSurface},
+    {CurvatureGauss, flatSurface},
+    {CurvatureMin, flatSurface},
+    {NonManifoldPoints, nonManifoldPoints},
+    {EdgeCurvature, flatSurface},
+    {Silhouette, flatSurface},
+    {StrokeMax, flatSurface},
+    {StrokeMin, flatSurface},
+    {Points, allPoints},
+    {VertexError, flatSurface},
+    {FaceError, flatSurface},
+    {PickedFace, pickedFace},
+    {FaceValues, flatSurface},
+};
+
+}  // namespace
+
+Scene gatherScene(const CGravlinDoc& document) {
+  const auto* row = std::ranges::find(modeTable, document.displayMode, &ModeRow::mode);
+  if (document.currentMesh == nullptr || row == std::end(modeTable)) return {};
+  return row->gather(document);
+}
+
+}  // namespace gravlin

@@ -1,0 +1,148 @@
+#include "view/Scene.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace gravlin {
+namespace {
+
+/// Corners of a face in the order in which OpenGL cuts a polygon into triangles: its first vertex
+/// comes last. Colours are interpolated from there, so pixels equal those of polygons to the last
+/// bit.
+constexpr std::array<std::size_t, 3> polygonOrder = {1, 2, 0};
+
+bool finite(const float* xyz) {
+  return std::isfinite(xyz[0]) && std::isfinite(xyz[1]) && std::isfinite(xyz[2]);
+}
+
+const float* positionAt(const TriangleMesh& mesh, int i) {
+  return mesh.vertices.data() + 3 * static_cast<std::size_t>(i);
+}
+
+void append(std::vector<float>& numbers, const float* xyz) {
+  numbers.insert(numbers.end(), xyz, xyz + 3);
+}
+
+/// Whether all of these are vertices with finite positions.
+bool drawable(const TriangleMesh& mesh, std::span<const int> vertices) {
+  return std::ranges::all_of(vertices, [&mesh](int i) {
+    return i >= 0 && i < mesh.vertexCount && finite(positionAt(mesh, i));
+  });
+}
+
+/// Three numbers of `normals` from 3i on.
+const float* normalAt(const std::vector<float>& normals, std::size_t i) {
+  static constexpr float none[3] = {0.0F, 0.0F, 0.0F};
+  if (normals.size() < 3 * i + 3) return none;
+  const float* normal = normals.data() + 3 * i;
+  return finite(normal) ? normal : none;
+}
+
+std::vector<float> vertexNormals(const TriangleMesh& mesh) {
+  const auto n = static_cast<std::size_t>(mesh.vertexCount);
+  std::vector<float> normals;
+  normals.reserve(3 * n);
+  for (std::size_t i = 0; i < n; ++i) append(normals, normalAt(mesh.vertexNormals, i));
+  return normals;
+}
+
+/// All vertices of the mesh, drawn in the order of `indices`.
+Batch indexedBatch(Primitive primitive, const TriangleMesh& mesh, std::vector<unsigned> indices) {
+  Batch batch;
+  batch.primitive = primitive;
+  if (indices.empty()) return batch;
+  batch.indices = std::move(indices);
+  batch.positions = mesh.vertices;
+  return batch;
+}
+
+Batch indexedFaces(const TriangleMesh& mesh) {
+  std::vector<unsigned> indices;
+  indices.reserve(3 * static_cast<std::size_t>(mesh.faceCount));
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    const auto corners = mesh.corners(f);
+    if (!drawable(mesh, corners)) continue;
+    for (const std::size_t j : polygonOrder) indices.push_back(static_cast<unsigned>(corners[j]));
+  }
+  return indexedBatch(Primitive::Triangles, mesh, std::move(indices));
+}
+
+}  // namespace
+
+Batch flatFaces(const TriangleMesh& mesh, int except) {
+  Batch batch;
+  batch.lit = true;
+  const std::size_t numbers = 9 * static_cast<std::size_t>(mesh.faceCount);
+  batch.positions.reserve(numbers);
+  batch.normals.reserve(numbers);
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    if (f == except || !drawable(mesh, mesh.corners(f))) continue;
+    const float* normal = normalAt(mesh.faceNormals, static_cast<std::size_t>(f));
+    const auto corners = mesh.corners(f);
+    for (const std::size_t j : polygonOrder) {
+      append(batch.positions, positionAt(mesh, corners[j]));
+      append(batch.normals, normal);
+    }
+  }
+  return batch;
+}
+
+Batch smoothFaces(const TriangleMesh& mesh) {
+  Batch batch = indexedFaces(mesh);
+  batch.lit = true;
+  if (!batch.indices.empty()) batch.normals = vertexNormals(mesh);
+  return batch;
+}
+
+Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour) {
+  Batch batch = indexedFaces(mesh);
+  batch.colour = colour;
+  if (!batch.indices.empty()) batch.setBackAlong = vertexNormals(mesh);
+  return batch;
+}
+
+Batch scalarFaces(const TriangleMesh& mesh, std::span<const double> values, bool grayScale) {
+  Batch batch = indexedFaces(mesh);
+  if (values.size() != batch.vertexCount()) return {};
+  Spread spread = spreadOf(values);
+  spread.deviation = static_cast<float>(spread.deviation);
+  batch.colours.reserve(3 * batch.vertexCount());
+  for (const double value : values) {
+    const double t = scalePlace(value, spread);
+    const Colour colour = grayScale ? scaleGrey(t) : scaleColour(t);
+    batch.colours.insert(batch.colours.end(), {colour.r, colour.g, colour.b});
+  }
+  return batch;
+}
+
+Batch faceEdges(const TriangleMesh& mesh, const Colour& colour) {
+  std::vector<unsigned> indices;
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    const auto corners = mesh.corners(f);
+    if (corners[0] < 0) continue;
+    for (std::size_t j = 0; j < 3; ++j) {
+      const std::array<int, 2> edge = {corners[j], corners[(j + 1) % 3]};
+      if (edge[0] > edge[1] && drawable(mesh, edge)) {
+        indices.insert(indices.end(), edge.begin(), edge.end());
+      }
+    }
+  }
+  Batch batch = indexedBatch(Primitive::Lines, mesh, std::move(indices));
+  batch.colour = colour;
+  return batch;
+}
+
+Batch plainBatch(Primitive primitive, const Colour& colour) {
+  Batch batch;
+  batch.primitive = primitive;
+  batch.colour = colour;
+  return batch;
+}
+
+void addVertices(Batch& batch, const TriangleMesh& mesh, std::span<const int> vertices) {
+  if (!drawable(mesh, vertices)) return;
+  for (const int i : vertices) append(batch.positions, positionAt(mesh, i));
+}
+
+}  // namespace gravlin

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+
+namespace gravlin::test {
+
+// Programs that link gravlin_allocation_count have operator new replaced by one that counts.
+
+/// Number of calls of operator new so far.
+std::size_t allocationCount();
+
+/// While it lives, operator new refuses whatever is larger than `largest` bytes, as if memory had
+/// run out.
+class AllocationLimit {
+ public:
+  explicit AllocationLimit(std::size_t largest);
+  ~AllocationLimit();
+  AllocationLimit(const AllocationLimit&) = delete;
+  AllocationLimit& operator=(const AllocationLimit&) = delete;
+};
+
+}  // namespace gravlin::test
