@@ -6,6 +6,10 @@
 #include <sstream>
 #include <utility>
 
+#include "curvature/CurvatureTensor.h"
+#include "curvature/EdgeCurvature.h"
+#include "curvature/ShapeError.h"
+
 namespace gravlin {
 namespace {
 
@@ -15,11 +19,33 @@ struct Recomputation {
   void (*recompute)(CGravlinDoc& doc);
 };
 
+/// The ideal mesh that errors are measured to is the undo copy; without one they are 0.
+void computeVertexErrors(CGravlinDoc& doc) {
+  const TriangleMesh& mesh = *doc.currentMesh;
+  doc.vertexErrors.assign(static_cast<std::size_t>(mesh.vertexCount), 0.0);
+  if (doc.undoMesh) doc.vertexErrors = vertexErrors(mesh, *doc.undoMesh);
+}
+
+void computeFaceErrors(CGravlinDoc& doc) {
+  const TriangleMesh& mesh = *doc.currentMesh;
+  doc.faceErrors.assign(static_cast<std::size_t>(mesh.faceCount), 0.0);
+  if (doc.undoMesh) doc.faceErrors = faceErrors(mesh, *doc.undoMesh);
+}
+
 /// In the order in which they run: a row may use the data of the rows above it.
 const std::vector<Recomputation>& recomputations() {
   static const std::vector<Recomputation> table = {
       {{}, [](CGravlinDoc& doc) { doc.currentMesh->computeFaceNormals(); }},
       {{}, [](CGravlinDoc& doc) { doc.currentMesh->computeVertexNormals(); }},
+      {{DirectionMax, DirectionMin, TensorMax, TensorMin, CurvatureMax, CurvatureMin, CurvatureMean,
+        CurvatureGauss, CurvatureTotal},
+       [](CGravlinDoc& doc) { computeCurvatureTensor(*doc.currentMesh); }},
+      {{EdgeCurvature}, [](CGravlinDoc& doc) { computeEdgeCurvatures(*doc.currentMesh); }},
+      {{VertexError}, computeVertexErrors},
+      {{FaceError}, computeFaceErrors},
+      {{CurvatureMax, CurvatureMin, CurvatureMean, CurvatureGauss, CurvatureTotal, EdgeCurvature,
+        VertexError, FaceError},
+       [](CGravlinDoc& doc) { doc.fillHistogram(); }},
   };
   return table;
 }
@@ -52,6 +78,7 @@ CGravlinDoc::~CGravlinDoc() = default;
 void CGravlinDoc::replaceMesh(std::unique_ptr<TriangleMesh> mesh) {
   currentMesh = std::move(mesh);
   meshSmoother.attach(currentMesh.get());
+  curvatureTensorSmoother.mesh = currentMesh.get();
 }
 
 void CGravlinDoc::keepUndoCopy() {

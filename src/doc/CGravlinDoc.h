@@ -3,7 +3,10 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "curvature/Strokes.h"
+#include "curvature/TensorSmoothing.h"
 #include "doc/DisplayMode.h"
 #include "doc/Outside.h"
 #include "doc/ViewParameters.h"
@@ -38,14 +41,21 @@ class CGravlinDoc {
   VisualizationParameters visualizationParameters;
   ViewAngleParameters viewAngleParameters;
   AdaptiveSmoothingParameters adaptiveSmoothingParameters;
+  TensorSmoothingParameters tensorSmoothingParameters;
+  SeedParameters seedParameters;
 
   MeshSmoother meshSmoother;  ///< commands attach it to the current mesh
+  CurvatureTensorSmoother curvatureTensorSmoother;
+
+  std::vector<double> vertexErrors;  ///< [V] distance to the undo copy, see ShapeError.h
+  std::vector<double> faceErrors;    ///< [F] angle to the undo copy's normals
 
   // --- File and Edit ---
   void OnFileOpen();
   void OnFileSaveAs();
   void OnEditUndo();
   void OnSmoothingShapeAdaptive();
+  void OnSmoothingCurvatureTensor();
   void OnEnhancement();
 
   // --- Visualization ---
@@ -59,6 +69,24 @@ class CGravlinDoc {
   void OnLightingRed();
   void OnLightingGreen();
   void OnLightingBlue();
+
+  // --- Visualization: curvature ---
+  void OnDirectionMax();
+  void OnDirectionMin();
+  void OnCurvatureMax();
+  void OnCurvatureMin();
+  void OnCurvatureMean();
+  void OnCurvatureGauss();
+  void OnCurvatureTotal();
+  void OnTensorMax();
+  void OnTensorMin();
+  void OnStrokeMax();
+  void OnStrokeMin();
+  void OnEdgeCurvature();
+
+  // --- EXPERIMET ---
+  void OnShowVertexError();
+  void OnShowFaceError();
 
   // --- Option ---
   void OnOptionVisualization();
@@ -83,6 +111,8 @@ class CGravlinDoc {
   /// Called after vertices moved or faces changed: marks derived data as stale and tells in the
   /// status bar when positions are not finite. A mesh must exist.
   void geometryChanged();
+  /// Gives the histogram window a copy of the scalar that is shown.
+  void fillHistogram();
   /// Brings derived data up to date, then has every view drawn.
   void redraw();
 
@@ -93,6 +123,11 @@ class CGravlinDoc {
   void recompute();
   void show(DisplayMode mode);
   void setLighting(LightingMode mode);
+  void showDirections(DisplayMode mode);
+  void showField(DisplayMode mode);
+  void showCurvature(DisplayMode mode);
+  void showStrokes(DisplayMode mode);
+  void showError(DisplayMode mode);
 
   Outside& outside;
   bool undoIsModified = true;  ///< what `modified` becomes when the undo copy comes back

@@ -1,0 +1,370 @@
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "curvature/CurvatureFields.h"
+#include "curvature/CurvatureTensor.h"
+#include "curvature/EdgeCurvature.h"
+#include "doc/CGravlinDoc.h"
+#include "doc/ShownField.h"
+#include "support/Meshes.h"
+#include "support/ScriptedOutside.h"
+
+namespace gravlin {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::Eq;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+using Handler = void (CGravlinDoc::*)();
+
+class CurvatureCommands : public ::testing::Test {
+ protected:
+  void load(TriangleMesh mesh) {
+    doc.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
+  }
+  TriangleMesh& mesh() { return *doc.currentMesh; }
+
+  test::ScriptedOutside outside;
+  CGravlinDoc doc{outside};
+};
+
+/// The same mesh with its estimated curvature.
+TriangleMesh estimated(TriangleMesh mesh) {
+  computeCurvatureTensor(mesh);
+  return mesh;
+}
+
+// --- Directions, tensors, curvatures ---
+
+TEST_F(CurvatureCommands, DirectionsAndTensorsEstimateCurvatureAndShowTheirMode) {
+  const TriangleMesh expected = estimated(test::torus(12, 8));
+  for (const auto& [handler, mode] : {std::pair<Handler, int>{&CGravlinDoc::OnDirectionMax, 5},
+                                      {&CGravlinDoc::OnDirectionMin, 16},
+                                      {&CGravlinDoc::OnTensorMax, 14},
+                                      {&CGravlinDoc::OnTensorMin, 15}}) {
+    load(test::torus(12, 8));
+    outside.forget();
+    (doc.*handler)();
+    EXPECT_EQ(doc.displayMode, mode);
+    EXPECT_THAT(outside.calls, ElementsAre("redraw"));
+    EXPECT_EQ(mesh().maxCurvature, expected.maxCurvature);
+    EXPECT_EQ(mesh().minDirection, expected.minDirection);
+  }
+}
+
+struct FieldCommand {
+  Handler handler;
+  int mode;
+  CurvatureField field;
+  std::string name;
+};
+
+const std::vector<FieldCommand>& fieldCommands() {
+  static const std::vector<FieldCommand> commands = {
+      {&CGravlinDoc::OnCurvatureMax, 10, CurvatureField::Max, "Maximum curvature"},
+      {&CGravlinDoc::OnCurvatureMin, 20, CurvatureField::Min, "Minimum curvature"},
+      {&CGravlinDoc::OnCurvatureMean, 18, CurvatureField::Mean, "Mean curvature"},
+      {&CGravlinDoc::OnCurvatureGauss, 19, CurvatureField::Gauss, "Gaussian curvature"},
+      {&CGravlinDoc::OnCurvatureTotal, 17, CurvatureField::Total, "Total curvature"}};
+  return commands;
+}
+
+TEST_F(CurvatureCommands, CurvaturesShowTheHistogramOfTheirValues) {
+  const TriangleMesh expected = estimated(test::torus(12, 8));
+  for (const FieldCommand& command : fieldCommands()) {
+    SCOPED_TRACE(command.name);
+    load(test::torus(12, 8));
+    outside.forget();
+    (doc.*command.handler)();
+    EXPECT_EQ(doc.displayMode, command.mode);
+    EXPECT_THAT(outside.calls,
+                ElementsAre("histogram " + command.name, "histogram values 96", "redraw"));
+    EXPECT_EQ(outside.histogramValues, curvatureField(expected, command.field));
+    EXPECT_EQ(shownFieldValues(doc), outside.histogramValues);
+  }
+}
+
+TEST_F(CurvatureCommands, ShowTheFieldThatIsThere) {
+  for (const FieldCommand& command : fieldCommands()) {
+    load(estimated(test::torus(12, 8)));
+    mesh().maxCurvature.assign(96, 3.0);
+    mesh().minCurvature.assign(96, -1.0);
+    (doc.*command.handler)();
+    const double expected[] = {3.0, -1.0, 1.0, -3.0, 4.0};
+    EXPECT_THAT(outside.histogramValues,
+                Each(Eq(expected[static_cast<std::size_t>(command.field)])));
+  }
+  mesh().maxDirection.assign(3 * 96, 0.25);
+  doc.OnDirectionMax();
+  EXPECT_THAT(mesh().maxDirection, Each(Eq(0.25)));
+}
+
+TEST_F(CurvatureCommands, AChangeOfGeometryRefreshesCurvatureAndHistogramOnce) {
+  for (const FieldCommand& command : fieldCommands()) {
+    SCOPED_TRACE(command.name);
+    load(test::torus(12, 8));
+    (doc.*command.handler)();
+    for (float& x : mesh().vertices) x *= 2.0F;
+    doc.needsRecompute = true;
+    outside.forget();
+    doc.redraw();
+    EXPECT_THAT(outside.calls, ElementsAre("histogram values 96", "redraw"));
+    TriangleMesh expected = test::torus(12, 8);
+    for (float& x : expected.vertices) x *= 2.0F;
+    computeCurvatureTensor(expected);
+    EXPECT_EQ(outside.histogramValues, curvatureField(expected, command.field));
+    outside.forget();
+    doc.redraw();
+    EXPECT_THAT(outside.calls, ElementsAre("redraw"));
+  }
+}
+
+TEST_F(CurvatureCommands, AChangeOfGeometryInAnotherModeLeavesTheEstimate) {
+  load(test::torus(12, 8));
+  doc.OnDirectionMax();
+  const std::vector<double> before = mesh().maxCurvature;
+  doc.OnFlatShading();
+  for (float& x : mesh().vertices) x *= 2.0F;
+  doc.needsRecompute = true;
+  doc.redraw();
+  doc.OnCurvatureMax();
+  EXPECT_EQ(mesh().maxCurvature, before);
+}
+
+// --- Edge curvature ---
+
+TEST_F(CurvatureCommands, EdgeCurvatureGivesThreeValuesAFaceToTheHistogram) {
+  load(test::bumpyGrid(9, 7));
+  mesh().faceNormals.clear();
+  doc.OnEdgeCurvature();
+  TriangleMesh expected = test::bumpyGrid(9, 7);
+  computeEdgeCurvatures(expected);
+  EXPECT_EQ(doc.displayMode, EdgeCurvature);
+  EXPECT_THAT(outside.calls,
+              ElementsAre("histogram Edge curvature", "histogram values 378", "redraw"));
+  EXPECT_EQ(outside.histogramValues, expected.edgeCurvatures);
+
+  for (float& x : mesh().vertices) x *= 2.0F;
+  doc.needsRecompute = true;
+  outside.forget();
+  doc.redraw();
+  EXPECT_THAT(outside.calls, ElementsAre("histogram values 378", "redraw"));
+  EXPECT_EQ(2.0 * outside.histogramValues[40], expected.edgeCurvatures[40]);
+}
+
+// --- Strokes ---
+
+TEST_F(CurvatureCommands, StrokesAskForTheirSeeds) {
+  load(test::torus(12, 8));
+  outside.dialogAnswers = {test::okWith({{"seedAmount", "30"}}), test::ok()};
+  doc.OnStrokeMax();
+  EXPECT_EQ(doc.displayMode, StrokeMax);
+  EXPECT_THAT(outside.calls, ElementsAre("dialog CSeedDlg", "redraw"));
+  EXPECT_THAT(mesh().strokes.maxStrokes, SizeIs(30));
+  EXPECT_THAT(mesh().strokes.minStrokes, SizeIs(30));
+  doc.OnStrokeMin();
+  EXPECT_EQ(doc.displayMode, StrokeMin);
+  EXPECT_THAT(mesh().strokes.strokeSeeds, SizeIs(30)) << "the dialog remembers its value";
+}
+
+TEST_F(CurvatureCommands, CancelledStrokesKeepTheModeAndTheStrokesThereAre) {
+  load(test::torus(12, 8));
+  outside.dialogAnswers = {test::okWith({{"seedAmount", "30"}}), test::cancel(), test::cancel()};
+  doc.OnStrokeMax();
+  outside.forget();
+  doc.OnStrokeMin();
+  EXPECT_EQ(doc.displayMode, StrokeMin);
+  EXPECT_THAT(outside.calls, ElementsAre("dialog CSeedDlg"));
+  EXPECT_THAT(mesh().strokes.strokeSeeds, SizeIs(30));
+  load(test::torus(12, 8));
+  doc.OnStrokeMax();
+  EXPECT_THAT(mesh().strokes.strokeSeeds, IsEmpty());
+}
+
+TEST_F(CurvatureCommands, StrokesFollowTheFieldThatIsThere) {
+  load(estimated(test::torus(12, 8)));
+  mesh().maxDirection.assign(3 * 96, 0.0);
+  outside.dialogAnswers = {test::okWith({{"seedAmount", "10"}})};
+  doc.OnStrokeMax();
+  EXPECT_THAT(mesh().strokes.maxStrokes, Each(SizeIs(1)));
+  EXPECT_THAT(mesh().strokes.minStrokes.front(), SizeIs(::testing::Gt(1U)));
+}
+
+// --- Errors ---
+
+TEST_F(CurvatureCommands, VertexErrorIsWhatHappenedSinceTheUndoCopy) {
+  load(test::cube());
+  doc.keepUndoCopy();
+  mesh().setPosition(6, {1, 1, 3});
+  doc.OnShowVertexError();
+  EXPECT_EQ(doc.displayMode, VertexError);
+  EXPECT_THAT(outside.calls, ElementsAre("histogram Vertex error", "histogram values 8", "redraw"));
+  EXPECT_THAT(outside.histogramValues, ElementsAre(0, 0, 0, 0, 0, 0, 2, 0));
+  EXPECT_EQ(doc.vertexErrors, outside.histogramValues);
+  EXPECT_FALSE(doc.needsRecompute);
+
+  doc.OnEditUndo();
+  EXPECT_THAT(outside.histogramValues, Each(Eq(0.0)));
+}
+
+TEST_F(CurvatureCommands, FaceErrorIsTheAngleToTheUndoCopy) {
+  load(test::singleTriangle());
+  doc.keepUndoCopy();
+  mesh().setPosition(2, {0, 0, 1});
+  doc.OnShowFaceError();
+  EXPECT_EQ(doc.displayMode, FaceError);
+  EXPECT_THAT(outside.calls, ElementsAre("histogram Face error", "histogram values 1", "redraw"));
+  EXPECT_NEAR(outside.histogramValues.front(), std::acos(0.0), 1e-12);
+}
+
+TEST_F(CurvatureCommands, ErrorsAreZeroWithoutAnUndoCopy) {
+  load(test::cube());
+  doc.OnShowVertexError();
+  EXPECT_THAT(outside.histogramValues, SizeIs(8));
+  EXPECT_THAT(outside.histogramValues, Each(Eq(0.0)));
+  doc.OnShowFaceError();
+  EXPECT_THAT(outside.histogramValues, SizeIs(12));
+  EXPECT_THAT(outside.histogramValues, Each(Eq(0.0)));
+}
+
+// --- Tensor smoothing ---
+
+/// The display mode at every redraw, in order.
+struct ModesDrawn {
+  ModesDrawn(test::ScriptedOutside& outside, const CGravlinDoc& doc) {
+    outside.whenRedrawn = [this, &doc] { modes.push_back(doc.displayMode); };
+  }
+  std::vector<int> modes;
+};
+
+TEST_F(CurvatureCommands, TensorSmoothingRunsInTenthsWithoutAnimation) {
+  load(test::torus(12, 8));
+  const ModesDrawn drawn(outside, doc);
+  outside.dialogAnswers = {test::okWith({{"curvatureIterations", "25"}})};
+  doc.OnSmoothingCurvatureTensor();
+  std::vector<std::string> expected = {"dialog CTensorSmoothDlg", "show progress 0..25 by 2"};
+  expected.insert(expected.end(), 12, "step progress");
+  expected.insert(expected.end(), {"redraw", "show progress 0..5 by 1"});
+  expected.insert(expected.end(), 5, "step progress");
+  expected.insert(expected.end(), {"redraw", "hide progress", "redraw"});
+  EXPECT_EQ(outside.calls, expected);
+  EXPECT_THAT(drawn.modes, ElementsAre(CurvatureMax, DirectionMax, TensorMax));
+}
+
+TEST_F(CurvatureCommands, TensorSmoothingRedrawsAsItAnimates) {
+  load(test::torus(12, 8));
+  const ModesDrawn drawn(outside, doc);
+  outside.dialogAnswers = {test::okWith({{"animate", "1"},
+                                         {"animateEvery", "3"},
+                                         {"curvatureIterations", "7"},
+                                         {"directionIterations", "2"},
+                                         {"displayChoice", "1"}})};
+  doc.OnSmoothingCurvatureTensor();
+  EXPECT_THAT(outside.calls,
+              ElementsAre("dialog CTensorSmoothDlg", "show progress 0..7 by 3", "step progress",
+                          "redraw", "step progress", "redraw", "redraw", "show progress 0..2 by 3",
+                          "redraw", "hide progress", "redraw"));
+  EXPECT_THAT(drawn.modes,
+              ElementsAre(CurvatureMin, CurvatureMin, CurvatureMin, DirectionMin, TensorMin));
+}
+
+TEST_F(CurvatureCommands, TensorSmoothingTakesOnlyTheFirstChoiceForTheMaximum) {
+  for (const auto& [choice, mode] :
+       {std::pair{"0", TensorMax}, {"1", TensorMin}, {"2", TensorMin}, {"3", TensorMin}}) {
+    load(test::torus(12, 8));
+    outside.dialogAnswers = {test::okWith({{"displayChoice", choice}})};
+    doc.OnSmoothingCurvatureTensor();
+    EXPECT_EQ(doc.displayMode, mode) << choice;
+  }
+}
+
+TEST_F(CurvatureCommands, TensorSmoothingSmoothsAFreshEstimate) {
+  TriangleMesh expected = estimated(test::bumpyGrid(9, 7));
+  CurvatureTensorSmoother smoother{&expected};
+  smoother.smoothCurvatureValues(10, 0.1F);
+  smoother.smoothDirections(5, 5.0F);
+  load(test::bumpyGrid(9, 7));
+  outside.dialogAnswers = {test::ok(), test::ok()};
+  for (int again = 0; again < 2; ++again) {
+    doc.OnSmoothingCurvatureTensor();
+    EXPECT_EQ(mesh().maxCurvature, expected.maxCurvature);
+    EXPECT_EQ(mesh().minCurvature, expected.minCurvature);
+    // Five single iterations repair the frames after each, one call of five only at the end.
+    for (int i = 0; i < mesh().vertexCount; ++i) {
+      EXPECT_GT(std::abs(dot(vectorAt(mesh().maxDirection, i), vectorAt(expected.maxDirection, i))),
+                0.9);
+    }
+  }
+  doc.OnCurvatureMax();
+  EXPECT_EQ(outside.histogramValues, expected.maxCurvature) << "the smoothed field is shown";
+}
+
+TEST_F(CurvatureCommands, TensorSmoothingTakesAnyCounts) {
+  for (const char* count : {"0", "-7", "-2147483648"}) {
+    load(test::bumpyGrid(9, 7));
+    outside.dialogAnswers = {test::okWith({{"animate", "1"},
+                                           {"animateEvery", count},
+                                           {"curvatureIterations", count},
+                                           {"directionIterations", count}})};
+    doc.OnSmoothingCurvatureTensor();
+    EXPECT_EQ(mesh().maxCurvature, estimated(test::bumpyGrid(9, 7)).maxCurvature);
+  }
+}
+
+TEST_F(CurvatureCommands, CancelledTensorSmoothingChangesNothing) {
+  load(test::torus(12, 8));
+  doc.displayMode = WireFrame;
+  outside.dialogAnswers = {test::cancel()};
+  doc.OnSmoothingCurvatureTensor();
+  EXPECT_THAT(outside.calls, ElementsAre("dialog CTensorSmoothDlg"));
+  EXPECT_EQ(doc.displayMode, WireFrame);
+  EXPECT_THAT(mesh().maxCurvature, IsEmpty());
+}
+
+// --- Everywhere ---
+
+TEST_F(CurvatureCommands, DoNothingWithoutAMesh) {
+  const int before = doc.displayMode;
+  for (const Handler handler :
+       {&CGravlinDoc::OnDirectionMax, &CGravlinDoc::OnDirectionMin, &CGravlinDoc::OnCurvatureMax,
+        &CGravlinDoc::OnCurvatureTotal, &CGravlinDoc::OnTensorMax, &CGravlinDoc::OnTensorMin,
+        &CGravlinDoc::OnStrokeMax, &CGravlinDoc::OnStrokeMin, &CGravlinDoc::OnEdgeCurvature,
+        &CGravlinDoc::OnShowVertexError, &CGravlinDoc::OnShowFaceError,
+        &CGravlinDoc::OnSmoothingCurvatureTensor}) {
+    (doc.*handler)();
+    EXPECT_EQ(doc.displayMode, before);
+    EXPECT_THAT(outside.calls, IsEmpty());
+  }
+}
+
+TEST_F(CurvatureCommands, LeaveTheDocumentUnmodified) {
+  load(test::torus(12, 8));
+  const std::vector<float> vertices = mesh().vertices;
+  outside.dialogAnswers = {test::ok()};
+  doc.OnSmoothingCurvatureTensor();
+  doc.OnEdgeCurvature();
+  EXPECT_FALSE(doc.modified);
+  EXPECT_EQ(doc.undoMesh, nullptr);
+  EXPECT_EQ(mesh().vertices, vertices);
+}
+
+TEST(ShownField, IsNamelessAndEmptyWhereAModeShowsNone) {
+  test::ScriptedOutside outside;
+  CGravlinDoc doc(outside);
+  EXPECT_EQ(shownFieldName(FlatShading), "");
+  EXPECT_THAT(shownFieldValues(doc), IsEmpty());
+  doc.currentMesh = std::make_unique<TriangleMesh>(test::cube());
+  EXPECT_THAT(shownFieldValues(doc), IsEmpty());
+  doc.displayMode = CurvatureMean;
+  EXPECT_THAT(shownFieldValues(doc), IsEmpty()) << "not computed yet";
+}
+
+}  // namespace
+}  // namespace gravlin
