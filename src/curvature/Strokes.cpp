@@ -6,7 +6,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <span>
+#include <utility>
 
 #include "mesh/FaceGeometry.h"
 #include "numeric/Random.h"
@@ -306,6 +308,17 @@ FacePoint nextSeed(const AreaTable& table, Random& random) {
   return {face, a, b};
 }
 
+/// The order in which lines are traced: neighbours in the mesh one after the other, so that their
+/// surroundings are still in the cache.
+std::vector<std::size_t> orderByFace(const std::vector<FacePoint>& seeds) {
+  std::vector<std::size_t> order(seeds.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::sort(order.begin(), order.end(), [&](std::size_t s, std::size_t t) {
+    return std::pair(seeds[s].face, s) < std::pair(seeds[t].face, t);
+  });
+  return order;
+}
+
 }  // namespace
 
 Form SeedParameters::form() {
@@ -338,16 +351,18 @@ void generateStrokes(TriangleMesh& mesh, int seedCount) {
   if (seedCount < 1 || mesh.faceCount < 1) return;
   if (mesh.faceNormals.empty()) mesh.computeFaceNormals();
   const AreaTable areas = sortedAreas(mesh);
-  Random random(100);
+  Strokes& strokes = mesh.strokes;
   const auto S = static_cast<std::size_t>(seedCount);
-  mesh.strokes.strokeSeeds.reserve(S);
-  mesh.strokes.maxStrokes.reserve(S);
-  mesh.strokes.minStrokes.reserve(S);
-  for (int s = 0; s < seedCount; ++s) {
-    const FacePoint seed = nextSeed(areas, random);
-    mesh.strokes.strokeSeeds.push_back(seed);
-    mesh.strokes.maxStrokes.push_back(traceMaxStroke(mesh, seed, {}));
-    mesh.strokes.minStrokes.push_back(traceMinStroke(mesh, seed, {}));
+  Random random(100);
+  strokes.strokeSeeds.reserve(S);
+  for (int s = 0; s < seedCount; ++s) strokes.strokeSeeds.push_back(nextSeed(areas, random));
+
+  strokes.maxStrokes.resize(S);
+  strokes.minStrokes.resize(S);
+  for (const std::size_t s : orderByFace(strokes.strokeSeeds)) {
+    const FacePoint& seed = strokes.strokeSeeds[s];
+    strokes.maxStrokes[s] = traceMaxStroke(mesh, seed, {});
+    strokes.minStrokes[s] = traceMinStroke(mesh, seed, {});
   }
 }
 

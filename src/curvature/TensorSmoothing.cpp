@@ -47,13 +47,14 @@ void smoothValuesOnce(const CompressedRows& rings, double lambda,
   }
 }
 
-/// A neighbour's carried direction times its signed weight, for the vertex's own direction `own`.
-Vec3 weighted(const Vec3& carried, const Vec3& own, double squaredDistance, double squaredSigma) {
-  const double c = std::clamp(dot(carried, own), -1.0, 1.0);
-  const double angle = std::acos(c);
+/// The weight of a neighbour's carried direction, negative where it points against the vertex's
+/// own; `cosine` is that of the angle between the two.
+double signedWeight(double cosine, double squaredDistance, double squaredSigma) {
+  const double angle = std::acos(std::clamp(cosine, -1.0, 1.0));
   const double weight =
       angle == 0.0 ? 1.0 : std::exp(-(angle * angle / squaredDistance) / squaredSigma);
-  return (c < 0.0 ? -weight : weight) * carried;
+  // Without a branch, which half of all neighbours would miss; -0 counts as 0.
+  return std::copysign(weight, cosine + 0.0);
 }
 
 DirectionPair smoothedDirections(const TriangleMesh& mesh, int i, double squaredSigma,
@@ -66,9 +67,10 @@ DirectionPair smoothedDirections(const TriangleMesh& mesh, int i, double squared
     const Vec3 d = p - mesh.position(j);
     const double squaredDistance = dot(d, d);
     const DirectionTransport carry(mesh.vertexNormal(j), N);
-    const DirectionPair& other = from[toIndex(j)];
-    sum.max += weighted(carry(other.max), own.max, squaredDistance, squaredSigma);
-    sum.min += weighted(carry(other.min), own.min, squaredDistance, squaredSigma);
+    const Vec3 max = carry(from[toIndex(j)].max);
+    const Vec3 min = carry(from[toIndex(j)].min);
+    sum.max += signedWeight(dot(max, own.max), squaredDistance, squaredSigma) * max;
+    sum.min += signedWeight(dot(min, own.min), squaredDistance, squaredSigma) * min;
   }
   const auto unitOr = [](const Vec3& v, const Vec3& old) {
     const double size = length(v);
