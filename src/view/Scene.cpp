@@ -31,12 +31,14 @@ bool drawable(const TriangleMesh& mesh, std::span<const int> vertices) {
   });
 }
 
+constexpr unsigned noVertex = ~0U;
+constexpr float noNormal[3] = {0.0F, 0.0F, 0.0F};
+
 /// Three numbers of `normals` from 3i on.
 const float* normalAt(const std::vector<float>& normals, std::size_t i) {
-  static constexpr float none[3] = {0.0F, 0.0F, 0.0F};
-  if (normals.size() < 3 * i + 3) return none;
+  if (normals.size() < 3 * i + 3) return noNormal;
   const float* normal = normals.data() + 3 * i;
-  return finite(normal) ? normal : none;
+  return finite(normal) ? normal : noNormal;
 }
 
 std::vector<float> vertexNormals(const TriangleMesh& mesh) {
@@ -57,12 +59,21 @@ Batch indexedBatch(Primitive primitive, const TriangleMesh& mesh, std::vector<un
   return batch;
 }
 
-Batch indexedFaces(const TriangleMesh& mesh) {
-  std::vector<unsigned> indices;
-  indices.reserve(3 * static_cast<std::size_t>(mesh.faceCount));
+std::vector<int> drawableFaces(const TriangleMesh& mesh, int except = -1) {
+  std::vector<int> drawn;
+  drawn.reserve(static_cast<std::size_t>(mesh.faceCount));
   for (int f = 0; f < mesh.faceCount; ++f) {
+    if (f != except && drawable(mesh, mesh.corners(f))) drawn.push_back(f);
+  }
+  return drawn;
+}
+
+Batch indexedFaces(const TriangleMesh& mesh) {
+  const std::vector<int> drawn = drawableFaces(mesh);
+  std::vector<unsigned> indices;
+  indices.reserve(3 * drawn.size());
+  for (const int f : drawn) {
     const auto corners = mesh.corners(f);
-    if (!drawable(mesh, corners)) continue;
     for (const std::size_t j : polygonOrder) indices.push_back(static_cast<unsigned>(corners[j]));
   }
   return indexedBatch(Primitive::Triangles, mesh, std::move(indices));
@@ -71,19 +82,35 @@ Batch indexedFaces(const TriangleMesh& mesh) {
 }  // namespace
 
 Batch flatFaces(const TriangleMesh& mesh, int except) {
+  const std::vector<int> drawn = drawableFaces(mesh, except);
   Batch batch;
   batch.lit = true;
-  const std::size_t numbers = 9 * static_cast<std::size_t>(mesh.faceCount);
-  batch.positions.reserve(numbers);
-  batch.normals.reserve(numbers);
-  for (int f = 0; f < mesh.faceCount; ++f) {
-    if (f == except || !drawable(mesh, mesh.corners(f))) continue;
-    const float* normal = normalAt(mesh.faceNormals, static_cast<std::size_t>(f));
+  batch.flat = true;
+  batch.positions.reserve(3 * drawn.size());
+  batch.normals.reserve(3 * drawn.size());
+  batch.indices.reserve(3 * drawn.size());
+  std::vector<unsigned> copyOf(static_cast<std::size_t>(mesh.vertexCount), noVertex);
+  const auto addCopy = [&](int corner, const float* normal) {
+    copyOf[static_cast<std::size_t>(corner)] = static_cast<unsigned>(batch.vertexCount());
+    append(batch.positions, positionAt(mesh, corner));
+    append(batch.normals, normal);
+  };
+
+  // A flat triangle has the colour of its last vertex alone. So each face brings one vertex with
+  // its normal, and its other corners are any vertices in the same places: F vertices and a few
+  // more where 3F would be needed otherwise.
+  for (const int f : drawn) {
+    addCopy(mesh.corners(f)[polygonOrder[2]],
+            normalAt(mesh.faceNormals, static_cast<std::size_t>(f)));
+  }
+  unsigned own = 0;
+  for (const int f : drawn) {
     const auto corners = mesh.corners(f);
-    for (const std::size_t j : polygonOrder) {
-      append(batch.positions, positionAt(mesh, corners[j]));
-      append(batch.normals, normal);
+    for (const std::size_t j : {polygonOrder[0], polygonOrder[1]}) {
+      if (copyOf[static_cast<std::size_t>(corners[j])] == noVertex) addCopy(corners[j], noNormal);
+      batch.indices.push_back(copyOf[static_cast<std::size_t>(corners[j])]);
     }
+    batch.indices.push_back(own++);
   }
   return batch;
 }

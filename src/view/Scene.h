@@ -15,6 +15,7 @@ enum class Primitive { Points, Lines, Triangles };
 struct Batch {
   Primitive primitive = Primitive::Triangles;
   bool lit = false;               ///< by the lights and with `normals`; otherwise plain colours
+  bool flat = false;              ///< each triangle has the colour of its last vertex all over
   Colour colour;                  ///< of all vertices of an unlit batch without `colours`
   std::vector<float> positions;   ///< [3n]
   std::vector<float> normals;     ///< [3n] of a lit batch, otherwise empty

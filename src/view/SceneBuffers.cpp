@@ -135,6 +135,7 @@ void SceneBuffers::draw(const LoadedBatch& loaded) {
     glDisable(GL_LIGHTING);
     glColor3f(batch.colour.r, batch.colour.g, batch.colour.b);
   }
+  glShadeModel(batch.flat ? GL_FLAT : GL_SMOOTH);
   if (loaded.normals >= 0) {
     glEnableClientState(GL_NORMAL_ARRAY);
     glNormalPointer(GL_FLOAT, 0, offset(loaded.normals));

@@ -95,12 +95,39 @@ TEST(Scene, FacesOutsideTheMeshAreLeftOut) {
   EXPECT_EQ(drawnCounts(sceneOf(mesh, FlatShading)), std::vector<std::size_t>{0});
 }
 
-TEST(Scene, FlatShadingRepeatsTheFaceNormalAtEachCorner) {
-  const Scene scene = sceneOf(test::singleTriangle(), FlatShading);
-  ASSERT_EQ(scene.batches.size(), 1U);
-  EXPECT_TRUE(scene.batches[0].lit);
-  EXPECT_THAT(scene.batches[0].normals, ElementsAre(0, 0, 1, 0, 0, 1, 0, 0, 1));
-  EXPECT_EQ(scene.batches[0].vertexCount(), 3U);
+/// Three numbers of `numbers` from 3i on.
+Vec3 three(const std::vector<float>& numbers, unsigned i) {
+  return loadVec3(numbers.data() + 3 * static_cast<std::size_t>(i));
+}
+
+TEST(Scene, FlatShadingGivesEachFaceItsNormalThroughItsLastVertex) {
+  for (const auto& families : {test::closedMeshes(), test::openMeshes()}) {
+    for (const auto& [name, mesh] : families) {
+      SCOPED_TRACE(name);
+      const Scene scene = sceneOf(mesh, FlatShading);
+      ASSERT_EQ(scene.batches.size(), 1U);
+      const Batch& batch = scene.batches[0];
+      EXPECT_TRUE(batch.lit);
+      EXPECT_TRUE(batch.flat);
+      ASSERT_EQ(batch.drawnCount(), 3 * static_cast<std::size_t>(mesh.faceCount));
+      for (int f = 0; f < mesh.faceCount; ++f) {
+        const auto corners = mesh.corners(f);
+        const unsigned* drawn = batch.indices.data() + 3 * static_cast<std::size_t>(f);
+        // Turned round by one, as OpenGL turns a polygon's corners when it makes a triangle of it.
+        EXPECT_EQ(three(batch.positions, drawn[0]), mesh.position(corners[1]));
+        EXPECT_EQ(three(batch.positions, drawn[1]), mesh.position(corners[2]));
+        EXPECT_EQ(three(batch.positions, drawn[2]), mesh.position(corners[0]));
+        EXPECT_EQ(three(batch.normals, drawn[2]), mesh.faceNormal(f));
+      }
+    }
+  }
+}
+
+TEST(Scene, FlatShadingNeedsHardlyMoreVerticesThanFaces) {
+  const TriangleMesh mesh = test::torus(40, 30);
+  const Scene scene = sceneOf(mesh, FlatShading);
+  EXPECT_LE(scene.batches.at(0).vertexCount(),
+            static_cast<std::size_t>(mesh.faceCount + mesh.vertexCount));
 }
 
 TEST(Scene, ModeFourIsModeTwo) {
