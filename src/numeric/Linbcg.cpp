@@ -11,7 +11,6 @@
 #include "numeric/TextSink.h"
 
 namespace gravlin {
-
 namespace {
 
 using Vector = std::vector<double>;

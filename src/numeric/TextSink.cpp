@@ -4,7 +4,6 @@
 #include <utility>
 
 namespace gravlin {
-
 namespace {
 
 TextSink& sinkInUse() {

@@ -1,9 +1,49 @@
 #include "smoothing/MeshSmoother.h"
 
 #include "smoothing/AdaptiveSmoothing.h"
+#include "smoothing/BilaplacianFlow.h"
+#include "smoothing/ImplicitLaplacianFlow.h"
+#include "smoothing/ImplicitMeanCurvatureFlow.h"
+#include "smoothing/LaplacianFlow.h"
+#include "smoothing/MeanCurvatureFlow.h"
+#include "smoothing/MedianCurvatureFlow.h"
+#include "smoothing/Noise.h"
 #include "smoothing/NormalIntegration.h"
+#include "smoothing/TaubinSmoothing.h"
 
 namespace gravlin {
+
+// --- Explicit flows ---
+
+void MeshSmoother::laplacianFlow(int iterations, float step) {
+  if (mesh != nullptr) gravlin::laplacianFlow(*mesh, {iterations, step});
+}
+
+void MeshSmoother::meanCurvatureFlow(int iterations, float step) {
+  if (mesh != nullptr) gravlin::meanCurvatureFlow(*mesh, {iterations, step});
+}
+
+void MeshSmoother::medianCurvatureFlow(int iterations, float step) {
+  if (mesh != nullptr) gravlin::medianCurvatureFlow(*mesh, {iterations, step});
+}
+
+void MeshSmoother::taubinSmoothing(int iterations, float lambda, float k, int weighting) {
+  if (mesh != nullptr) gravlin::taubinSmoothing(*mesh, {iterations, lambda, k, weighting});
+}
+
+void MeshSmoother::bilaplacianFlow(int iterations, float step) {
+  if (mesh != nullptr) gravlin::bilaplacianFlow(*mesh, {iterations, step});
+}
+
+// --- Implicit flows ---
+
+ImplicitStep MeshSmoother::implicitLaplacianFlow(float step) {
+  return mesh == nullptr ? ImplicitStep{} : ImplicitLaplacianFlow(*mesh, step).step();
+}
+
+ImplicitStep MeshSmoother::implicitMeanCurvatureFlow(float step) {
+  return mesh == nullptr ? ImplicitStep{} : ImplicitMeanCurvatureFlow(*mesh, step).step();
+}
 
 // --- Adaptive smoothing ---
 
@@ -38,6 +78,12 @@ void MeshSmoother::integrateDerivative(double step) {
 
 void MeshSmoother::integrateDerivativeByArea(double step, double factor) {
   if (mesh != nullptr) gravlin::integrateDerivativeByArea(*mesh, step, factor);
+}
+
+// --- Noise ---
+
+void MeshSmoother::addNoise(float size) {
+  if (mesh != nullptr) gravlin::addNoise(*mesh, size);
 }
 
 }  // namespace gravlin

@@ -2,6 +2,7 @@
 
 #include "mesh/TriangleMesh.h"
 #include "smoothing/AdaptiveSmoothingParameters.h"
+#include "smoothing/ImplicitStep.h"
 #include "smoothing/NormalAveraging.h"
 
 namespace gravlin {
@@ -15,9 +16,19 @@ class MeshSmoother {
   /// owned.
   void attach(TriangleMesh* current) { mesh = current; }
 
-  // --- Explicit flows ---
+  // --- Explicit flows; a count of iterations below 1 is none ---
+  void laplacianFlow(int iterations, float step);
+  void meanCurvatureFlow(int iterations, float step);
+  void medianCurvatureFlow(int iterations, float step);
+  /// `weighting` is a TaubinWeighting.
+  void taubinSmoothing(int iterations, float lambda, float k, int weighting);
+  void bilaplacianFlow(int iterations, float step);
 
-  // --- Implicit flows ---
+  // --- Implicit flows, one time step per call ---
+  // A caller that makes several steps in a row has less work with the classes behind these, which
+  // keep what does not change from step to step.
+  ImplicitStep implicitLaplacianFlow(float step);
+  ImplicitStep implicitMeanCurvatureFlow(float step);
 
   // --- Adaptive smoothing ---
   void adaptiveSmoothing(int iterations, const AdaptiveSmoothingParameters& parameters);
@@ -30,6 +41,7 @@ class MeshSmoother {
   void integrateDerivativeByArea(double step, double factor);
 
   // --- Noise ---
+  void addNoise(float size);
 
  private:
   TriangleMesh* mesh = nullptr;

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <vector>
+
+#include "mesh/TriangleMesh.h"
+#include "numeric/Index.h"
+
+namespace gravlin {
+
+/// Moves the interior vertices of a mesh by simultaneous updates: every new position is computed
+/// from the positions at the start of the sweep, and only then do all of them take effect. Keeps
+/// its buffer, 3V floats, from sweep to sweep.
+class JacobiSweep {
+ public:
+  /// Requires buildAdjacency. The mesh must outlive the object, and nothing else may move its
+  /// vertices in the meantime.
+  explicit JacobiSweep(TriangleMesh& swept) : mesh(swept), moved(swept.vertices) {}
+
+  /// x_i += factor x displacement(i) for every interior vertex i, in double precision and rounded
+  /// when stored. Vertices of any other kind keep their bits. `displacement` maps a vertex index to
+  /// a Vec3 and must not change the mesh.
+  template <class Displacement>
+  void run(double factor, Displacement displacement) {
+    for (int i = 0; i < mesh.vertexCount; ++i) {
+      if (mesh.vertexKind[toIndex(i)] != InteriorVertex) continue;
+      const Vec3 target = mesh.position(i) + factor * displacement(i);
+      storeVec3(moved.data() + 3 * toIndex(i), target);
+    }
+    mesh.vertices.swap(moved);
+  }
+
+ private:
+  TriangleMesh& mesh;
+  std::vector<float> moved;  ///< both buffers hold the same bits for vertices that do not move
+};
+
+}  // namespace gravlin

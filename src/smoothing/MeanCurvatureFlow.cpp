@@ -1,0 +1,15 @@
+#include "smoothing/MeanCurvatureFlow.h"
+
+#include "smoothing/JacobiSweep.h"
+
+namespace gravlin {
+
+void meanCurvatureFlow(TriangleMesh& mesh, const FlowSteps& steps) {
+  if (steps.iterations < 1) return;
+  JacobiSweep sweep(mesh);
+  for (int iteration = 0; iteration < steps.iterations; ++iteration) {
+    sweep.run(-static_cast<double>(steps.step), [&](int i) { return mesh.meanCurvatureNormal(i); });
+  }
+}
+
+}  // namespace gravlin

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "mesh/TriangleMesh.h"
+#include "numeric/SparseMatrix.h"
+#include "smoothing/DenseLaplacians.h"
+#include "smoothing/ImplicitStep.h"
+#include "support/DenseMatrix.h"
+
+namespace gravlin::test {
+
+/// The matrix written out in full.
+inline DenseMatrix dense(const SparseMatrix& matrix, int n) {
+  DenseMatrix result(n);
+  for (int row = 0; row < n; ++row) {
+    const std::size_t i = static_cast<std::size_t>(row) + 1;
+    result.at(row, row) = matrix.sa[i];
+    for (int k = matrix.ija[i]; k < matrix.ija[i + 1]; ++k) {
+      const std::size_t at = static_cast<std::size_t>(k);
+      result.at(row, matrix.ija[at] - 1) += matrix.sa[at];
+    }
+  }
+  return result;
+}
+
+/// Columns of each row rise, stay within 1 .. n and leave out the diagonal; rows follow each other
+/// without gaps from position n + 2 on.
+inline void expectRowsInRisingOrder(const SparseMatrix& matrix, int n) {
+  ASSERT_EQ(matrix.ija[1], n + 2);
+  for (int row = 1; row <= n; ++row) {
+    const int begin = matrix.ija[static_cast<std::size_t>(row)];
+    const int end = matrix.ija[static_cast<std::size_t>(row) + 1];
+    ASSERT_LE(begin, end);
+    for (int k = begin; k < end; ++k) {
+      const int column = matrix.ija[static_cast<std::size_t>(k)];
+      EXPECT_NE(column, row);
+      EXPECT_GE(column, 1);
+      EXPECT_LE(column, n);
+      if (k > begin) {
+        EXPECT_LT(matrix.ija[static_cast<std::size_t>(k) - 1], column);
+      }
+    }
+  }
+}
+
+/// Leaves the passes of each coordinate in the test's record.
+inline void recordPasses(const std::string& mesh, const ImplicitStep& step) {
+  std::ostringstream passes;
+  passes << step.solves[0].iter << ' ' << step.solves[1].iter << ' ' << step.solves[2].iter;
+  std::string key = "passes " + mesh;
+  std::replace(key.begin(), key.end(), ' ', '_');
+  testing::Test::RecordProperty(key, passes.str());
+}
+
+struct SolvedStep {
+  const TriangleMesh& before;
+  const TriangleMesh& after;
+  const SparseMatrix& system;
+  double tolerance;
+};
+
+/// |before - A after| <= tolerance x |before| for each coordinate.
+inline void expectSolved(const SolvedStep& step) {
+  const DenseMatrix system = dense(step.system, step.before.vertexCount);
+  for (int axis = 0; axis < 3; ++axis) {
+    const std::vector<double> b = coordinates(step.before, axis);
+    const std::vector<double> product = system.times(coordinates(step.after, axis));
+    double residual = 0.0;
+    double size = 0.0;
+    for (std::size_t i = 0; i < b.size(); ++i) {
+      residual += (b[i] - product[i]) * (b[i] - product[i]);
+      size += b[i] * b[i];
+    }
+    // Positions are stored in single precision, which the matrix magnifies by up to its row sums.
+    EXPECT_LE(std::sqrt(residual), step.tolerance * std::sqrt(size) * 1.05 + 1e-6) << axis;
+  }
+}
+
+}  // namespace gravlin::test
