@@ -83,8 +83,9 @@ void CGravlinDoc::replaceMesh(std::unique_ptr<TriangleMesh> mesh) {
 
 void CGravlinDoc::keepUndoCopy() {
   undoMesh.reset();  // first, so that there are never three meshes at once
-  undoMesh = std::make_unique<TriangleMesh>();
-  undoMesh->copyGeometryFrom(*currentMesh);
+  auto copy = std::make_unique<TriangleMesh>();
+  copy->copyGeometryFrom(*currentMesh);
+  undoMesh = std::move(copy);  // only when complete: the copy may not fit in memory
   undoIsModified = std::exchange(modified, true);
 }
 

@@ -7,6 +7,7 @@
 
 #include "curvature/Strokes.h"
 #include "curvature/TensorSmoothing.h"
+#include "doc/Chunks.h"
 #include "doc/DisplayMode.h"
 #include "doc/Outside.h"
 #include "doc/ViewParameters.h"
@@ -14,6 +15,8 @@
 #include "mesh/TriangleMesh.h"
 #include "smoothing/AdaptiveSmoothingParameters.h"
 #include "smoothing/MeshSmoother.h"
+#include "smoothing/NoiseParameters.h"
+#include "smoothing/SmoothingParameters.h"
 
 namespace gravlin {
 
@@ -40,7 +43,9 @@ class CGravlinDoc {
 
   VisualizationParameters visualizationParameters;
   ViewAngleParameters viewAngleParameters;
+  SmoothingParameters smoothingParameters;
   AdaptiveSmoothingParameters adaptiveSmoothingParameters;
+  NoiseParameters noiseParameters;
   TensorSmoothingParameters tensorSmoothingParameters;
   SeedParameters seedParameters;
 
@@ -54,8 +59,10 @@ class CGravlinDoc {
   void OnFileOpen();
   void OnFileSaveAs();
   void OnEditUndo();
+  void OnSmoothingShape();
   void OnSmoothingShapeAdaptive();
   void OnSmoothingCurvatureTensor();
+  void OnSmoothingNoise();
   void OnEnhancement();
 
   // --- Visualization ---
@@ -121,6 +128,7 @@ class CGravlinDoc {
   void replaceMesh(std::unique_ptr<TriangleMesh> mesh);
   bool hasMeshToSave();  ///< shows a message when there is none
   void recompute();
+  void smoothShape(const Chunks& explicitChunks);
   void show(DisplayMode mode);
   void setLighting(LightingMode mode);
   void showDirections(DisplayMode mode);
