@@ -5,8 +5,10 @@
 #include <cmath>
 #include <cstdio>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "numeric/TextSink.h"
 
@@ -14,6 +16,9 @@ namespace gravlin {
 namespace {
 
 using Vector = std::vector<double>;
+
+constexpr std::string_view mismatchInProduct = "dsprsax: mismatched vector and matrix";
+constexpr std::string_view mismatchInTransposedProduct = "mismatched vector and matrix in dsprstx";
 
 /// The six work vectors of a solve: search directions, residuals and preconditioned residuals, each
 /// with its counterpart for the transposed system.
@@ -44,21 +49,67 @@ double innerProduct(std::span<const double> u, std::span<const double> v, std::s
   return sum;
 }
 
-/// p = z + bk p and pp = zz + bk pp.
-void turnDirections(WorkVectors& work, double bk, std::size_t n) {
-  for (std::size_t j = 1; j <= n; ++j) {
-    work.p[j] = bk * work.p[j] + work.z[j];
-    work.pp[j] = bk * work.pp[j] + work.zz[j];
+void checkOrder(std::span<const int> ija, int n, std::string_view message) {
+  if (ija[1] != n + 2) nrerror(message);
+}
+
+double preconditioned(double residual, double diagonal) {
+  return diagonal != 0.0 ? residual / diagonal : residual;
+}
+
+// The three sweeps of a pass. Each does at once what the textbook does in several, so that every
+// vector travels through memory as seldom as possible; every sum is formed in the textbook's order.
+
+/// p = bk p + z and pp = bk pp + zz, in the first pass p = z and pp = zz. Leaves diagonal x pp in
+/// zz, where the transposed product begins.
+void turnDirections(WorkVectors& work, std::span<const double> diagonal, std::optional<double> bk) {
+  for (std::size_t j = 1; j < work.p.size(); ++j) {
+    work.p[j] = bk ? *bk * work.p[j] + work.z[j] : work.z[j];
+    work.pp[j] = bk ? *bk * work.pp[j] + work.zz[j] : work.zz[j];
+    work.zz[j] = diagonal[j] * work.pp[j];
   }
 }
 
-/// x += ak p, r -= ak z and rr -= ak zz, where z = A p and zz = the transpose of A times pp.
-void advance(WorkVectors& work, std::span<double> x, double ak, std::size_t n) {
-  for (std::size_t j = 1; j <= n; ++j) {
+/// z = A p and zz = the transpose of A times pp in one walk through the matrix. Returns z . pp.
+double multiplyDirections(const SparseMatrix& matrix, int n, WorkVectors& work) {
+  checkOrder(matrix.ija, n, mismatchInProduct);
+  checkOrder(matrix.ija, n, mismatchInTransposedProduct);
+  double inner = 0.0;
+  for (std::size_t i = 1; i <= static_cast<std::size_t>(n); ++i) {
+    const double own = work.pp[i];
+    double sum = matrix.sa[i] * work.p[i];
+    const auto end = static_cast<std::size_t>(matrix.ija[i + 1]);
+    for (auto k = static_cast<std::size_t>(matrix.ija[i]); k < end; ++k) {
+      const auto column = static_cast<std::size_t>(matrix.ija[k]);
+      sum += matrix.sa[k] * work.p[column];
+      work.zz[column] += matrix.sa[k] * own;
+    }
+    work.z[i] = sum;
+    inner += sum * own;
+  }
+  return inner;
+}
+
+/// A move of x by ak p, and what the residuals come to behind it.
+struct Move {
+  double ak = 0.0;
+  double bknum = 0.0;     ///< z . rr
+  double squaredR = 0.0;  ///< r . r
+};
+
+/// x += ak p, r -= ak z and rr -= ak zz, then z and zz = r and rr preconditioned.
+Move advance(WorkVectors& work, std::span<const double> diagonal, std::span<double> x, double ak) {
+  Move move = {.ak = ak};
+  for (std::size_t j = 1; j < work.p.size(); ++j) {
     x[j] += ak * work.p[j];
     work.r[j] -= ak * work.z[j];
     work.rr[j] -= ak * work.zz[j];
+    work.z[j] = preconditioned(work.r[j], diagonal[j]);
+    work.zz[j] = preconditioned(work.rr[j], diagonal[j]);
+    move.bknum += work.z[j] * work.rr[j];
+    move.squaredR += work.r[j] * work.r[j];
   }
+  return move;
 }
 
 /// The error estimate that `itol` selects, and the norms it carries from pass to pass.
@@ -82,9 +133,9 @@ class StoppingTest {
 
   /// Sets err after x moved by ak p. False if the pass ends without a look at err: the step is
   /// then still too large, or the residual's change too small, for err to mean anything.
-  bool estimate(const WorkVectors& work, std::span<const double> x, double ak, double& err) {
+  bool estimate(const WorkVectors& work, std::span<const double> x, const Move& move, double& err) {
     if (itol == 1 || itol == 2) {
-      err = snrm(order, work.r, itol) / bnrm;
+      err = std::sqrt(move.squaredR) / bnrm;
       return true;
     }
     if (itol != 3 && itol != 4) {
@@ -94,7 +145,7 @@ class StoppingTest {
     const double zm1nrm = znrm;
     znrm = snrm(order, work.z, itol);
     if (std::abs(zm1nrm - znrm) > 1e-14 * znrm) {
-      const double dxnrm = std::abs(ak) * snrm(order, work.p, itol);
+      const double dxnrm = std::abs(move.ak) * snrm(order, work.p, itol);
       err = znrm / std::abs(zm1nrm - znrm) * dxnrm;
       const double xnrm = snrm(order, x, itol);
       if (err <= 0.5 * xnrm) {
@@ -133,25 +184,17 @@ LinbcgResult linbcg(const SparseMatrix& matrix, int n, std::span<const double> b
   if (subtractFrom(b, work.r, size)) return result;
   work.rr = work.r;
   StoppingTest test(matrix, n, b, work, settings.itol);
+  asolve(matrix, n, work.rr, work.zz, 1);
+  double bknum = innerProduct(work.z, work.rr, size);
 
-  double bkden = 1.0;
+  std::optional<double> bk;
   while (result.iter <= settings.itmax) {
     ++result.iter;
-    asolve(matrix, n, work.rr, work.zz, 1);
-    const double bknum = innerProduct(work.z, work.rr, size);
-    if (result.iter == 1) {
-      work.p = work.z;
-      work.pp = work.zz;
-    } else {
-      turnDirections(work, bknum / bkden, size);
-    }
-    bkden = bknum;
-    atimes(matrix, n, work.p, work.z, 0);
-    const double ak = bknum / innerProduct(work.z, work.pp, size);
-    atimes(matrix, n, work.pp, work.zz, 1);
-    advance(work, x, ak, size);
-    asolve(matrix, n, work.r, work.z, 0);
-    if (!test.estimate(work, x, ak, result.err)) continue;
+    turnDirections(work, matrix.sa, bk);
+    const double akden = multiplyDirections(matrix, n, work);
+    const Move move = advance(work, matrix.sa, x, bknum / akden);
+    bk = move.bknum / std::exchange(bknum, move.bknum);
+    if (!test.estimate(work, x, move, result.err)) continue;
     printPass(result);
     if (!(result.err > settings.tol)) break;
   }
@@ -169,9 +212,8 @@ void atimes(const SparseMatrix& matrix, int n, std::span<const double> x, std::s
 
 void asolve(const SparseMatrix& matrix, int n, std::span<const double> b, std::span<double> x,
             int /*transpose*/) {
-  const double* diagonal = matrix.sa.data();
   for (std::size_t i = 1; i <= static_cast<std::size_t>(n); ++i) {
-    x[i] = diagonal[i] != 0.0 ? b[i] / diagonal[i] : b[i];
+    x[i] = preconditioned(b[i], matrix.sa[i]);
   }
 }
 
@@ -188,7 +230,7 @@ double snrm(int n, std::span<const double> v, int itol) {
 
 void dsprsax(std::span<const double> sa, std::span<const int> ija, std::span<const double> x,
              std::span<double> b, int n) {
-  if (ija[1] != n + 2) nrerror("dsprsax: mismatched vector and matrix");
+  checkOrder(ija, n, mismatchInProduct);
   for (std::size_t i = 1; i <= static_cast<std::size_t>(n); ++i) {
     double sum = sa[i] * x[i];
     const auto end = static_cast<std::size_t>(ija[i + 1]);
@@ -201,7 +243,7 @@ void dsprsax(std::span<const double> sa, std::span<const int> ija, std::span<con
 
 void dsprstx(std::span<const double> sa, std::span<const int> ija, std::span<const double> x,
              std::span<double> b, int n) {
-  if (ija[1] != n + 2) nrerror("mismatched vector and matrix in dsprstx");
+  checkOrder(ija, n, mismatchInTransposedProduct);
   const auto size = static_cast<std::size_t>(n);
   for (std::size_t i = 1; i <= size; ++i) b[i] = sa[i] * x[i];
   for (std::size_t i = 1; i <= size; ++i) {

@@ -168,6 +168,67 @@ TEST_P(LinbcgItol, LeavesAnExactStartAloneAndPrintsNothing) {
   EXPECT_EQ(text.output + text.error, "");
 }
 
+/// The method step by step as textbooks give it, each step a loop of its own; for itol 1.
+LinbcgResult plainLinbcg(const SparseMatrix& matrix, int order, const std::vector<double>& b,
+                         std::vector<double>& x, const LinbcgSettings& settings) {
+  const auto n = static_cast<std::size_t>(order);
+  std::vector<double> p = dvector(n);
+  std::vector<double> pp = p;
+  std::vector<double> r = p;
+  std::vector<double> z = p;
+  std::vector<double> zz = p;
+  atimes(matrix, order, x, r, 0);
+  for (std::size_t j = 1; j <= n; ++j) r[j] = b[j] - r[j];
+  std::vector<double> rr = r;
+  asolve(matrix, order, r, z, 0);
+  double bkden = 1.0;
+  LinbcgResult result;
+  while (result.iter <= settings.itmax) {
+    ++result.iter;
+    asolve(matrix, order, rr, zz, 1);
+    double bknum = 0.0;
+    for (std::size_t j = 1; j <= n; ++j) bknum += z[j] * rr[j];
+    for (std::size_t j = 1; j <= n; ++j) {
+      p[j] = result.iter == 1 ? z[j] : bknum / bkden * p[j] + z[j];
+      pp[j] = result.iter == 1 ? zz[j] : bknum / bkden * pp[j] + zz[j];
+    }
+    bkden = bknum;
+    atimes(matrix, order, p, z, 0);
+    double akden = 0.0;
+    for (std::size_t j = 1; j <= n; ++j) akden += z[j] * pp[j];
+    const double ak = bknum / akden;
+    atimes(matrix, order, pp, zz, 1);
+    for (std::size_t j = 1; j <= n; ++j) x[j] += ak * p[j];
+    for (std::size_t j = 1; j <= n; ++j) r[j] -= ak * z[j];
+    for (std::size_t j = 1; j <= n; ++j) rr[j] -= ak * zz[j];
+    asolve(matrix, order, r, z, 0);
+    result.err = snrm(order, r, 1) / snrm(order, b, 1);
+    if (!(result.err > settings.tol)) break;
+  }
+  return result;
+}
+
+TEST(Linbcg, GivesTheBitsOfTheMethodTakenStepByStep) {
+  Random random(5);
+  for (int n = 1; n <= 40; ++n) {
+    for (const DenseMatrix& dense : {randomSymmetricMatrix(random, n), randomMatrix(random, n, 1.5),
+                                     matrixWithZeroDiagonals(random, n)}) {
+      const CapturedText text;
+      const SparseMatrix matrix = sparse(dense);
+      const std::vector<double> b = oneBased(randomVector(random, n));
+      const std::vector<double> start = oneBased(randomVector(random, n));
+      const LinbcgSettings settings = {.itol = 1, .tol = 1e-9, .itmax = 100};
+      std::vector<double> x = start;
+      std::vector<double> expected = start;
+      const LinbcgResult result = linbcg(matrix, n, b, x, settings);
+      const LinbcgResult plain = plainLinbcg(matrix, n, b, expected, settings);
+      EXPECT_EQ(result.iter, plain.iter);
+      EXPECT_EQ(result.err, plain.err);
+      for (std::size_t j = 1; j <= static_cast<std::size_t>(n); ++j) EXPECT_EQ(x[j], expected[j]);
+    }
+  }
+}
+
 TEST(Linbcg, PrintsEveryPass) {
   const CapturedText text;
   const Solution found = solveTwoByTwo(1);
