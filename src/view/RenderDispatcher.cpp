@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "view/CurvatureScenes.h"
+
 namespace gravlin {
 namespace {
 
@@ -87,31 +89,31 @@ constexpr ModeRow modeTable[] = {
     {FlatShading, flatSurface},
     {WireFrame, wireFrame},
     {FlatShadingAlso, flatSurface},
-    {DirectionMax, flatSurface},
+    {DirectionMax, maxDirections},
     {RidgeVertices, flatSurface},
     {RidgeDirections, flatSurface},
     {RidgeMeshEdges, flatSurface},
-    {CurvatureMax, flatSurface},
+    {CurvatureMax, vertexField},
     {WeightedRidgeLines, flatSurface},
     {FeatureLines, flatSurface},
     {CreaseLines, flatSurface},
-    {TensorMax, flatSurface},
-    {TensorMin, flatSurface},
-    {DirectionMin, flatSurface},
-    {CurvatureTotal, flatSurface},
-    {CurvatureMean, flatSurface},
-    {CurvatureGauss, flatSurface},
-    {CurvatureMin, flatSurface},
+    {TensorMax, maxTensors},
+    {TensorMin, minTensors},
+    {DirectionMin, minDirections},
+    {CurvatureTotal, vertexField},
+    {CurvatureMean, vertexField},
+    {CurvatureGauss, vertexField},
+    {CurvatureMin, vertexField},
     {NonManifoldPoints, nonManifoldPoints},
-    {EdgeCurvature, flatSurface},
+    {EdgeCurvature, edgeField},
     {Silhouette, flatSurface},
-    {StrokeMax, flatSurface},
-    {StrokeMin, flatSurface},
+    {StrokeMax, maxStrokes},
+    {StrokeMin, minStrokes},
     {Points, allPoints},
-    {VertexError, flatSurface},
-    {FaceError, flatSurface},
+    {VertexError, vertexField},
+    {FaceError, faceField},
     {PickedFace, pickedFace},
-    {FaceValues, flatSurface},
+    {FaceValues, meanEdgeCurvature},
 };
 
 }  // namespace

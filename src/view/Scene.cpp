@@ -132,13 +132,46 @@ Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour) {
 Batch scalarFaces(const TriangleMesh& mesh, std::span<const double> values, bool grayScale) {
   Batch batch = indexedFaces(mesh);
   if (values.size() != batch.vertexCount()) return {};
-  Spread spread = spreadOf(values);
-  spread.deviation = static_cast<float>(spread.deviation);
+  const FieldColours colours(values, grayScale);
   batch.colours.reserve(3 * batch.vertexCount());
-  for (const double value : values) {
-    const double t = scalePlace(value, spread);
-    const Colour colour = grayScale ? scaleGrey(t) : scaleColour(t);
-    batch.colours.insert(batch.colours.end(), {colour.r, colour.g, colour.b});
+  for (const double value : values) addColour(batch, colours[value]);
+  return batch;
+}
+
+Batch faceScalarFaces(const TriangleMesh& mesh, std::span<const double> values, bool grayScale) {
+  if (values.size() != static_cast<std::size_t>(mesh.faceCount)) return {};
+  const FieldColours colours(values, grayScale);
+  Batch batch;
+  batch.positions.reserve(9 * values.size());
+  batch.colours.reserve(9 * values.size());
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    const auto corners = mesh.corners(f);
+    if (!drawable(mesh, corners)) continue;
+    const Colour colour = colours[values[static_cast<std::size_t>(f)]];
+    for (const std::size_t j : polygonOrder) {
+      append(batch.positions, positionAt(mesh, corners[j]));
+      addColour(batch, colour);
+    }
+  }
+  return batch;
+}
+
+Batch edgeScalarLines(const TriangleMesh& mesh, std::span<const double> values, bool grayScale) {
+  if (values.size() != mesh.faces.size()) return {};
+  const FieldColours colours(values, grayScale);
+  const bool knowsNeighbours = mesh.faceAdjacency.size() == mesh.faces.size();
+  Batch batch = plainBatch(Primitive::Lines, {});
+  for (std::size_t edge = 0; edge < values.size(); ++edge) {
+    const int f = static_cast<int>(edge / 3);
+    // Both faces hold the same value; the one with the larger index draws it.
+    if (knowsNeighbours && mesh.faceAdjacency[edge] > f) continue;
+    const auto corners = mesh.corners(f);
+    const std::array<int, 2> ends = {corners[edge % 3], corners[(edge + 1) % 3]};
+    if (!drawable(mesh, ends)) continue;
+    for (const int end : ends) {
+      append(batch.positions, positionAt(mesh, end));
+      addColour(batch, colours[values[edge]]);
+    }
   }
   return batch;
 }
@@ -158,6 +191,20 @@ Batch faceEdges(const TriangleMesh& mesh, const Colour& colour) {
   Batch batch = indexedBatch(Primitive::Lines, mesh, std::move(indices));
   batch.colour = colour;
   return batch;
+}
+
+FieldColours::FieldColours(std::span<const double> values, bool useGrayScale)
+    : spread(spreadOf(values)), grayScale(useGrayScale) {
+  spread.deviation = static_cast<float>(spread.deviation);
+}
+
+Colour FieldColours::operator[](double value) const {
+  const double t = scalePlace(value, spread);
+  return grayScale ? scaleGrey(t) : scaleColour(t);
+}
+
+void addColour(Batch& batch, const Colour& colour) {
+  batch.colours.insert(batch.colours.end(), {colour.r, colour.g, colour.b});
 }
 
 Batch plainBatch(Primitive primitive, const Colour& colour) {

@@ -52,9 +52,28 @@ Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour);
 /// Unlit triangles with a colour per corner: that of the vertex's place among all `values` [V], in
 /// colour or in grey. Nothing when there is not one value per vertex.
 Batch scalarFaces(const TriangleMesh& mesh, std::span<const double> values, bool grayScale);
+/// Unlit triangles of one colour each: that of the face's place among all `values` [F]. Nothing when
+/// there is not one value per face.
+Batch faceScalarFaces(const TriangleMesh& mesh, std::span<const double> values, bool grayScale);
+/// The edges of the faces in the colours of their places among all `values` [3F], numbered as
+/// `faceAdjacency`; an edge between two faces once. Nothing when there are not three values per
+/// face.
+Batch edgeScalarLines(const TriangleMesh& mesh, std::span<const double> values, bool grayScale);
 /// The edges of the faces, each edge a-b once: where it runs from a higher to a lower index. So a
 /// boundary edge is left out when its face has it the other way round.
 Batch faceEdges(const TriangleMesh& mesh, const Colour& colour);
+
+/// The colour scale, or the grey scale, laid over a field of values.
+class FieldColours {
+ public:
+  FieldColours(std::span<const double> values, bool useGrayScale);
+  Colour operator[](double value) const;
+
+ private:
+  Spread spread;
+  bool grayScale;
+};
+void addColour(Batch& batch, const Colour& colour);
 
 /// Unlit points, lines or triangles of one colour, to be filled.
 Batch plainBatch(Primitive primitive, const Colour& colour);

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <GL/glu.h>
 
+#include "ImmediateCurvature.h"
+
 namespace gravlin::test {
 namespace {
 
@@ -184,6 +186,7 @@ void drawPickedFace(const TriangleMesh& mesh) {
 void drawMode(const CGravlinDoc& document, const ViewState& view) {
   if (document.currentMesh == nullptr) return;
   const TriangleMesh& mesh = *document.currentMesh;
+  if (drawCurvatureImmediately(document, view.camera.fieldOfView)) return;
   switch (document.displayMode) {
     case 0:
     case 9:

@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <limits>
 
+#include "ImmediateCurvature.h"
 #include "ImmediateMode.h"
 #include "support/Allocations.h"
 #include "support/ImageComparison.h"
@@ -59,6 +60,7 @@ class RendererTest : public ::testing::Test {
 TEST_F(RendererTest, EveryModeDrawsThePixelsOfImmediateMode) {
   offscreen.show(test::cutSphere(), FlatShading);
   offscreen.document.currentMesh->pickedFace = 1000;
+  test::computeAllCurvature(offscreen.document);
   const ViewAngles turns[] = {{0, 0, 0}, {10, -25, 40}, {-80, 170, -3}};
   for (int mode = 0; mode <= 31; ++mode) {
     offscreen.show(mode);
@@ -70,6 +72,21 @@ TEST_F(RendererTest, EveryModeDrawsThePixelsOfImmediateMode) {
           test::drawImmediately(offscreen.document, offscreen.view, offscreen.target.size);
       EXPECT_EQ(test::differentPixels(drawn, expected), 0);
     }
+  }
+}
+
+TEST_F(RendererTest, FieldsInGreyDrawThePixelsOfImmediateMode) {
+  offscreen.show(test::bumpySphere(), FlatShading);
+  test::computeAllCurvature(offscreen.document);
+  offscreen.document.visualizationParameters.grayScale = true;
+  for (const int mode : {CurvatureMax, CurvatureMin, CurvatureMean, CurvatureGauss, CurvatureTotal,
+                         EdgeCurvature, VertexError, FaceError, FaceValues}) {
+    SCOPED_TRACE("mode " + std::to_string(mode));
+    offscreen.show(mode);
+    const Image drawn = drawWithoutCorner();
+    const Image expected =
+        test::drawImmediately(offscreen.document, offscreen.view, offscreen.target.size);
+    EXPECT_EQ(test::differentPixels(drawn, expected), 0);
   }
 }
 
