@@ -86,8 +86,9 @@ Batch flatFaces(const TriangleMesh& mesh, int except) {
   Batch batch;
   batch.lit = true;
   batch.flat = true;
-  batch.positions.reserve(3 * drawn.size());
-  batch.normals.reserve(3 * drawn.size());
+  const std::size_t most = drawn.size() + static_cast<std::size_t>(mesh.vertexCount);
+  batch.positions.reserve(3 * most);
+  batch.normals.reserve(3 * most);
   batch.indices.reserve(3 * drawn.size());
   std::vector<unsigned> copyOf(static_cast<std::size_t>(mesh.vertexCount), noVertex);
   const auto addCopy = [&](int corner, const float* normal) {
