@@ -10,7 +10,7 @@ namespace {
 
 // Drivers allocate on threads of their own.
 std::atomic<std::size_t> count = 0;
-std::atomic<std::size_t> limit = std::numeric_limits<std::size_t>::max();
+thread_local std::size_t limit = std::numeric_limits<std::size_t>::max();
 
 void* allocate(std::size_t size) noexcept {
   ++count;

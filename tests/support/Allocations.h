@@ -9,8 +9,8 @@ namespace gravlin::test {
 /// Number of calls of operator new so far.
 std::size_t allocationCount();
 
-/// While it lives, operator new refuses whatever is larger than `largest` bytes, as if memory had
-/// run out.
+/// While it lives, operator new refuses this thread whatever is larger than `largest` bytes, as if
+/// memory had run out. A driver that compiles meanwhile may not survive it: draw once before.
 class AllocationLimit {
  public:
   explicit AllocationLimit(std::size_t largest);
