@@ -73,12 +73,12 @@ Scene tensors(const TriangleMesh& mesh, const std::vector<double>& field,
               const std::vector<double>& curvature) {
   if (!isThere(field, mesh)) return flatSurface(mesh);
   const FieldColours colours(curvature, false);
-  return inFrontOfSurface(
-      glyphs(mesh, field,
-             [&](Batch& batch, int i) {
-               addColour(batch, colours[curvature[static_cast<std::size_t>(i)]]);
-             }),
-      mesh);
+  return inFrontOfSurface(glyphs(mesh, field,
+                                 [&](Batch& batch, int i) {
+                                   addColour(batch,
+                                             colours[curvature[static_cast<std::size_t>(i)]]);
+                                 }),
+                          mesh);
 }
 
 // --- Strokes ---

@@ -52,8 +52,8 @@ Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour);
 /// Unlit triangles with a colour per corner: that of the vertex's place among all `values` [V], in
 /// colour or in grey. Nothing when there is not one value per vertex.
 Batch scalarFaces(const TriangleMesh& mesh, std::span<const double> values, bool grayScale);
-/// Unlit triangles of one colour each: that of the face's place among all `values` [F]. Nothing when
-/// there is not one value per face.
+/// Unlit triangles of one colour each: that of the face's place among all `values` [F]. Nothing
+/// when there is not one value per face.
 Batch faceScalarFaces(const TriangleMesh& mesh, std::span<const double> values, bool grayScale);
 /// The edges of the faces in the colours of their places among all `values` [3F], numbered as
 /// `faceAdjacency`; an edge between two faces once. Nothing when there are not three values per

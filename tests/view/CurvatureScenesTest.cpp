@@ -1,5 +1,3 @@
-#include "view/CurvatureScenes.h"
-
 #include <algorithm>
 #include <cmath>
 #include <gmock/gmock.h>
@@ -7,9 +5,10 @@
 #include <limits>
 
 #include "ImmediateCurvature.h"
-#include "support/MeshFields.h"
 #include "support/Meshes.h"
+#include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
+#include "view/CurvatureScenes.h"
 #include "view/RenderDispatcher.h"
 
 namespace gravlin {
@@ -20,10 +19,10 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-constexpr int curvatureModes[] = {
-    DirectionMax, DirectionMin,  TensorMax,     TensorMin, CurvatureMax, CurvatureMin,
-    CurvatureMean, CurvatureGauss, CurvatureTotal, EdgeCurvature, StrokeMax,   StrokeMin,
-    VertexError,  FaceError,     FaceValues};
+constexpr int curvatureModes[] = {DirectionMax,   DirectionMin,  TensorMax,     TensorMin,
+                                  CurvatureMax,   CurvatureMin,  CurvatureMean, CurvatureGauss,
+                                  CurvatureTotal, EdgeCurvature, StrokeMax,     StrokeMin,
+                                  VertexError,    FaceError,     FaceValues};
 
 class CurvatureScenes : public ::testing::Test {
  protected:
@@ -101,7 +100,8 @@ TEST_F(CurvatureScenes, TensorsHaveTheColourOfTheirCurvatureAlsoWithGrayScale) {
   for (const int mode : {TensorMax, TensorMin}) {
     const std::vector<float> colours = scene(mode).batches.at(0).colours;
     ASSERT_THAT(colours, SizeIs(18));
-    // The middle value is the mean; the others lie 1.22 deviations beside it, in places -1.84, 1.84.
+    // The middle value is the mean; the others lie 1.22 deviations beside it, in places
+    // -1.84, 1.84.
     EXPECT_THAT(std::vector<float>(colours.begin() + 6, colours.begin() + 9),
                 ElementsAre(::testing::FloatEq(0.49999998F), 1.0F, 0.0F));
     const std::size_t low = mode == TensorMax ? 0 : 12;
@@ -149,9 +149,9 @@ TEST_F(CurvatureScenes, FaceValuesAreMeansOfThreeEdges) {
 
 TEST_F(CurvatureScenes, StrokesBreakWhereTheirFacesAreGone) {
   load(test::twoTriangles());
-  mesh().strokes.maxStrokes = {{{0, 0.1, 0.1}, {0, 0.2, 0.1}, {7, 0.1, 0.1}, {1, 0.1, 0.1},
-                                {1, 0.2, 0.1}, {-1, 0.2, 0.1}},
-                               {{0, 0.5, 0.1}}};
+  mesh().strokes.maxStrokes = {
+      {{0, 0.1, 0.1}, {0, 0.2, 0.1}, {7, 0.1, 0.1}, {1, 0.1, 0.1}, {1, 0.2, 0.1}, {-1, 0.2, 0.1}},
+      {{0, 0.5, 0.1}}};
   mesh().strokes.minStrokes = {{{7, 0.1, 0.1}}};
   EXPECT_THAT(scene(StrokeMax).batches.at(0).indices, ElementsAre(0, 1, 2, 3));
   EXPECT_THAT(scene(StrokeMin).batches.at(0).positions, IsEmpty());
