@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "mesh/NumberText.h"
+#include "numeric/Index.h"
 
 namespace gravlin {
 namespace {
@@ -37,23 +38,13 @@ class NumberWriter {
   char* out = buffer.data();
 };
 
-/// Per vertex its index among the used ones, -1 for an unused one.
-std::vector<int> indicesAmongUsed(const TriangleMesh& mesh) {
-  std::vector<int> indices(static_cast<std::size_t>(mesh.vertexCount), -1);
-  int next = 0;
-  for (int i = 0; i < mesh.vertexCount; ++i) {
-    if (mesh.neighbourCount(i) != 0) indices[static_cast<std::size_t>(i)] = next++;
-  }
-  return indices;
-}
-
 void writeGeometry(NumberWriter& writer, const TriangleMesh& mesh,
                    const std::vector<int>& newIndices) {
   writer.put(mesh.countUsedVertices(), '\n');
   writer.put(mesh.countValidFaces(), '\n');
   for (int i = 0; i < mesh.vertexCount; ++i) {
     if (mesh.neighbourCount(i) == 0) continue;
-    const float* p = mesh.vertices.data() + 3 * static_cast<std::size_t>(i);
+    const float* p = mesh.vertices.data() + 3 * toIndex(i);
     writer.put(p[0], ' ');
     writer.put(p[1], ' ');
     writer.put(p[2], '\n');
@@ -62,9 +53,9 @@ void writeGeometry(NumberWriter& writer, const TriangleMesh& mesh,
     if (!mesh.validFace(f)) continue;
     const auto c = mesh.corners(f);
     writer.put(3, ' ');
-    writer.put(newIndices[static_cast<std::size_t>(c[0])], ' ');
-    writer.put(newIndices[static_cast<std::size_t>(c[1])], ' ');
-    writer.put(newIndices[static_cast<std::size_t>(c[2])], '\n');
+    writer.put(newIndices[toIndex(c[0])], ' ');
+    writer.put(newIndices[toIndex(c[1])], ' ');
+    writer.put(newIndices[toIndex(c[2])], '\n');
   }
 }
 
@@ -94,7 +85,7 @@ std::string writeMesh(const MeshFile& file, const TriangleMesh& mesh) {
   if (file.extension != "ply2" && !withMarks) {
     return "the extension \"" + file.extension + "\" has no writer, so the file is empty";
   }
-  const std::vector<int> newIndices = indicesAmongUsed(mesh);
+  const std::vector<int> newIndices = mesh.usedVertexIndices();
   NumberWriter writer(file.stream);
   writeGeometry(writer, mesh, newIndices);
   if (withMarks) writeMarks(writer, mesh, newIndices);

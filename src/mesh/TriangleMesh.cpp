@@ -19,6 +19,48 @@ Vec3 boxCentre(const std::array<float, 3>& boxMin, const std::array<float, 3>& b
   return 0.5 * (loadVec3(boxMin.data()) + loadVec3(boxMax.data()));
 }
 
+/// A few vectors by coordinate, so that their square roots and divisions run side by side.
+struct VectorBlock {
+  static constexpr int capacity = 64;
+  std::array<double, capacity> x;
+  std::array<double, capacity> y;
+  std::array<double, capacity> z;
+
+  void set(int k, const Vec3& a) {
+    x[toIndex(k)] = a.x;
+    y[toIndex(k)] = a.y;
+    z[toIndex(k)] = a.z;
+  }
+
+  /// Divides every vector by its length; vectors of length 0 become 0.
+  void normalize() {
+    for (std::size_t k = 0; k < capacity; ++k) {
+      const double size = std::sqrt(x[k] * x[k] + y[k] * y[k] + z[k] * z[k]);
+      x[k] = size == 0.0 ? 0.0 : x[k] / size;
+      y[k] = size == 0.0 ? 0.0 : y[k] / size;
+      z[k] = size == 0.0 ? 0.0 : z[k] / size;
+    }
+  }
+};
+
+/// Fills `normals` with the unit vectors of direction(0) .. direction(count - 1).
+template <class Direction>
+void storeUnits(std::vector<float>& normals, int count, Direction direction) {
+  normals.resize(3 * toIndex(count));
+  VectorBlock block = {};
+  for (int first = 0; first < count; first += VectorBlock::capacity) {
+    const int size = std::min(count - first, VectorBlock::capacity);
+    for (int k = 0; k < size; ++k) block.set(k, direction(first + k));
+    block.normalize();
+    float* out = normals.data() + 3 * toIndex(first);
+    for (std::size_t k = 0; k < toIndex(size); ++k) {
+      *out++ = static_cast<float>(block.x[k]);
+      *out++ = static_cast<float>(block.y[k]);
+      *out++ = static_cast<float>(block.z[k]);
+    }
+  }
+}
+
 void makeUnusableFacesInvalid(std::vector<int>& faces, int vertexCount) {
   const auto usable = [vertexCount](int corner) { return corner >= 0 && corner < vertexCount; };
   for (std::size_t c = 0; c < faces.size(); c += 3) {
@@ -34,15 +76,19 @@ void makeUnusableFacesInvalid(std::vector<int>& faces, int vertexCount) {
 CompressedRows incidentFaces(const std::vector<int>& faces, int vertexCount) {
   CompressedRows rows;
   rows.offsets.assign(toIndex(vertexCount) + 1, 0);
-  for (const int corner : faces) {
-    if (corner >= 0) ++rows.offsets[toIndex(corner)];
+  for (std::size_t c = 0; c < faces.size(); c += 3) {
+    if (faces[c] < 0) continue;
+    for (std::size_t k = 0; k < 3; ++k) ++rows.offsets[toIndex(faces[c + k])];
   }
   std::partial_sum(rows.offsets.begin(), rows.offsets.end(), rows.offsets.begin());
   rows.items.resize(toIndex(rows.offsets.back()));
   // Each offset is now the end of its row; filling from the last face down leaves the beginning.
-  for (std::size_t c = faces.size(); c-- > 0;) {
-    if (faces[c] < 0) continue;
-    rows.items[toIndex(--rows.offsets[toIndex(faces[c])])] = static_cast<int>(c / 3);
+  for (std::size_t f = faces.size() / 3; f-- > 0;) {
+    const int* c = faces.data() + 3 * f;
+    if (c[0] < 0) continue;
+    for (std::size_t k = 0; k < 3; ++k) {
+      rows.items[toIndex(--rows.offsets[toIndex(c[k])])] = static_cast<int>(f);
+    }
   }
   return rows;
 }
@@ -173,6 +219,15 @@ int TriangleMesh::countUsedVertices() const {
   return used;
 }
 
+std::vector<int> TriangleMesh::usedVertexIndices() const {
+  std::vector<int> indices(toIndex(vertexCount), -1);
+  int next = 0;
+  for (int i = 0; i < vertexCount; ++i) {
+    if (neighbourCount(i) != 0) indices[toIndex(i)] = next++;
+  }
+  return indices;
+}
+
 int TriangleMesh::countValidFaces() const {
   int valid = 0;
   for (std::size_t c = 0; c < faces.size(); c += 3) valid += faces[c] != -1 ? 1 : 0;
@@ -182,14 +237,12 @@ int TriangleMesh::countValidFaces() const {
 // --- Normals and operators ---
 
 void TriangleMesh::computeFaceNormals() {
-  faceNormals.assign(faces.size(), 0.0F);
-  for (int f = 0; f < faceCount; ++f) {
-    if (!validFace(f)) continue;
+  storeUnits(faceNormals, faceCount, [this](int f) {
+    if (!validFace(f)) return Vec3{};
     const auto c = corners(f);
     const Vec3 a = position(c[0]);
-    const Vec3 normal = cross(position(c[1]) - a, position(c[2]) - a);
-    storeVec3(faceNormals.data() + 3 * toIndex(f), unitOrZero(normal));
-  }
+    return cross(position(c[1]) - a, position(c[2]) - a);
+  });
 }
 
 void TriangleMesh::computeVertexNormals() {
@@ -201,10 +254,7 @@ void TriangleMesh::computeVertexNormals() {
     const Vec3 normal = cross(a - position(c[1]), a - position(c[2]));
     for (const int corner : c) sums[toIndex(corner)] += normal;
   }
-  vertexNormals.resize(vertices.size());
-  for (std::size_t i = 0; i < sums.size(); ++i) {
-    storeVec3(vertexNormals.data() + 3 * i, unitOrZero(sums[i]));
-  }
+  storeUnits(vertexNormals, vertexCount, [&sums](int i) { return sums[toIndex(i)]; });
 }
 
 Vec3 TriangleMesh::meanCurvatureNormal(int i) const {
@@ -244,14 +294,11 @@ TriangleMesh TriangleMesh::compactCopy() const {
   copy.setVertexCount(countUsedVertices());
   copy.setFaceCount(countValidFaces());
 
-  std::vector<int> newIndex(toIndex(vertexCount), -1);
-  int nextVertex = 0;
+  const std::vector<int> newIndex = usedVertexIndices();
   for (int i = 0; i < vertexCount; ++i) {
-    if (neighbourCount(i) == 0) continue;
-    newIndex[toIndex(i)] = nextVertex;
-    std::copy_n(vertices.data() + 3 * toIndex(i), 3,
-                copy.vertices.data() + 3 * toIndex(nextVertex));
-    ++nextVertex;
+    const int target = newIndex[toIndex(i)];
+    if (target < 0) continue;
+    std::copy_n(vertices.data() + 3 * toIndex(i), 3, copy.vertices.data() + 3 * toIndex(target));
   }
   int nextFace = 0;
   for (int f = 0; f < faceCount; ++f) {

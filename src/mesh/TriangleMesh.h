@@ -113,6 +113,8 @@ class TriangleMesh {
   std::span<const int> getNeighbours(int i) const { return vertexNeighbours[i]; }
   /// Number of vertices with a non-empty ring.
   int countUsedVertices() const;
+  /// Per vertex its index among those with a non-empty ring, or -1: how copies and files renumber.
+  std::vector<int> usedVertexIndices() const;
   /// Number of faces whose first index is not -1.
   int countValidFaces() const;
   bool validFace(int f) const { return faces[3 * static_cast<std::size_t>(f)] >= 0; }

@@ -1,13 +1,17 @@
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <map>
 #include <numbers>
+#include <random>
 #include <set>
 #include <utility>
 
+#include "mesh/RingDefinition.h"
 #include "mesh/TriangleMesh.h"
 #include "support/Meshes.h"
 
@@ -233,6 +237,162 @@ TEST(TriangleMesh, AnApexOfAHundredThousandFacesIsInterior) {
   EXPECT_EQ(mesh.faceAdjacency[2], n - 1);
 }
 
+TEST(TriangleMesh, AHundredThousandFacesOnOneEdgeAreNonManifoldAndBuildWithoutAWait) {
+  constexpr int n = 100000;
+  TriangleMesh mesh;
+  mesh.setVertexCount(n + 2);
+  mesh.setFaceCount(n);
+  for (int k = 0; k < n; ++k) mesh.setFace(k, std::array{0, 1, k + 2});
+  mesh.buildAdjacency();
+  mesh.buildFaceAdjacency();
+  EXPECT_EQ(mesh.vertexKind[0], NonManifoldVertex);
+  EXPECT_EQ(mesh.neighbourCount(0), 2 * n);
+  EXPECT_THAT(mesh.faceAdjacency, Each(-1));
+}
+
+/// Everything that the two building steps make, found from the definitions alone.
+struct Topology {
+  std::vector<int> faces;
+  std::vector<std::vector<int>> neighbours;
+  std::vector<std::vector<int>> incident;
+  std::vector<int> kinds;
+  std::vector<int> faceAdjacency;
+};
+
+void invalidateByDefinition(std::vector<int>& faces, int vertexCount) {
+  for (std::size_t f = 0; f < faces.size(); f += 3) {
+    for (std::size_t k = 0; k < 3; ++k) {
+      const int corner = faces[f + k];
+      if (corner < 0 || corner >= vertexCount || corner == faces[f + (k + 1) % 3]) {
+        faces[f] = faces[f + 1] = faces[f + 2] = -1;
+      }
+    }
+  }
+}
+
+void buildRingByDefinition(Topology& topology, int i) {
+  std::vector<Wedge> ring;
+  for (std::size_t c = 0; c < topology.faces.size(); ++c) {
+    if (topology.faces[c] != i) continue;
+    const std::size_t f = c / 3;
+    ring.push_back({topology.faces[3 * f + (c + 1) % 3], topology.faces[3 * f + (c + 2) % 3],
+                    static_cast<int>(f)});
+  }
+  const VertexKind kind = test::orderByDefinition(ring);
+  std::vector<int> neighbours;
+  std::vector<int> incident;
+  for (const Wedge& wedge : ring) {
+    neighbours.push_back(wedge.next);
+    if (kind == NonManifoldVertex) neighbours.push_back(wedge.prev);
+    incident.push_back(wedge.face);
+  }
+  if (kind == BoundaryVertex) neighbours.push_back(ring.back().prev);
+  topology.neighbours.push_back(neighbours);
+  topology.incident.push_back(incident);
+  topology.kinds.push_back(kind);
+}
+
+void linkFacesByDefinition(Topology& topology, int i) {
+  const auto& neighbours = topology.neighbours[static_cast<std::size_t>(i)];
+  const auto& incident = topology.incident[static_cast<std::size_t>(i)];
+  const int kind = topology.kinds[static_cast<std::size_t>(i)];
+  if (kind == NonManifoldVertex) return;
+  const std::size_t n = incident.size();
+  for (std::size_t k = 0; k < (kind == InteriorVertex ? n : n - 1); ++k) {
+    const auto f = static_cast<std::size_t>(incident[k]);
+    const auto g = static_cast<std::size_t>(incident[(k + 1) % n]);
+    const int* cf = topology.faces.data() + 3 * f;
+    const int* cg = topology.faces.data() + 3 * g;
+    const std::size_t entry = cf[0] == i ? 2 : (cf[1] == i ? 0 : 1);
+    topology.faceAdjacency[3 * f + entry] = static_cast<int>(g);
+    const int shared = neighbours[(k + 1) % n];
+    if (topology.kinds[static_cast<std::size_t>(shared)] != NonManifoldVertex) continue;
+    const std::size_t reverse = cg[0] == i ? 0 : (cg[1] == i ? 1 : 2);
+    topology.faceAdjacency[3 * g + reverse] = static_cast<int>(f);
+  }
+}
+
+Topology topologyByDefinition(std::vector<int> faces, int vertexCount) {
+  invalidateByDefinition(faces, vertexCount);
+  Topology topology;
+  topology.faces = std::move(faces);
+  for (int i = 0; i < vertexCount; ++i) buildRingByDefinition(topology, i);
+  topology.faceAdjacency.assign(topology.faces.size(), -1);
+  for (int i = 0; i < vertexCount; ++i) linkFacesByDefinition(topology, i);
+  return topology;
+}
+
+Topology topologyOf(const TriangleMesh& mesh) {
+  Topology topology;
+  topology.faces = mesh.faces;
+  topology.kinds = mesh.vertexKind;
+  topology.faceAdjacency = mesh.faceAdjacency;
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    const auto neighbours = mesh.getNeighbours(i);
+    topology.neighbours.emplace_back(neighbours.begin(), neighbours.end());
+    const auto incident = mesh.vertexFaces[i];
+    topology.incident.emplace_back(incident.begin(), incident.end());
+  }
+  return topology;
+}
+
+void expectTopologyByDefinition(const TriangleMesh& bare, const std::string& name) {
+  TriangleMesh mesh = bare;
+  mesh.buildAdjacency();
+  mesh.buildFaceAdjacency();
+  const Topology expected = topologyByDefinition(bare.faces, bare.vertexCount);
+  const Topology actual = topologyOf(mesh);
+  ASSERT_EQ(actual.faces, expected.faces) << name;
+  ASSERT_EQ(actual.neighbours, expected.neighbours) << name;
+  ASSERT_EQ(actual.incident, expected.incident) << name;
+  ASSERT_EQ(actual.kinds, expected.kinds) << name;
+  ASSERT_EQ(actual.faceAdjacency, expected.faceAdjacency) << name;
+}
+
+/// Faces of a closed mesh, in random order and each turned at random, then some corners changed.
+TriangleMesh damaged(const TriangleMesh& whole, int changes, std::mt19937& random) {
+  const auto below = [&random](int n) {
+    return static_cast<int>(random() % static_cast<unsigned>(n));
+  };
+  TriangleMesh mesh;
+  mesh.copyGeometryFrom(whole);
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    const int other = below(mesh.faceCount);
+    int* a = mesh.faces.data() + 3 * static_cast<std::size_t>(f);
+    std::swap_ranges(a, a + 3, mesh.faces.data() + 3 * static_cast<std::size_t>(other));
+    std::rotate(a, a + below(3), a + 3);
+  }
+  for (int k = 0; k < changes; ++k) {
+    mesh.faces[static_cast<std::size_t>(below(3 * mesh.faceCount))] =
+        below(mesh.vertexCount + 2) - 1;
+  }
+  return mesh;
+}
+
+TEST(TriangleMesh, TopologyFollowsItsDefinitionOnRandomFaces) {
+  std::mt19937 random(4);
+  const auto below = [&random](int n) {
+    return static_cast<int>(random() % static_cast<unsigned>(n));
+  };
+  for (int round = 0; round < 4000 && !HasFatalFailure(); ++round) {
+    TriangleMesh mesh;
+    mesh.setVertexCount(3 + below(8));
+    mesh.setFaceCount(1 + below(16));
+    for (int& corner : mesh.faces) corner = below(mesh.vertexCount + 2) - 1;
+    expectTopologyByDefinition(mesh, "round " + std::to_string(round));
+  }
+}
+
+TEST(TriangleMesh, TopologyFollowsItsDefinitionOnDamagedSurfaces) {
+  std::mt19937 random(5);
+  const std::vector<test::NamedMesh> wholes = allMeshes();
+  for (int round = 0; round < 2000 && !HasFatalFailure(); ++round) {
+    const auto& [name, whole] = wholes[static_cast<std::size_t>(round) % wholes.size()];
+    if (whole.faceCount == 0) continue;
+    expectTopologyByDefinition(damaged(whole, round % 4, random), name);
+  }
+}
+
 TEST(TriangleMesh, BuildingTwiceGivesTheSame) {
   for (const auto& [name, built] : allMeshes()) {
     TriangleMesh mesh = built;
@@ -273,6 +433,38 @@ TEST(TriangleMesh, VertexNormalsAreWeightedByArea) {
   EXPECT_EQ(mesh.vertexNormals[0], 0.8F);
   EXPECT_EQ(mesh.vertexNormals[1], 0.0F);
   EXPECT_EQ(mesh.vertexNormals[2], 0.6F);
+}
+
+/// Equal bits, where any two that are not numbers count as the same.
+bool sameFloats(const std::vector<float>& a, const std::vector<float>& b) {
+  return std::ranges::equal(a, b, [](float x, float y) {
+    return std::bit_cast<std::uint32_t>(x) == std::bit_cast<std::uint32_t>(y) ||
+           (std::isnan(x) && std::isnan(y));
+  });
+}
+
+TEST(TriangleMesh, NormalsHaveTheBitsOfThePlainFormulas) {
+  std::vector<test::NamedMesh> meshes = allMeshes();
+  meshes.push_back({"large sphere", test::icosphere(4, 7.3)});
+  for (const auto& [name, mesh] : meshes) {
+    std::vector<float> faceNormals(mesh.faces.size());
+    std::vector<Vec3> sums(static_cast<std::size_t>(mesh.vertexCount));
+    for (int f = 0; f < mesh.faceCount; ++f) {
+      if (!mesh.validFace(f)) continue;
+      const auto c = mesh.corners(f);
+      const Vec3 a = mesh.position(c[0]);
+      const Vec3 normal = cross(mesh.position(c[1]) - a, mesh.position(c[2]) - a);
+      storeVectorAt(faceNormals, f, unitOrZero(normal));
+      const Vec3 weighted = cross(a - mesh.position(c[1]), a - mesh.position(c[2]));
+      for (const int corner : c) sums[static_cast<std::size_t>(corner)] += weighted;
+    }
+    std::vector<float> vertexNormals(mesh.vertices.size());
+    for (int i = 0; i < mesh.vertexCount; ++i) {
+      storeVectorAt(vertexNormals, i, unitOrZero(sums[static_cast<std::size_t>(i)]));
+    }
+    EXPECT_TRUE(sameFloats(mesh.faceNormals, faceNormals)) << name;
+    EXPECT_TRUE(sameFloats(mesh.vertexNormals, vertexNormals)) << name;
+  }
 }
 
 TEST(TriangleMesh, InvalidFacesHaveNoNormal) {
