@@ -13,6 +13,7 @@
 
 #include "mesh/Scanner.h"
 #include "mesh/StreamText.h"
+#include "numeric/Index.h"
 
 namespace gravlin {
 namespace {
@@ -150,7 +151,7 @@ int RecordReader::readArrayCount(const Noun& noun) {
 void RecordReader::readVertices(int count) {
   mesh.setVertexCount(count);
   forEachRecord(vertexNoun, count, [this](int i) {
-    float* p = mesh.vertices.data() + 3 * static_cast<std::size_t>(i);
+    float* p = mesh.vertices.data() + 3 * toIndex(i);
     p[0] = takeFloat();
     p[1] = takeFloat();
     p[2] = takeFloat();
@@ -161,7 +162,7 @@ void RecordReader::readVertices(int count) {
 void RecordReader::readVerticesOfFiveNumbers(int count) {
   mesh.setVertexCount(count);
   forEachRecord(vertexNoun, count, [this](int i) {
-    float* p = mesh.vertices.data() + 3 * static_cast<std::size_t>(i);
+    float* p = mesh.vertices.data() + 3 * toIndex(i);
     p[0] = takeFloat();
     p[2] = takeFloat();
     p[1] = takeFloat();
@@ -173,7 +174,7 @@ void RecordReader::readVerticesOfFiveNumbers(int count) {
 void RecordReader::readFaces(int count) {
   mesh.setFaceCount(count);
   forEachRecord(faceNoun, count, [this](int f) {
-    int* c = mesh.faces.data() + 3 * static_cast<std::size_t>(f);
+    int* c = mesh.faces.data() + 3 * toIndex(f);
     takeFloat();  // the number of corners: every face is taken as a triangle
     c[0] = takeInt();
     c[1] = takeInt();
@@ -182,11 +183,11 @@ void RecordReader::readFaces(int count) {
 }
 
 void RecordReader::readMarks(const Noun& noun, int count, std::vector<int>& marks) {
-  marks.assign(static_cast<std::size_t>(mesh.vertexCount), 0);
+  marks.assign(toIndex(mesh.vertexCount), 0);
   forEachRecord(noun, count, [&](int) {
     const int vertex = takeInt();
     if (vertex >= 0 && vertex < mesh.vertexCount) {
-      marks[static_cast<std::size_t>(vertex)] = 1;
+      marks[toIndex(vertex)] = 1;
     } else {
       ++ignoredMarks;
     }
@@ -226,8 +227,8 @@ float RecordReader::takeFloat() {
 void RecordReader::noteFailureIn(const std::string& record) {
   if (failureNoted) return;
   failureNoted = true;
-  oddities.push_back((scanner.atEnd() ? "the file ended in " : "no number where one belongs in ") +
-                     record);
+  oddities.push_back(scanner.atEnd() ? "the file ended in " + record
+                                     : record + " could not be read");
 }
 
 // --- Dispatch ---

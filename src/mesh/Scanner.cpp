@@ -15,6 +15,11 @@ bool isSpace(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
+const char* afterSpace(const char* c) {
+  while (isSpace(*c)) ++c;
+  return c;
+}
+
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
@@ -57,6 +62,7 @@ constexpr int largestExactPower = 22;
 
 /// digits x 10^exponent rounded to the nearest float, where double arithmetic can tell.
 std::optional<float> nearestFloat(std::uint64_t digits, int exponent) {
+  if (exponent == 0 && digits <= (1U << 24)) return static_cast<float>(digits);
   if (digits == 0) return 0.0F;
   if (exponent < -largestExactPower || exponent > largestExactPower) return std::nullopt;
   const double wide =
@@ -82,24 +88,21 @@ std::optional<float> convertWord(const std::string& word) {
 
 }  // namespace
 
-void Scanner::skipSpace() {
-  while (isSpace(*current)) ++current;
-}
-
 std::optional<int> Scanner::scanInt() {
-  skipSpace();
-  const bool negative = *current == '-';
-  if (negative || *current == '+') ++current;
-  const char* const digits = current;
+  const char* c = afterSpace(current);
+  const bool negative = *c == '-';
+  if (negative || *c == '+') ++c;
+  const char* const digits = c;
   std::uint64_t magnitude = 0;
-  for (; isDigit(*current); ++current) magnitude = 10 * magnitude + digitValue(*current);
-  if (current == digits) return std::nullopt;
-  if (current - digits >= maxExactDigits) return cutToInt(digits, current, negative);
+  for (; isDigit(*c); ++c) magnitude = 10 * magnitude + digitValue(*c);
+  current = c;
+  if (c == digits) return std::nullopt;
+  if (c - digits >= maxExactDigits) return cutToInt(digits, c, negative);
   return static_cast<int>(negative ? 0 - magnitude : magnitude);
 }
 
 std::optional<float> Scanner::scanFloat() {
-  skipSpace();
+  current = afterSpace(current);
   const char* c = current;
   const bool negative = *c == '-';
   if (negative || *c == '+') ++c;
@@ -137,54 +140,55 @@ std::optional<float> Scanner::scanFloat() {
 /// and lets strtof take what it can of it; everything collected counts as consumed.
 std::optional<float> Scanner::scanUnusualFloat() {
   std::string word;
-  const auto take = [&] { word += *current++; };
-  // A letter of "inf" or "nan" that is missing has been read to see so, and is gone.
-  const auto takeLetters = [&](std::string_view letters) {
-    for (const char letter : letters) {
-      if (atEnd()) return false;
-      take();
-      if (toLower(word.back()) != letter) return false;
-    }
-    return true;
-  };
+  if (*current == '-' || *current == '+') word += *current++;
 
-  if (*current == '-' || *current == '+') take();
-  const std::size_t signLength = word.size();
-  if (toLower(*current) == 'n') {
-    return takeLetters("nan") ? convertWord(word) : std::nullopt;
-  }
-  if (toLower(*current) == 'i') {
-    if (!takeLetters("inf")) return std::nullopt;
-    if (toLower(*current) == 'i' && !takeLetters("inity")) return std::nullopt;
+  const char first = toLower(*current);
+  if (first == 'n') return takeLetters("nan", word) ? convertWord(word) : std::nullopt;
+  if (first == 'i') {
+    if (!takeLetters("inf", word)) return std::nullopt;
+    if (toLower(*current) == 'i' && !takeLetters("inity", word)) return std::nullopt;
     return convertWord(word);
   }
 
-  bool gotDigit = *current == '0';
-  if (gotDigit) take();
-  const bool hexadecimal = gotDigit && toLower(*current) == 'x';
+  const bool hexadecimal = *current == '0' && toLower(current[1]) == 'x';
   if (hexadecimal) {
-    take();
-    gotDigit = false;
+    word.append(current, 2);
+    current += 2;
   }
-  const char exponentLetter = hexadecimal ? 'p' : 'e';
-  bool gotPoint = false;
-  bool gotExponent = false;
-  while (true) {
-    const char c = *current;
-    if (isDigit(c) || (hexadecimal && !gotExponent && isHexDigit(c))) {
-      gotDigit = true;
-    } else if (gotExponent && toLower(word.back()) == exponentLetter && (c == '-' || c == '+')) {
-    } else if (gotDigit && !gotExponent && toLower(c) == exponentLetter) {
-      gotExponent = gotPoint = true;
-    } else if (!gotPoint && c == '.') {
-      gotPoint = true;
-    } else {
-      break;
-    }
-    take();
-  }
-  if (hexadecimal && word.size() == signLength + 2) return std::nullopt;  // "0x" and no more
+  const std::size_t prefixLength = word.size();
+  takeMantissaAndExponent(hexadecimal, word);
+  if (hexadecimal && word.size() == prefixLength) return std::nullopt;
   return convertWord(word);
+}
+
+/// Appends the given letters, large or small, to the word. A character that is not the one wanted
+/// has been read to see so, and is gone.
+bool Scanner::takeLetters(std::string_view letters, std::string& word) {
+  for (const char letter : letters) {
+    if (atEnd()) return false;
+    word += *current++;
+    if (toLower(word.back()) != letter) return false;
+  }
+  return true;
+}
+
+void Scanner::takeMantissaAndExponent(bool hexadecimal, std::string& word) {
+  const auto takeDigits = [&](bool (*isOfKind)(char)) {
+    const char* const start = current;
+    while (isOfKind(*current)) ++current;
+    word.append(start, current);
+    return current != start;
+  };
+  const auto mantissaDigit = hexadecimal ? isHexDigit : isDigit;
+  bool anyDigit = takeDigits(mantissaDigit);
+  if (*current == '.') {
+    word += *current++;
+    anyDigit |= takeDigits(mantissaDigit);
+  }
+  if (!anyDigit || toLower(*current) != (hexadecimal ? 'p' : 'e')) return;
+  word += *current++;
+  if (*current == '-' || *current == '+') word += *current++;
+  takeDigits(isDigit);
 }
 
 }  // namespace gravlin

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace gravlin {
@@ -27,8 +28,9 @@ class Scanner {
   bool atEnd() const { return current == end; }
 
  private:
-  void skipSpace();
   std::optional<float> scanUnusualFloat();
+  bool takeLetters(std::string_view letters, std::string& word);
+  void takeMantissaAndExponent(bool hexadecimal, std::string& word);
 
   const char* begin;
   const char* current;

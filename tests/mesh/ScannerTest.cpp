@@ -99,10 +99,10 @@ class Generator {
 
   /// Bytes that mean something to a scanner, in no order.
   std::string noise() {
-    static const std::string alphabet(
-        "0011234567899+-..eEexXpPaAfFiInNtTyY(_) \t\n\v\f\r,'gz\0\xff\x80", 53);
+    static constexpr char alphabet[] =
+        "0011234567899+-..eEexXpPaAfFiInNtTyY(_) \t\n\v\f\r,'gz\0\xff\x80";
     std::string text;
-    for (int k = 1 + below(24); k > 0; --k) text += alphabet[static_cast<std::size_t>(below(53))];
+    for (int k = 1 + below(24); k > 0; --k) text += alphabet[below(sizeof alphabet)];
     return text;
   }
 
