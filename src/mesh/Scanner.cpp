@@ -62,8 +62,9 @@ constexpr int largestExactPower = 22;
 
 /// digits x 10^exponent rounded to the nearest float, where double arithmetic can tell.
 std::optional<float> nearestFloat(std::uint64_t digits, int exponent) {
-  if (exponent == 0 && digits <= (1U << 24)) return static_cast<float>(digits);
-  if (digits == 0) return 0.0F;
+  constexpr std::uint64_t largestWholeRun = std::uint64_t{1} << 24;  // a float holds all of 0 to it
+  if (digits == 0 || (exponent == 0 && digits <= largestWholeRun))
+    return static_cast<float>(digits);
   if (exponent < -largestExactPower || exponent > largestExactPower) return std::nullopt;
   const double wide =
       exponent < 0 ? static_cast<double>(digits) / powersOfTen[static_cast<std::size_t>(-exponent)]
@@ -118,8 +119,8 @@ std::optional<float> Scanner::scanFloat() {
     digitCount += c - fraction;
     exponent = static_cast<int>(fraction - c);
   }
-  if (digitCount == 0 || digitCount > maxExactDigits || toLower(*c) == 'x')
-    return scanUnusualFloat();
+  const bool exact = digitCount > 0 && digitCount <= maxExactDigits;
+  if (!exact || toLower(*c) == 'x') return scanUnusualFloat();
   if (toLower(*c) == 'e') {
     ++c;
     const bool down = *c == '-';
