@@ -32,6 +32,11 @@ void computeFaceErrors(CGravlinDoc& doc) {
   if (doc.undoMesh) doc.faceErrors = faceErrors(mesh, *doc.undoMesh);
 }
 
+/// Lines of curvature, and creases of a shape that is no longer there, stay as they were found.
+void findCreasesAgain(CGravlinDoc& doc) {
+  if (doc.linesFrom == CGravlinDoc::LinesFrom::FaceAngle) doc.detectCreases();
+}
+
 /// In the order in which they run: a row may use the data of the rows above it.
 const std::vector<Recomputation>& recomputations() {
   static const std::vector<Recomputation> table = {
@@ -40,6 +45,7 @@ const std::vector<Recomputation>& recomputations() {
       {{DirectionMax, DirectionMin, TensorMax, TensorMin, CurvatureMax, CurvatureMin, CurvatureMean,
         CurvatureGauss, CurvatureTotal},
        [](CGravlinDoc& doc) { computeCurvatureTensor(*doc.currentMesh); }},
+      {{FeatureLines}, findCreasesAgain},
       {{EdgeCurvature}, [](CGravlinDoc& doc) { computeEdgeCurvatures(*doc.currentMesh); }},
       {{VertexError}, computeVertexErrors},
       {{FaceError}, computeFaceErrors},
@@ -79,6 +85,11 @@ void CGravlinDoc::replaceMesh(std::unique_ptr<TriangleMesh> mesh) {
   currentMesh = std::move(mesh);
   meshSmoother.attach(currentMesh.get());
   curvatureTensorSmoother.mesh = currentMesh.get();
+  ridgeDetector.attach(currentMesh.get());
+  ridgeLineSmoother.attach(currentMesh.get());
+  linesFrom = LinesFrom::Nothing;
+  creaseLinks.clear();
+  silhouetteLines = {};
 }
 
 void CGravlinDoc::keepUndoCopy() {

@@ -11,6 +11,12 @@
 #include "doc/DisplayMode.h"
 #include "doc/Outside.h"
 #include "doc/ViewParameters.h"
+#include "features/AngleParameters.h"
+#include "features/LineExport.h"
+#include "features/RidgeDetector.h"
+#include "features/RidgeLineSmoother.h"
+#include "features/RidgeParameters.h"
+#include "features/SilhouetteLines.h"
 #include "mesh/FacePicking.h"
 #include "mesh/TriangleMesh.h"
 #include "smoothing/AdaptiveSmoothingParameters.h"
@@ -48,9 +54,20 @@ class CGravlinDoc {
   NoiseParameters noiseParameters;
   TensorSmoothingParameters tensorSmoothingParameters;
   SeedParameters seedParameters;
+  RidgeParameters ridgeParameters;
+  AngleParameters angleParameters;
 
   MeshSmoother meshSmoother;  ///< commands attach it to the current mesh
   CurvatureTensorSmoother curvatureTensorSmoother;
+
+  RidgeDetector ridgeDetector;
+  RidgeLineSmoother ridgeLineSmoother;
+
+  /// What the links of the mesh stand for and whether a redraw may find them again.
+  enum class LinesFrom { Nothing, LocalMax, FaceAngle, SmoothedFaceAngle };
+  LinesFrom linesFrom = LinesFrom::Nothing;
+  std::vector<IndexList> creaseLinks;  ///< [V] all creases of the last constant angle, or empty
+  SilhouetteLines silhouetteLines;     ///< of the last pen drawing
 
   std::vector<double> vertexErrors;  ///< [V] distance to the undo copy, see ShapeError.h
   std::vector<double> faceErrors;    ///< [F] angle to the undo copy's normals
@@ -58,11 +75,14 @@ class CGravlinDoc {
   // --- File and Edit ---
   void OnFileOpen();
   void OnFileSaveAs();
+  void OnExportLines();
   void OnEditUndo();
   void OnSmoothingShape();
   void OnSmoothingShapeAdaptive();
   void OnSmoothingCurvatureTensor();
   void OnSmoothingNoise();
+  void OnEdgeDetectionLocalMax();
+  void OnEdgeDetectionFaceAngle();
   void OnEnhancement();
 
   // --- Visualization ---
@@ -90,6 +110,7 @@ class CGravlinDoc {
   void OnStrokeMax();
   void OnStrokeMin();
   void OnEdgeCurvature();
+  void OnSilhouette();
 
   // --- EXPERIMET ---
   void OnShowVertexError();
@@ -107,6 +128,11 @@ class CGravlinDoc {
   /// Writes the current mesh; a name without an extension gets ".ply2". On failure the old file
   /// stands, a message is shown, and the result is false.
   bool saveFile(const std::string& filePath);
+  /// Writes the feature lines of the current mesh, which must exist, as .obj, .vtk or .svg. On
+  /// failure the old file stands, a message is shown, and the result is false.
+  bool exportLines(const std::string& filePath);
+  /// Finds the creases anew with the values of the "Angle" dialog. A mesh must exist.
+  void detectCreases();
   /// Shows the face that the ray meets first (mode 30) and tells about it in the status bar. False
   /// when it meets none; then nothing happens.
   bool pickFace(const Ray& ray);
@@ -129,6 +155,8 @@ class CGravlinDoc {
   bool hasMeshToSave();  ///< shows a message when there is none
   void recompute();
   void smoothShape(const Chunks& explicitChunks);
+  LowThresholds thresholdRidges();
+  void showRidgeLines(const LowThresholds& low);
   void show(DisplayMode mode);
   void setLighting(LightingMode mode);
   void showDirections(DisplayMode mode);

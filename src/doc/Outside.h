@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "features/LineExport.h"
 #include "numeric/Form.h"
 
 namespace gravlin {
@@ -62,6 +63,9 @@ class Outside {
   virtual void setLineWidthAndPointSize(float width, float size) = 0;
   virtual ViewAngles viewAngles() const = 0;
   virtual void setViewAngles(const ViewAngles& angles) = 0;
+  /// The lines as the view shows them, as SVG text.
+  virtual std::string linesAsSvg(const TriangleMesh& mesh,
+                                 const std::vector<ExportedLine>& lines) const = 0;
   /// The numbers of used vertices and valid faces that views print in their corner.
   virtual void setShownCounts(int usedVertices, int validFaces) = 0;
 };

@@ -31,6 +31,7 @@ Form RidgeParameters::form() {
         .group = thresholdBox,
         .range = {{0.0, 1.0}}},
        {.name = "histogramLower",
+        .label = "lower",
         .value = &histogramLower,
         .group = thresholdBox,
         .range = {{0.0, 1.0}}},

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-
-#include "features/LineChains.h"
+#include <utility>
 
 namespace gravlin {
 namespace {
@@ -25,35 +24,18 @@ double strength(const TriangleMesh& mesh, const Polyline& line,
   return sum;
 }
 
-SpaceLine smoothed(const TriangleMesh& mesh, const Polyline& line, double step) {
-  SpaceLine result;
-  result.closed = line.closed;
-  const std::size_t n = line.vertices.size();
-  for (std::size_t k = 0; k < n; ++k) {
-    const Vec3 p = mesh.position(line.vertices[k]);
-    const bool end = !line.closed && (k == 0 || k + 1 == n);
-    const Vec3 before = mesh.position(line.vertices[(k + n - 1) % n]);
-    const Vec3 after = mesh.position(line.vertices[(k + 1) % n]);
-    result.points.push_back(end ? p : p + step * ((before + after) * 0.5 - p));
-  }
-  return result;
-}
-
 template <class Reaches>
-std::vector<SpaceLine> select(const TriangleMesh& mesh, const std::vector<IndexList>& links,
-                              const std::vector<double>& curvature, const LineSelection& selection,
-                              Reaches reaches) {
-  std::vector<SpaceLine> kept;
+std::vector<Polyline> select(const TriangleMesh& mesh, const std::vector<IndexList>& links,
+                             const std::vector<double>& curvature, float leastStrength,
+                             Reaches reaches) {
+  std::vector<Polyline> kept;
   if (curvature.size() != links.size()) return kept;
-  for (const Polyline& line : chainLinks(links)) {
+  for (Polyline& line : chainLinks(links)) {
     const bool everywhere = std::all_of(line.vertices.begin(), line.vertices.end(), [&](int v) {
       return reaches(curvature[static_cast<std::size_t>(v)]);
     });
-    const bool strong =
-        strength(mesh, line, curvature) >= static_cast<double>(selection.leastStrength);
-    if (everywhere && strong) {
-      kept.push_back(smoothed(mesh, line, static_cast<double>(selection.step)));
-    }
+    const bool strong = strength(mesh, line, curvature) >= static_cast<double>(leastStrength);
+    if (everywhere && strong) kept.push_back(std::move(line));
   }
   return kept;
 }
@@ -62,10 +44,24 @@ std::vector<SpaceLine> select(const TriangleMesh& mesh, const std::vector<IndexL
 
 SilhouetteLines selectSilhouetteLines(const TriangleMesh& mesh, const LineSelection& selection) {
   const LowThresholds& low = selection.low;
-  return {select(mesh, mesh.ridgeLinks, mesh.maxCurvature, selection,
+  return {select(mesh, mesh.ridgeLinks, mesh.maxCurvature, selection.leastStrength,
                  [&](double k) { return k >= low.ridgeLow; }),
-          select(mesh, mesh.valleyLinks, mesh.minCurvature, selection,
+          select(mesh, mesh.valleyLinks, mesh.minCurvature, selection.leastStrength,
                  [&](double k) { return k <= low.valleyLow; })};
+}
+
+std::vector<Vec3> smoothedAlong(const TriangleMesh& mesh, const Polyline& line, float step) {
+  std::vector<Vec3> points;
+  const std::size_t n = line.vertices.size();
+  for (std::size_t k = 0; k < n; ++k) {
+    const Vec3 p = mesh.position(line.vertices[k]);
+    const bool end = !line.closed && (k == 0 || k + 1 == n);
+    const Vec3 before = mesh.position(line.vertices[(k + n - 1) % n]);
+    const Vec3 after = mesh.position(line.vertices[(k + 1) % n]);
+    const Vec3 toMiddle = (before + after) * 0.5 - p;
+    points.push_back(end ? p : p + static_cast<double>(step) * toMiddle);
+  }
+  return points;
 }
 
 }  // namespace gravlin

@@ -20,6 +20,7 @@ TEST(CommandTable, HoldsEveryMenuItemWithItsExactTextInMenuOrder) {
       "File / &Open...\tCtrl+O",
       "File / &Save\tCtrl+S",
       "File / Save &As... ",
+      "File / Export Lines...",
       "Edit / Undo (1 history only)",
       "Edit/Smoothing / Shape",
       "Edit/Smoothing / Shape(Adaptive)",

@@ -1,0 +1,49 @@
+// File > Export Lines...
+
+#include <cstdio>
+
+#include "doc/CGravlinDoc.h"
+#include "features/LineExport.h"
+#include "mesh/MeshFile.h"
+#include "mesh/SafeFile.h"
+
+namespace gravlin {
+
+void CGravlinDoc::OnExportLines() {
+  if (!currentMesh) return;
+  const std::optional<std::string> filePath = outside.chooseFile(FileDialog::Save);
+  if (filePath) exportLines(*filePath);
+}
+
+bool CGravlinDoc::exportLines(const std::string& filePath) {
+  const TriangleMesh& mesh = *currentMesh;
+  const LineOrigin origin =
+      linesFrom == LinesFrom::LocalMax ? LineOrigin::RidgesAndValleys : LineOrigin::Creases;
+  const std::vector<ExportedLine> lines = linesToExport(mesh, origin);
+  const std::string extension = extensionOf(filePath);
+  std::string text;
+  if (extension == "obj") {
+    text = linesAsObj(mesh, lines);
+  } else if (extension == "vtk") {
+    text = linesAsVtk(mesh, lines);
+  } else if (extension == "svg") {
+    text = outside.linesAsSvg(mesh, lines);
+  } else {
+    outside.showMessage("Lines are written as .obj, .vtk or .svg files; " + filePath +
+                        " is none of these.");
+    return false;
+  }
+
+  SafeFile file(filePath);
+  if (file.stream() != nullptr) std::fwrite(text.data(), 1, text.size(), file.stream());
+  if (!file.commit()) {
+    outside.showMessage("The lines could not be written to " + filePath + ": " + file.error() +
+                        ".");
+    return false;
+  }
+  const std::string count = std::to_string(lines.size()) + (lines.size() == 1 ? " line" : " lines");
+  outside.showStatus(count + " written to " + filePath + ".");
+  return true;
+}
+
+}  // namespace gravlin

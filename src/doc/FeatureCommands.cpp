@@ -1,0 +1,134 @@
+// Edit > Edge Detection: ridge and valley lines, and creases.
+
+#include <cmath>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "curvature/CurvatureDerivatives.h"
+#include "curvature/CurvatureTensor.h"
+#include "doc/CGravlinDoc.h"
+#include "features/CreasesByAngle.h"
+
+namespace gravlin {
+namespace {
+
+constexpr double degree = 0.017453292519943278;
+constexpr float percent = 0.01F;
+constexpr float ridgeSmoothingStep = 0.1F;
+
+/// The positions of a mesh while a command works on smoothed ones.
+class UnsmoothedPositions {
+ public:
+  void keep(const TriangleMesh& mesh) { positions = mesh.vertices; }
+
+  void restore(TriangleMesh& mesh) {
+    if (!positions) return;
+    mesh.vertices = std::move(*positions);
+    positions.reset();
+    mesh.computeVertexNormals();
+    mesh.computeFaceNormals();
+  }
+
+ private:
+  std::optional<std::vector<float>> positions;
+};
+
+}  // namespace
+
+LowThresholds CGravlinDoc::thresholdRidges() {
+  const RidgeParameters& parameters = ridgeParameters;
+  switch (parameters.thresholdMode) {
+    case RidgeParameters::Histogram:
+      return ridgeDetector.thresholdHistogram(
+          {.upper = parameters.histogramUpper, .lower = parameters.histogramLower});
+    case RidgeParameters::Constant: {
+      ridgeDetector.thresholdConstant(parameters.constantThreshold);
+      const double t = parameters.constantThreshold;
+      return {.ridgeLow = t, .valleyLow = t};
+    }
+    default:
+      ridgeDetector.thresholdConstant(0.0F);
+      return {};
+  }
+}
+
+void CGravlinDoc::showRidgeLines(const LowThresholds& low) {
+  ridgeDetector.buildLineGraph();
+  if (ridgeParameters.connect) ridgeDetector.connectLines(ridgeParameters.connectThreshold, low);
+  linesFrom = LinesFrom::LocalMax;
+  creaseLinks.clear();
+  displayMode = FeatureLines;
+}
+
+void CGravlinDoc::OnEdgeDetectionLocalMax() {
+  const RidgeParameters& parameters = ridgeParameters;
+  if (!currentMesh || !outside.showDialog(ridgeParameters.form())) return;
+  TriangleMesh& mesh = *currentMesh;
+  ridgeDetector.attach(&mesh);
+  ridgeLineSmoother.attach(&mesh);
+
+  UnsmoothedPositions unsmoothed;
+  if (parameters.preSmoothing != RidgeParameters::NoPreSmoothing) unsmoothed.keep(mesh);
+  if (parameters.preSmoothing == RidgeParameters::Common) OnSmoothingShape();
+  if (parameters.preSmoothing == RidgeParameters::Adaptive) OnSmoothingShapeAdaptive();
+
+  mesh.computeVertexNormals();
+  computeCurvatureTensor(mesh);
+  if (parameters.smoothTensor) OnSmoothingCurvatureTensor();
+
+  ridgeDetector.extractExtrema();
+  const LowThresholds low = thresholdRidges();
+  if (parameters.absoluteComparison) ridgeDetector.compareAbsoluteValues();
+  ridgeDetector.fillGaps();
+  if (parameters.extractOn == RidgeParameters::OnFace) return;  // and the smoothed shape stays
+
+  if (parameters.extractOn == RidgeParameters::OnEdge) {
+    showRidgeLines(low);
+  } else {
+    if (parameters.showRidgeDirection) computeCurvatureDerivatives(mesh);
+    displayMode = parameters.showRidgeDirection ? RidgeDirections : RidgeVertices;
+  }
+  unsmoothed.restore(mesh);
+  if (parameters.extractOn == RidgeParameters::OnEdge && parameters.smoothRidgeEdges) {
+    modified = true;
+    ridgeLineSmoother.smooth(parameters.ridgeSmoothIterations, ridgeSmoothingStep);
+    geometryChanged();
+  }
+  redraw();
+}
+
+void CGravlinDoc::detectCreases() {
+  const AngleParameters& parameters = angleParameters;
+  ridgeDetector.attach(currentMesh.get());
+  if (parameters.thresholdMode == AngleParameters::Histogram) {
+    creaseLinks.clear();
+    ridgeDetector.detectCreasesByHistogram(
+        {.hi = static_cast<float>(parameters.histogramHi) * percent,
+         .low = static_cast<float>(parameters.histogramLow) * percent});
+  } else {
+    creaseLinks = detectCreasesByAngle(*currentMesh,
+                                       static_cast<float>(-std::cos(parameters.angle * degree)));
+  }
+}
+
+void CGravlinDoc::OnEdgeDetectionFaceAngle() {
+  const AngleParameters& parameters = angleParameters;
+  if (!currentMesh || !outside.showDialog(angleParameters.form())) return;
+  TriangleMesh& mesh = *currentMesh;
+
+  UnsmoothedPositions unsmoothed;
+  linesFrom = parameters.preSmoothing ? LinesFrom::SmoothedFaceAngle : LinesFrom::FaceAngle;
+  if (parameters.preSmoothing) {
+    unsmoothed.keep(mesh);
+    displayMode = FeatureLines;
+    OnSmoothingShapeAdaptive();
+    mesh.computeVertexNormals();
+    mesh.computeFaceNormals();
+  }
+  detectCreases();
+  unsmoothed.restore(mesh);
+  show(FeatureLines);
+}
+
+}  // namespace gravlin

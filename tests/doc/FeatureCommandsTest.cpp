@@ -1,0 +1,318 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sstream>
+
+#include "doc/CGravlinDoc.h"
+#include "support/Meshes.h"
+#include "support/ScriptedOutside.h"
+
+namespace gravlin {
+namespace {
+
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using namespace gravlin::test;
+
+using Texts = std::vector<std::pair<std::string, std::string>>;
+
+/// A document with one mesh and a scripted world around it.
+struct Desk {
+  ScriptedOutside outside;
+  CGravlinDoc doc{outside};
+
+  explicit Desk(TriangleMesh mesh) {
+    doc.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
+    doc.redraw();
+    outside.forget();
+  }
+
+  TriangleMesh& mesh() { return *doc.currentMesh; }
+  void answer(DialogAnswer dialogAnswer) {
+    outside.dialogAnswers.push_back(std::move(dialogAnswer));
+  }
+
+  /// Runs Local Max without tensor smoothing, with further values typed in.
+  void findLines(Texts texts) {
+    texts.emplace_back("smoothTensor", "0");
+    outside.dialogAnswers.push_front(okWith(std::move(texts)));
+    doc.OnEdgeDetectionLocalMax();
+    EXPECT_TRUE(outside.finished());
+  }
+  void findCreases(Texts texts) {
+    outside.dialogAnswers.push_front(okWith(std::move(texts)));
+    doc.OnEdgeDetectionFaceAngle();
+    EXPECT_TRUE(outside.finished());
+  }
+};
+
+int linkCount(const std::vector<IndexList>& links) {
+  int ends = 0;
+  for (const IndexList& list : links) ends += list.size();
+  return ends / 2;
+}
+
+DialogAnswer fewLaplacianSteps() {
+  return okWith({{"iterationCount", "2"}, {"animate", "0"}, {"preserveVolume", "0"}});
+}
+DialogAnswer fewAdaptiveSteps() {
+  return okWith({{"outerIterations", "1"}, {"animate", "0"}});
+}
+
+TEST(LocalMaxCommand, CancelRunsNoStageAndKeepsTheMode) {
+  Desk desk(bumpyGrid(12, 12));
+  desk.answer(cancel());
+  desk.doc.OnEdgeDetectionLocalMax();
+  EXPECT_EQ(desk.doc.displayMode, FlatShading);
+  EXPECT_THAT(desk.mesh().ridgeMarks, IsEmpty());
+  EXPECT_EQ(desk.outside.count("redraw"), 0);
+}
+
+TEST(LocalMaxCommand, WithoutAMeshNoDialogIsShown) {
+  ScriptedOutside outside;
+  CGravlinDoc doc(outside);
+  doc.OnEdgeDetectionLocalMax();
+  doc.OnEdgeDetectionFaceAngle();
+  EXPECT_THAT(outside.calls, IsEmpty());
+}
+
+TEST(LocalMaxCommand, VertexShowsMarks) {
+  Desk desk(bumpyGrid(20, 20));
+  desk.findLines({});
+  EXPECT_EQ(desk.doc.displayMode, RidgeVertices);
+  EXPECT_THAT(desk.mesh().ridgeMarks, Contains(1));
+  EXPECT_EQ(desk.outside.count("redraw"), 1);
+}
+
+TEST(LocalMaxCommand, RidgeDirectionComputesDerivativesOnTheSmoothedShapeAndRestoresIt) {
+  Desk desk(bumpyGrid(20, 20));
+  const auto positions = desk.mesh().vertices;
+  desk.answer(fewLaplacianSteps());
+  desk.findLines({{"preSmoothing", "common"}, {"showRidgeDirection", "1"}});
+  EXPECT_EQ(desk.doc.displayMode, RidgeDirections);
+  EXPECT_EQ(desk.mesh().vertices, positions);
+
+  Desk unsmoothed(bumpyGrid(20, 20));
+  unsmoothed.findLines({{"showRidgeDirection", "1"}});
+  EXPECT_NE(desk.mesh().maxDerivativeGradient, unsmoothed.mesh().maxDerivativeGradient);
+}
+
+TEST(LocalMaxCommand, EdgeShowsLinesAndLinksWithoutConnectingStayApart) {
+  Desk apart(bumpyGrid(30, 30));
+  apart.findLines({{"extractOn", "edge"}, {"connect", "0"}});
+  Desk joined(bumpyGrid(30, 30));
+  joined.findLines({{"extractOn", "edge"}, {"connectThreshold", "1e9"}});
+  EXPECT_EQ(apart.doc.displayMode, FeatureLines);
+  EXPECT_GT(linkCount(apart.mesh().ridgeLinks), 0);
+  EXPECT_NE(apart.mesh().ridgeLinks, joined.mesh().ridgeLinks);
+}
+
+TEST(LocalMaxCommand, FaceStopsAfterTheMarksAndKeepsTheSmoothedShape) {
+  Desk desk(bumpyGrid(20, 20));
+  const auto positions = desk.mesh().vertices;
+  desk.answer(fewLaplacianSteps());
+  desk.findLines({{"preSmoothing", "common"}, {"extractOn", "face"}});
+  EXPECT_EQ(desk.doc.displayMode, FlatShading);
+  EXPECT_NE(desk.mesh().vertices, positions);
+  EXPECT_THAT(desk.mesh().ridgeMarks, Contains(1));
+  EXPECT_EQ(desk.outside.count("redraw"), 1) << "the smoothing's own";
+}
+
+TEST(LocalMaxCommand, PositionsAreRestoredBitForBitAfterAdaptivePreSmoothing) {
+  Desk desk(bumpyGrid(16, 16));
+  const auto positions = desk.mesh().vertices;
+  const auto normals = desk.mesh().vertexNormals;
+  desk.answer(fewAdaptiveSteps());
+  desk.findLines({{"preSmoothing", "adaptive"}, {"extractOn", "edge"}});
+  EXPECT_EQ(desk.mesh().vertices, positions);
+  EXPECT_EQ(desk.mesh().vertexNormals, normals);
+}
+
+TEST(LocalMaxCommand, ACancelInsideSkipsOnlyThatStage) {
+  Desk plain(bumpyGrid(16, 16));
+  plain.findLines({});
+  Desk desk(bumpyGrid(16, 16));
+  desk.answer(okWith({{"preSmoothing", "common"}}));
+  desk.answer(cancel());
+  desk.answer(cancel());
+  desk.doc.OnEdgeDetectionLocalMax();
+  EXPECT_TRUE(desk.outside.finished());
+  EXPECT_EQ(desk.mesh().ridgeMarks, plain.mesh().ridgeMarks);
+  EXPECT_EQ(desk.doc.displayMode, RidgeVertices);
+}
+
+TEST(LocalMaxCommand, ASecondRunReplacesEverything) {
+  Desk desk(bumpyGrid(20, 20));
+  desk.findLines({{"extractOn", "edge"}});
+  const auto marks = desk.mesh().ridgeMarks;
+  const auto links = desk.mesh().ridgeLinks;
+  desk.findLines({{"extractOn", "edge"}});
+  EXPECT_EQ(desk.mesh().ridgeMarks, marks);
+  EXPECT_EQ(desk.mesh().ridgeLinks, links);
+}
+
+TEST(LocalMaxCommand, NoThresholdKeepsAtLeastWhatTheHistogramKeeps) {
+  Desk all(bumpyGrid(20, 20));
+  all.findLines({{"thresholdMode", "none"}, {"absoluteComparison", "0"}});
+  Desk strong(bumpyGrid(20, 20));
+  strong.findLines({{"thresholdMode", "constant"}, {"constantThreshold", "0.3"}});
+  const auto count = [](Desk& desk) { return std::ranges::count(desk.mesh().ridgeMarks, 1); };
+  EXPECT_GT(count(all), count(strong));
+  EXPECT_GT(count(strong), 0);
+}
+
+TEST(LocalMaxCommand, RidgeEdgeSmoothingChangesTheShape) {
+  Desk desk(bumpyGrid(30, 30));
+  const auto positions = desk.mesh().vertices;
+  desk.findLines({{"extractOn", "edge"}, {"smoothRidgeEdges", "1"}});
+  EXPECT_NE(desk.mesh().vertices, positions);
+  EXPECT_TRUE(desk.doc.modified);
+}
+
+TEST(LocalMaxCommand, UndoWhileLinesAreShownReturnsToFlatShading) {
+  Desk desk(bumpyGrid(16, 16));
+  desk.answer(fewLaplacianSteps());
+  desk.doc.OnSmoothingShape();
+  desk.findLines({{"extractOn", "edge"}});
+  desk.doc.OnEditUndo();
+  EXPECT_EQ(desk.doc.displayMode, FlatShading);
+}
+
+TEST(FaceAngleCommand, FindsTheTwelveEdgesOfACube) {
+  Desk desk(cube());
+  desk.findCreases({{"thresholdMode", "angle"}});
+  EXPECT_EQ(desk.doc.displayMode, FeatureLines);
+  EXPECT_EQ(linkCount(desk.mesh().ridgeLinks), 12);
+}
+
+TEST(FaceAngleCommand, CreasesOfTheSmoothedShapeAreShownOnTheOriginalOne) {
+  Desk desk(bumpyGrid(16, 16));
+  const auto positions = desk.mesh().vertices;
+  desk.answer(fewAdaptiveSteps());
+  desk.findCreases({{"preSmoothing", "1"}});
+  EXPECT_EQ(desk.mesh().vertices, positions);
+  Desk plain(bumpyGrid(16, 16));
+  plain.findCreases({});
+  EXPECT_NE(desk.mesh().ridgeLinks, plain.mesh().ridgeLinks);
+}
+
+TEST(FaceAngleCommand, ARedrawFindsTheCreasesAgainWhenTheShapeHasChanged) {
+  Desk desk(cube());
+  desk.findCreases({{"thresholdMode", "angle"}});
+  desk.mesh().setPosition(6, {1.0, 1.0, -0.99});  // one corner pressed into the opposite side
+  desk.doc.needsRecompute = true;
+  desk.doc.redraw();
+  EXPECT_GT(linkCount(desk.mesh().ridgeLinks) + linkCount(desk.mesh().valleyLinks), 12)
+      << "the sides that met in the corner are folded along their diagonals now";
+}
+
+TEST(FaceAngleCommand, LinesOfLocalMaxAreNeverOverwrittenByARedraw) {
+  Desk desk(bumpyGrid(20, 20));
+  desk.findLines({{"extractOn", "edge"}});
+  const auto links = desk.mesh().ridgeLinks;
+  desk.doc.needsRecompute = true;
+  desk.doc.redraw();
+  EXPECT_EQ(desk.mesh().ridgeLinks, links);
+}
+
+TEST(FaceAngleCommand, CreasesOfASmoothedShapeAreNotFoundAgainByARedraw) {
+  Desk desk(bumpyGrid(16, 16));
+  desk.answer(fewAdaptiveSteps());
+  desk.findCreases({{"preSmoothing", "1"}});
+  const auto links = desk.mesh().ridgeLinks;
+  desk.doc.needsRecompute = true;
+  desk.doc.redraw();
+  EXPECT_EQ(desk.mesh().ridgeLinks, links);
+}
+
+/// What the file of this name holds; it is removed.
+std::string take(const std::string& path) {
+  std::ifstream file(path);
+  std::stringstream text;
+  text << file.rdbuf();
+  std::filesystem::remove(path);
+  return text.str();
+}
+
+TEST(ExportLinesCommand, WritesTheLinesInTheFormatOfTheExtension) {
+  Desk desk(cube());
+  desk.findCreases({{"thresholdMode", "angle"}});
+  const std::string stem = ::testing::TempDir() + "gravlin-export-lines";
+  for (const auto& [extension, start] :
+       {std::pair{".obj", "v "}, {".vtk", "# vtk DataFile"}, {".svg", "picture of 12 lines"}}) {
+    desk.outside.fileAnswers.push_back(stem + extension);
+    desk.doc.OnExportLines();
+    EXPECT_EQ(take(stem + extension).find(start), 0U) << extension;
+  }
+  EXPECT_THAT(desk.outside.messages, IsEmpty());
+}
+
+TEST(ExportLinesCommand, AnotherExtensionOrAFolderThatIsNotThereGetsAMessage) {
+  Desk desk(cube());
+  EXPECT_FALSE(desk.doc.exportLines(::testing::TempDir() + "lines.ply2"));
+  EXPECT_FALSE(desk.doc.exportLines("/no/such/folder/lines.obj"));
+  EXPECT_EQ(desk.outside.messages.size(), 2U);
+}
+
+TEST(ExportLinesCommand, CancelAndNoMeshWriteNothing) {
+  Desk desk(cube());
+  desk.outside.fileAnswers.push_back(std::nullopt);
+  desk.doc.OnExportLines();
+  EXPECT_THAT(desk.outside.statuses, IsEmpty());
+  desk.doc.currentMesh.reset();
+  desk.doc.OnExportLines();
+  EXPECT_EQ(desk.outside.count("save file"), 1);
+}
+
+TEST(SilhouetteCommand, PreparesStrokesCoherentFacesAndStrongLines) {
+  Desk desk(bumpyGrid(30, 30));
+  desk.doc.OnSilhouette();
+  EXPECT_EQ(desk.doc.displayMode, Silhouette);
+  EXPECT_EQ(desk.mesh().strokes.maxStrokes.size(), 3000U);
+  EXPECT_THAT(desk.mesh().coherentFaces, Contains(1));
+  EXPECT_EQ(desk.mesh().maxDerivativeGradient.size(), desk.mesh().vertices.size());
+  EXPECT_THAT(desk.doc.silhouetteLines.ridges, Not(IsEmpty()));
+  EXPECT_EQ(desk.outside.count("redraw"), 1);
+}
+
+TEST(SilhouetteCommand, KeepsCurvatureThatIsThereAndTheShape) {
+  Desk desk(bumpyGrid(12, 12));
+  desk.mesh().maxCurvature.assign(desk.mesh().vertices.size() / 3, 1.0);
+  desk.mesh().minCurvature = desk.mesh().maxCurvature;
+  desk.mesh().maxDirection.assign(desk.mesh().vertices.size(), 0.0);
+  desk.mesh().minDirection = desk.mesh().maxDirection;
+  const auto positions = desk.mesh().vertices;
+  desk.doc.OnSilhouette();
+  EXPECT_THAT(desk.mesh().maxCurvature, Each(1.0));
+  EXPECT_EQ(desk.mesh().vertices, positions);
+}
+
+TEST(SilhouetteCommand, WithoutAMeshNothingHappens) {
+  ScriptedOutside outside;
+  CGravlinDoc doc(outside);
+  doc.OnSilhouette();
+  EXPECT_THAT(outside.calls, IsEmpty());
+  EXPECT_EQ(doc.displayMode, FlatShading);
+}
+
+TEST(FeatureCommands, HostileMeshesPassThroughBothCommands) {
+  for (auto& [name, mesh] : hostileMeshes()) {
+    SCOPED_TRACE(name);
+    Desk desk(mesh);
+    for (const char* extractOn : {"vertex", "edge", "face"}) {
+      desk.findLines(
+          {{"extractOn", extractOn}, {"smoothRidgeEdges", "1"}, {"showRidgeDirection", "1"}});
+    }
+    desk.findCreases({{"thresholdMode", "angle"}, {"angle", "180"}});
+    desk.findCreases({{"thresholdMode", "histogram"}, {"histogramHi", "0"}, {"histogramLow", "0"}});
+    desk.doc.OnSilhouette();
+    EXPECT_EQ(static_cast<int>(desk.mesh().ridgeLinks.size()), desk.mesh().vertexCount);
+  }
+}
+
+}  // namespace
+}  // namespace gravlin
