@@ -7,14 +7,11 @@
 
 #include "doc/ShownField.h"
 #include "mesh/FaceGeometry.h"
+#include "view/Palette.h"
 
 namespace gravlin {
 namespace {
 
-constexpr Colour black = {0.0F, 0.0F, 0.0F};
-constexpr Colour white = {1.0F, 1.0F, 1.0F};
-constexpr Colour red = {1.0F, 0.0F, 0.0F};
-constexpr Colour blue = {0.0F, 0.0F, 1.0F};
 constexpr double halfGlyph = 0.1;
 
 Scene flatSurface(const TriangleMesh& mesh) {

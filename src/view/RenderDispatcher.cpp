@@ -3,16 +3,11 @@
 #include <algorithm>
 
 #include "view/CurvatureScenes.h"
+#include "view/FeatureScenes.h"
+#include "view/Palette.h"
 
 namespace gravlin {
 namespace {
-
-constexpr Colour black = {0.0F, 0.0F, 0.0F};
-constexpr Colour white = {1.0F, 1.0F, 1.0F};
-constexpr Colour red = {1.0F, 0.0F, 0.0F};
-constexpr Colour cyan = {0.0F, 1.0F, 1.0F};
-constexpr Colour blue = {0.0F, 0.0F, 1.0F};
-constexpr Colour brown = {0.4F, 0.2F, 0.2F};
 
 /// The picked face if the mesh has one that is still there.
 std::optional<int> pickedFaceOf(const TriangleMesh& mesh) {
@@ -90,13 +85,13 @@ constexpr ModeRow modeTable[] = {
     {WireFrame, wireFrame},
     {FlatShadingAlso, flatSurface},
     {DirectionMax, maxDirections},
-    {RidgeVertices, flatSurface},
-    {RidgeDirections, flatSurface},
-    {RidgeMeshEdges, flatSurface},
+    {RidgeVertices, ridgeVertices},
+    {RidgeDirections, ridgeDirections},
+    {RidgeMeshEdges, ridgeMeshEdges},
     {CurvatureMax, vertexField},
-    {WeightedRidgeLines, flatSurface},
-    {FeatureLines, flatSurface},
-    {CreaseLines, flatSurface},
+    {WeightedRidgeLines, weightedRidgeLines},
+    {FeatureLines, featureLines},
+    {CreaseLines, creaseLines},
     {TensorMax, maxTensors},
     {TensorMin, minTensors},
     {DirectionMin, minDirections},
@@ -106,7 +101,7 @@ constexpr ModeRow modeTable[] = {
     {CurvatureMin, vertexField},
     {NonManifoldPoints, nonManifoldPoints},
     {EdgeCurvature, edgeField},
-    {Silhouette, flatSurface},
+    {Silhouette, penDrawing},
     {StrokeMax, maxStrokes},
     {StrokeMin, minStrokes},
     {Points, allPoints},

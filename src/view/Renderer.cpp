@@ -212,12 +212,11 @@ void Renderer::draw(const CGravlinDoc& document, ViewState& view, const DrawTarg
   glViewport(0, 0, framebufferPixels(target.size.width, target.pixelRatio),
              framebufferPixels(target.size.height, target.pixelRatio));
   initLights(view.lightingMode);
-  glLineWidth(view.lineWidth * ratio);
   glPointSize(view.pointSize * ratio);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   view.camera.loadProjection(target.size);
   view.camera.loadModelView();
-  resources->scene.submit(view.camera.fieldOfView);
+  resources->scene.submit({view.camera.fieldOfView, view.lineWidth * ratio});
   if (target.overlay) resources->drawCorner(view, target);
   makeOpaque();
   glFlush();

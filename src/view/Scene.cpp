@@ -123,9 +123,14 @@ Batch smoothFaces(const TriangleMesh& mesh) {
   return batch;
 }
 
-Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour) {
+Batch plainFaces(const TriangleMesh& mesh, const Colour& colour) {
   Batch batch = indexedFaces(mesh);
   batch.colour = colour;
+  return batch;
+}
+
+Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour) {
+  Batch batch = plainFaces(mesh, colour);
   if (!batch.indices.empty()) batch.setBackAlong = vertexNormals(mesh);
   return batch;
 }

@@ -11,6 +11,9 @@ namespace gravlin {
 
 enum class Primitive { Points, Lines, Triangles };
 
+/// The sides of triangles that are drawn. The front is where the corners run counter-clockwise.
+enum class Sides { Both, Front, Back };
+
 /// Points, lines or triangles that are drawn with one call: n vertices in flat arrays.
 struct Batch {
   Primitive primitive = Primitive::Triangles;
@@ -18,12 +21,22 @@ struct Batch {
   bool flat = false;              ///< each triangle has the colour of its last vertex all over
   Colour colour;                  ///< of all vertices of an unlit batch without `colours`
   std::vector<float> positions;   ///< [3n]
-  std::vector<float> normals;     ///< [3n] of a lit batch, otherwise empty
+  std::vector<float> normals;     ///< [3n] of a lit or fading batch, otherwise empty
   std::vector<float> colours;     ///< [3n], or empty
   std::vector<unsigned> indices;  ///< the vertices in drawing order; empty: 0, 1, ... n - 1
   /// [3n], or empty: each position is moved back along its vector by `setBackDistance`, which
   /// depends on the zoom, so that lines drawn in the original place stay in front.
   std::vector<float> setBackAlong;
+
+  Sides sides = Sides::Both;
+  bool outlined = false;         ///< triangles as their edges
+  float lineWidthFactor = 1.0F;  ///< of the view's line width
+  /// How far filled triangles are moved away from the viewer, in steps of the depth buffer and of
+  /// the depth across a pixel; below 0 towards the viewer. Lines in the surface then stay in front.
+  float depthOffset = 0.0F;
+  /// Instead of a colour: grey where the normal is across the line of sight, white where it points
+  /// at the viewer.
+  bool fading = false;
 
   std::size_t vertexCount() const { return positions.size() / 3; }
   std::size_t drawnCount() const { return indices.empty() ? vertexCount() : indices.size(); }
@@ -47,6 +60,8 @@ struct Scene {
 Batch flatFaces(const TriangleMesh& mesh, int except = -1);
 /// Triangles lit with the normals of their corners.
 Batch smoothFaces(const TriangleMesh& mesh);
+/// Unlit triangles of one colour.
+Batch plainFaces(const TriangleMesh& mesh, const Colour& colour);
 /// Unlit triangles of one colour, set back along the vertex normals.
 Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour);
 /// Unlit triangles with a colour per corner: that of the vertex's place among all `values` [V], in

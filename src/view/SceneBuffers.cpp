@@ -36,6 +36,45 @@ void reserve(GLenum buffer, GLsizeiptr bytes) {
   if (glGetError() != GL_NO_ERROR) throw std::bad_alloc();
 }
 
+void showSides(const Batch& batch) {
+  if (batch.sides == Sides::Both) {
+    glDisable(GL_CULL_FACE);
+  } else {
+    glEnable(GL_CULL_FACE);
+    glCullFace(batch.sides == Sides::Front ? GL_BACK : GL_FRONT);
+  }
+  glPolygonMode(GL_FRONT_AND_BACK, batch.outlined ? GL_LINE : GL_FILL);
+  if (batch.depthOffset != 0.0F) {
+    glEnable(GL_POLYGON_OFFSET_FILL);
+  } else {
+    glDisable(GL_POLYGON_OFFSET_FILL);
+  }
+  glPolygonOffset(batch.depthOffset, batch.depthOffset);
+}
+
+/// One light that shines along the line of sight on grey material, in place of all others.
+void lightFromTheEye() {
+  constexpr float grey[] = {0.55F, 0.55F, 0.55F, 1.0F};
+  constexpr float rest[] = {0.45F, 0.45F, 0.45F, 1.0F};
+  constexpr float white[] = {1.0F, 1.0F, 1.0F, 1.0F};
+  constexpr float black[] = {0.0F, 0.0F, 0.0F, 1.0F};
+  constexpr float towardsEye[] = {0.0F, 0.0F, 1.0F, 0.0F};
+  glEnable(GL_LIGHTING);
+  for (GLenum light = GL_LIGHT0; light <= GL_LIGHT5; ++light) glDisable(light);
+  glEnable(GL_LIGHT6);
+  glPushMatrix();
+  glLoadIdentity();
+  glLightfv(GL_LIGHT6, GL_POSITION, towardsEye);
+  glPopMatrix();
+  glLightfv(GL_LIGHT6, GL_DIFFUSE, rest);
+  glLightfv(GL_LIGHT6, GL_SPECULAR, black);
+  glLightfv(GL_LIGHT6, GL_AMBIENT, black);
+  glLightModelfv(GL_LIGHT_MODEL_AMBIENT, white);
+  glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, grey);
+  glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, white);
+  glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, black);
+}
+
 /// Frees the memory as well, which clear() would keep.
 void drop(auto& numbers) {
   numbers = {};
@@ -99,12 +138,13 @@ void SceneBuffers::clear() {
   batches.clear();
 }
 
-void SceneBuffers::submit(float fieldOfView) {
+void SceneBuffers::submit(const DrawStyle& style) {
   glEnableClientState(GL_VERTEX_ARRAY);
   for (LoadedBatch& loaded : batches) {
-    if (!loaded.batch.setBackAlong.empty()) setBack(loaded, setBackDistance(fieldOfView));
-    draw(loaded);
+    if (!loaded.batch.setBackAlong.empty()) setBack(loaded, setBackDistance(style.fieldOfView));
+    draw(loaded, style.lineWidth);
   }
+  showSides(Batch{});
   glDisableClientState(GL_VERTEX_ARRAY);
   glBindBuffer(GL_ARRAY_BUFFER, 0);
   glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
@@ -125,8 +165,11 @@ void SceneBuffers::setBack(LoadedBatch& loaded, double distance) {
   if (glUnmapBuffer(GL_ARRAY_BUFFER) == GL_TRUE) loaded.setBackBy = distance;
 }
 
-void SceneBuffers::draw(const LoadedBatch& loaded) {
+void SceneBuffers::draw(const LoadedBatch& loaded, float lineWidth) {
   const Batch& batch = loaded.batch;
+  glLineWidth(lineWidth * batch.lineWidthFactor);
+  showSides(batch);
+  if (batch.fading) glPushAttrib(GL_LIGHTING_BIT | GL_ENABLE_BIT);
   glBindBuffer(GL_ARRAY_BUFFER, loaded.vertexBuffer);
   glVertexPointer(3, GL_FLOAT, 0, offset(0));
   if (batch.lit) {
@@ -135,6 +178,7 @@ void SceneBuffers::draw(const LoadedBatch& loaded) {
     glDisable(GL_LIGHTING);
     glColor3f(batch.colour.r, batch.colour.g, batch.colour.b);
   }
+  if (batch.fading) lightFromTheEye();
   glShadeModel(batch.flat ? GL_FLAT : GL_SMOOTH);
   if (loaded.normals >= 0) {
     glEnableClientState(GL_NORMAL_ARRAY);
@@ -153,6 +197,7 @@ void SceneBuffers::draw(const LoadedBatch& loaded) {
   }
   glDisableClientState(GL_NORMAL_ARRAY);
   glDisableClientState(GL_COLOR_ARRAY);
+  if (batch.fading) glPopAttrib();
 }
 
 }  // namespace gravlin

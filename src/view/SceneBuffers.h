@@ -7,6 +7,12 @@
 
 namespace gravlin {
 
+/// What of a view a scene depends on while it is drawn.
+struct DrawStyle {
+  float fieldOfView;  ///< degrees
+  float lineWidth;    ///< framebuffer pixels
+};
+
 /// A scene in buffer objects of the current context, which must be current in every call and in the
 /// destructor.
 class SceneBuffers {
@@ -20,9 +26,10 @@ class SceneBuffers {
   /// std::bad_alloc, holding nothing, when OpenGL has not enough memory.
   void load(Scene scene);
   void clear();
-  /// Draws all batches in their order. Positions that are set back are moved first when the field
-  /// of view is not that of the last call: in place, linear in their number.
-  void submit(float fieldOfView);
+  /// Draws all batches in their order, lines as wide as `style` says. Positions that are set back
+  /// are moved first when the field of view is not that of the last call: in place, linear in their
+  /// number.
+  void submit(const DrawStyle& style);
 
  private:
   struct LoadedBatch {
@@ -39,7 +46,7 @@ class SceneBuffers {
   static void loadVertices(LoadedBatch& loaded);
   static void loadIndices(LoadedBatch& loaded);
   static void setBack(LoadedBatch& loaded, double distance);
-  static void draw(const LoadedBatch& loaded);
+  static void draw(const LoadedBatch& loaded, float lineWidth);
 
   std::vector<LoadedBatch> batches;
 };

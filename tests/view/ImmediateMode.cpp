@@ -5,6 +5,7 @@
 #include <GL/glu.h>
 
 #include "ImmediateCurvature.h"
+#include "ImmediateFeatures.h"
 
 namespace gravlin::test {
 namespace {
@@ -187,6 +188,7 @@ void drawMode(const CGravlinDoc& document, const ViewState& view) {
   if (document.currentMesh == nullptr) return;
   const TriangleMesh& mesh = *document.currentMesh;
   if (drawCurvatureImmediately(document, view.camera.fieldOfView)) return;
+  if (drawFeaturesImmediately(document, view.lineWidth)) return;
   switch (document.displayMode) {
     case 0:
     case 9:

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "ImmediateCurvature.h"
+#include "ImmediateFeatures.h"
 #include "ImmediateMode.h"
 #include "support/Allocations.h"
 #include "support/ImageComparison.h"
@@ -61,6 +62,7 @@ TEST_F(RendererTest, EveryModeDrawsThePixelsOfImmediateMode) {
   offscreen.show(test::cutSphere(), FlatShading);
   offscreen.document.currentMesh->pickedFace = 1000;
   test::computeAllCurvature(offscreen.document);
+  test::findAllLines(offscreen.document);
   const ViewAngles turns[] = {{0, 0, 0}, {10, -25, 40}, {-80, 170, -3}};
   for (int mode = 0; mode <= 31; ++mode) {
     offscreen.show(mode);
