@@ -10,12 +10,12 @@ namespace gravlin {
 /// The distribution of a scalar field over equal bins from three standard deviations below its mean
 /// to three above; what lies beyond piles up in the two end bins.
 struct Histogram {
-  std::vector<double> values;  ///< the histogram's own copy
-  Spread spread;               ///< of the values: mean and standard deviation
-  double clipMax = 0.0;        ///< mean + 3 deviations
-  double clipMin = 0.0;        ///< mean - 3 deviations
-  int binCount = 0;            ///< 0 or less: nothing is binned
-  std::vector<int> bins;       ///< [binCount] how many values
+  std::vector<double> values;    ///< the histogram's own copy
+  Spread spread;                 ///< of the values: mean and standard deviation
+  double clipMax = 0.0;          ///< mean + 3 deviations
+  double clipMin = 0.0;          ///< mean - 3 deviations
+  int binCount = 0;              ///< 0 or less: nothing is binned
+  std::vector<int> bins;         ///< [binCount] how many values
   std::vector<double> binStart;  ///< [binCount] lower edge value
   int maxBin = 0;                ///< the largest of `bins`
 

@@ -99,8 +99,8 @@ std::optional<std::string> binTextAt(const Histogram& histogram, int x) {
 Image drawHistogram(Histogram& histogram, const ViewSize& size) {
   histogram.setWindowWidth(size.width);
   Image image = {size.width, size.height, {}};
-  image.rgb.assign(
-      3 * static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height), 255);
+  image.rgb.assign(3 * static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height),
+                   255);
   const HistogramDrawing drawing = drawingOf(histogram, size);
   const Font font;
   for (const HistogramDrawing::Text& text : drawing.texts) paint(image, text, font);

@@ -1,10 +1,9 @@
-#include "view/HistogramDrawing.h"
-
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "support/ImageComparison.h"
+#include "view/HistogramDrawing.h"
 
 namespace gravlin {
 namespace {

@@ -1,10 +1,10 @@
-#include "view/Histogram.h"
-
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <numeric>
+
+#include "view/Histogram.h"
 
 namespace gravlin {
 namespace {
