@@ -47,6 +47,8 @@ class CGravlinDoc {
   bool modified = false;  ///< the geometry changed since it was opened or saved
   std::string path;       ///< the file last opened or saved; empty for a new document
 
+  bool showsColourLegend = false;  ///< the scale's values beside a picture that has colours of it
+
   VisualizationParameters visualizationParameters;
   ViewAngleParameters viewAngleParameters;
   SmoothingParameters smoothingParameters;
@@ -92,6 +94,7 @@ class CGravlinDoc {
   void OnPoints();
   void OnNonManifoldPoints();
   void OnEdge();
+  void OnColourLegend();
   void OnLightingRgb();
   void OnLightingRed();
   void OnLightingGreen();

@@ -69,6 +69,8 @@ constexpr Command commands[] = {
     {"Visualization/Ligthing", "Red", 32808, &Doc::OnLightingRed, "lighting-red"},
     {"Visualization/Ligthing", "Green", 32809, &Doc::OnLightingGreen, "lighting-green"},
     {"Visualization/Ligthing", "Blue", 32810, &Doc::OnLightingBlue, "lighting-blue"},
+    {"Visualization", "Colour legend", 32815, &Doc::OnColourLegend, "colour-legend", nullptr,
+     std::nullopt, &Doc::showsColourLegend},
 
     {"Option", "Visualization", 32785, &Doc::OnOptionVisualization, "visualization",
      formOf<&Doc::visualizationParameters>},

@@ -17,6 +17,7 @@ struct Command {
   std::string_view step = {};                ///< the name in a batch script; empty: none
   Form (*form)(CGravlinDoc&) = nullptr;      ///< the dialog that the handler shows first, if any
   std::optional<FileDialog> file = {};       ///< the file dialog that the handler shows, if any
+  bool CGravlinDoc::*ticked = nullptr;       ///< what a tick beside the item shows, if it has one
 };
 
 /// Every menu item of a document, in menu order: the menus File, Edit, Visualization, Option and

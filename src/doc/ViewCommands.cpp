@@ -40,6 +40,11 @@ void CGravlinDoc::OnEdge() {
   redraw();
 }
 
+void CGravlinDoc::OnColourLegend() {
+  showsColourLegend = !showsColourLegend;
+  redraw();
+}
+
 void CGravlinDoc::setLighting(LightingMode mode) {
   outside.setLightingMode(mode);
   redraw();

@@ -44,4 +44,14 @@ Colour scaleGrey(double t) {
   return g < 1.0 ? colour(g, g, g) : colour(1.0, 1.0, 1.0);
 }
 
+FieldColours::FieldColours(std::span<const double> values, bool useGrayScale)
+    : spread(spreadOf(values)), grayScale(useGrayScale) {
+  spread.deviation = static_cast<float>(spread.deviation);
+}
+
+Colour FieldColours::operator[](double value) const {
+  const double t = scalePlace(value, spread);
+  return grayScale ? scaleGrey(t) : scaleColour(t);
+}
+
 }  // namespace gravlin

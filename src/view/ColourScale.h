@@ -30,4 +30,14 @@ Colour scaleColour(double t);
 /// The grey at place t: black up to -2.1, white from 2.1 on. A t that is not a number is black.
 Colour scaleGrey(double t);
 
+/// The colour scale, or the grey scale, laid over a field of values.
+struct FieldColours {
+  FieldColours(std::span<const double> values, bool useGrayScale);
+  /// The colour of a value of the field.
+  Colour operator[](double value) const;
+
+  Spread spread;  ///< of the values, its deviation rounded to single precision
+  bool grayScale;
+};
+
 }  // namespace gravlin

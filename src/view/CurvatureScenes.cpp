@@ -22,8 +22,8 @@ Scene inFrontOfSurface(Batch marks, const TriangleMesh& mesh) {
   return {{std::move(marks), setBackFaces(mesh, white)}};
 }
 
-bool grayScale(const CGravlinDoc& document) {
-  return document.visualizationParameters.grayScale;
+FieldColours coloursOf(const CGravlinDoc& document, std::span<const double> values) {
+  return {values, document.visualizationParameters.grayScale};
 }
 
 // --- Directions ---
@@ -70,12 +70,12 @@ Scene tensors(const TriangleMesh& mesh, const std::vector<double>& field,
               const std::vector<double>& curvature) {
   if (!isThere(field, mesh)) return flatSurface(mesh);
   const FieldColours colours(curvature, false);
-  return inFrontOfSurface(glyphs(mesh, field,
-                                 [&](Batch& batch, int i) {
-                                   addColour(batch,
-                                             colours[curvature[static_cast<std::size_t>(i)]]);
-                                 }),
-                          mesh);
+  Batch batch = glyphs(mesh, field, [&](Batch& segments, int i) {
+    addColour(segments, colours[curvature[static_cast<std::size_t>(i)]]);
+  });
+  Scene scene = inFrontOfSurface(std::move(batch), mesh);
+  scene.scale = colours;
+  return scene;
 }
 
 // --- Strokes ---
@@ -111,20 +111,25 @@ Scene vertexField(const CGravlinDoc& document) {
   const TriangleMesh& mesh = *document.currentMesh;
   const std::vector<double> values = shownFieldValues(document);
   if (values.size() != static_cast<std::size_t>(mesh.vertexCount)) return flatSurface(mesh);
-  return {{scalarFaces(mesh, values, grayScale(document))}};
+  const FieldColours colours = coloursOf(document, values);
+  return {{scalarFaces(mesh, values, colours)}, colours};
 }
 
 Scene faceField(const CGravlinDoc& document) {
   const TriangleMesh& mesh = *document.currentMesh;
   const std::vector<double> values = shownFieldValues(document);
   if (values.size() != static_cast<std::size_t>(mesh.faceCount)) return flatSurface(mesh);
-  return {{faceScalarFaces(mesh, values, grayScale(document))}};
+  const FieldColours colours = coloursOf(document, values);
+  return {{faceScalarFaces(mesh, values, colours)}, colours};
 }
 
 Scene edgeField(const CGravlinDoc& document) {
   const TriangleMesh& mesh = *document.currentMesh;
   if (mesh.edgeCurvatures.size() != mesh.faces.size()) return flatSurface(mesh);
-  return inFrontOfSurface(edgeScalarLines(mesh, mesh.edgeCurvatures, grayScale(document)), mesh);
+  const FieldColours colours = coloursOf(document, mesh.edgeCurvatures);
+  Scene scene = inFrontOfSurface(edgeScalarLines(mesh, mesh.edgeCurvatures, colours), mesh);
+  scene.scale = colours;
+  return scene;
 }
 
 Scene meanEdgeCurvature(const CGravlinDoc& document) {
@@ -135,7 +140,8 @@ Scene meanEdgeCurvature(const CGravlinDoc& document) {
   for (std::size_t f = 0; f < values.size(); ++f) {
     values[f] = (edges[3 * f] + edges[3 * f + 1] + edges[3 * f + 2]) / 3.0;
   }
-  return {{faceScalarFaces(mesh, values, grayScale(document))}};
+  const FieldColours colours = coloursOf(document, values);
+  return {{faceScalarFaces(mesh, values, colours)}, colours};
 }
 
 Scene maxDirections(const CGravlinDoc& document) {

@@ -2,13 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 #include "view/Text.h"
+#include "view/ValueText.h"
 
 namespace gravlin {
 namespace {
@@ -19,23 +17,6 @@ constexpr int lineHeight = 17;
 constexpr int emSize = 13;
 constexpr int textLines = 4;
 constexpr int barsTop = 2 * textTop + textLines * lineHeight;
-
-/// A number with six decimals, whatever the locale.
-std::string fixed(double number) {
-  if (std::isnan(number)) return "nan";
-  std::array<char, 400> text = {};  // the largest double has 309 digits before the point
-  const auto end =
-      std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, 6);
-  return {text.data(), end.ptr};
-}
-
-std::string general(double number) {
-  if (std::isnan(number)) return "nan";
-  std::array<char, 40> text = {};
-  const auto end =
-      std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::general, 6);
-  return {text.data(), end.ptr};
-}
 
 using Rgb = std::array<std::uint8_t, 3>;
 
@@ -70,9 +51,9 @@ HistogramDrawing drawingOf(const Histogram& histogram, const ViewSize& size) {
   HistogramDrawing drawing;
   if (histogram.values.empty()) return drawing;
   const std::array<std::string, textLines> lines = {
-      "Clip Min: " + fixed(histogram.clipMin), "Clip Max: " + fixed(histogram.clipMax),
-      "Average : " + fixed(histogram.spread.mean),
-      "Varience: " + fixed(histogram.spread.deviation)};  // deliberate: not its square
+      "Clip Min: " + fixedText(histogram.clipMin), "Clip Max: " + fixedText(histogram.clipMax),
+      "Average : " + fixedText(histogram.spread.mean),
+      "Varience: " + fixedText(histogram.spread.deviation)};  // deliberate: not its square
   int y = textTop;
   for (const std::string& line : lines) {
     drawing.texts.push_back({margin, y, line});
@@ -93,7 +74,7 @@ std::optional<std::string> binTextAt(const Histogram& histogram, int x) {
     return std::nullopt;
   }
   const auto bin = static_cast<std::size_t>(x - margin);
-  return general(histogram.binStart[bin]) + ": " + std::to_string(histogram.bins[bin]);
+  return shortText(histogram.binStart[bin]) + ": " + std::to_string(histogram.bins[bin]);
 }
 
 Image drawHistogram(Histogram& histogram, const ViewSize& size) {

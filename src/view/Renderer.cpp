@@ -7,8 +7,10 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "view/Legend.h"
 #include "view/Lights.h"
 #include "view/OpenGL.h"
 #include "view/Overlay.h"
@@ -48,6 +50,14 @@ std::vector<Label> cornerLabels(const CornerKey& key) {
   if (key.outOfMemory) labels.push_back({8, 42, "Not enough memory to draw this mesh."});
   return labels;
 }
+
+/// What decides the look of the colour legend.
+struct LegendKey {
+  SceneKey scene;
+  int viewWidth = 0;
+  double pixelRatio = 0.0;
+  bool operator==(const LegendKey&) const = default;
+};
 
 /// Framebuffer pixels of a length in the view's own pixels.
 int framebufferPixels(int length, double ratio) {
@@ -146,11 +156,15 @@ struct Renderer::Resources {
   int usedVertices = 0;
   int validFaces = 0;
   bool outOfMemory = false;
+  std::optional<FieldColours> scale;  ///< of the scene's colours
   Overlay overlay;
   CornerKey cornerKey;  ///< of what `overlay` shows
+  Overlay legend;
+  LegendKey legendKey;  ///< of what `legend` shows
 
   void refreshScene(const CGravlinDoc& document);
   void drawCorner(const ViewState& view, const DrawTarget& target);
+  void drawLegend(const DrawTarget& target);
 };
 
 void Renderer::Resources::refreshScene(const CGravlinDoc& document) {
@@ -161,8 +175,11 @@ void Renderer::Resources::refreshScene(const CGravlinDoc& document) {
   validFaces = mesh != nullptr ? mesh->countValidFaces() : 0;
   scene.clear();
   outOfMemory = false;
+  scale.reset();
   try {
-    scene.load(gatherScene(document));
+    Scene gathered = gatherScene(document);
+    scale = gathered.scale;
+    scene.load(std::move(gathered));
   } catch (const std::bad_alloc&) {
     // The document is worth more than its picture: it can still be saved.
     outOfMemory = true;
@@ -180,6 +197,18 @@ void Renderer::Resources::drawCorner(const ViewState& view, const DrawTarget& ta
   glDisable(GL_LIGHTING);
   glDisable(GL_DEPTH_TEST);
   overlay.draw(framebufferPixels(target.size.height, target.pixelRatio));
+}
+
+void Renderer::Resources::drawLegend(const DrawTarget& target) {
+  const LegendKey key = {*sceneKey, target.size.width, target.pixelRatio};
+  if (key != legendKey) {
+    const LegendLayout layout = legendOf(*scale, target.size);
+    legend.show(layout.labels, {layout.bar}, target.pixelRatio);
+    legendKey = key;
+  }
+  glDisable(GL_LIGHTING);
+  glDisable(GL_DEPTH_TEST);
+  legend.draw(framebufferPixels(target.size.height, target.pixelRatio));
 }
 
 Renderer::Renderer() : resources(std::make_unique<Resources>()) {
@@ -218,6 +247,7 @@ void Renderer::draw(const CGravlinDoc& document, ViewState& view, const DrawTarg
   view.camera.loadModelView();
   resources->scene.submit({view.camera.fieldOfView, view.lineWidth * ratio});
   if (target.overlay) resources->drawCorner(view, target);
+  if (document.showsColourLegend && resources->scale) resources->drawLegend(target);
   makeOpaque();
   glFlush();
 }

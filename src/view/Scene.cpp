@@ -135,18 +135,16 @@ Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour) {
   return batch;
 }
 
-Batch scalarFaces(const TriangleMesh& mesh, std::span<const double> values, bool grayScale) {
+Batch scalarFaces(const TriangleMesh& mesh, std::span<const double> values, const FieldColours& colours) {
   Batch batch = indexedFaces(mesh);
   if (values.size() != batch.vertexCount()) return {};
-  const FieldColours colours(values, grayScale);
   batch.colours.reserve(3 * batch.vertexCount());
   for (const double value : values) addColour(batch, colours[value]);
   return batch;
 }
 
-Batch faceScalarFaces(const TriangleMesh& mesh, std::span<const double> values, bool grayScale) {
+Batch faceScalarFaces(const TriangleMesh& mesh, std::span<const double> values, const FieldColours& colours) {
   if (values.size() != static_cast<std::size_t>(mesh.faceCount)) return {};
-  const FieldColours colours(values, grayScale);
   Batch batch;
   batch.positions.reserve(9 * values.size());
   batch.colours.reserve(9 * values.size());
@@ -162,9 +160,8 @@ Batch faceScalarFaces(const TriangleMesh& mesh, std::span<const double> values, 
   return batch;
 }
 
-Batch edgeScalarLines(const TriangleMesh& mesh, std::span<const double> values, bool grayScale) {
+Batch edgeScalarLines(const TriangleMesh& mesh, std::span<const double> values, const FieldColours& colours) {
   if (values.size() != mesh.faces.size()) return {};
-  const FieldColours colours(values, grayScale);
   const bool knowsNeighbours = mesh.faceAdjacency.size() == mesh.faces.size();
   Batch batch = plainBatch(Primitive::Lines, {});
   for (std::size_t edge = 0; edge < values.size(); ++edge) {
@@ -197,16 +194,6 @@ Batch faceEdges(const TriangleMesh& mesh, const Colour& colour) {
   Batch batch = indexedBatch(Primitive::Lines, mesh, std::move(indices));
   batch.colour = colour;
   return batch;
-}
-
-FieldColours::FieldColours(std::span<const double> values, bool useGrayScale)
-    : spread(spreadOf(values)), grayScale(useGrayScale) {
-  spread.deviation = static_cast<float>(spread.deviation);
-}
-
-Colour FieldColours::operator[](double value) const {
-  const double t = scalePlace(value, spread);
-  return grayScale ? scaleGrey(t) : scaleColour(t);
 }
 
 void addColour(Batch& batch, const Colour& colour) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cmath>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -50,6 +51,7 @@ inline double setBackDistance(float fieldOfView) {
 /// What a display mode shows, in drawing order. Plain data; SceneBuffers puts it on the screen.
 struct Scene {
   std::vector<Batch> batches;
+  std::optional<FieldColours> scale = std::nullopt;  ///< that the colours were taken from, if any
 };
 
 // --- What scenes are made of ---
@@ -64,30 +66,22 @@ Batch smoothFaces(const TriangleMesh& mesh);
 Batch plainFaces(const TriangleMesh& mesh, const Colour& colour);
 /// Unlit triangles of one colour, set back along the vertex normals.
 Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour);
-/// Unlit triangles with a colour per corner: that of the vertex's place among all `values` [V], in
-/// colour or in grey. Nothing when there is not one value per vertex.
-Batch scalarFaces(const TriangleMesh& mesh, std::span<const double> values, bool grayScale);
-/// Unlit triangles of one colour each: that of the face's place among all `values` [F]. Nothing
-/// when there is not one value per face.
-Batch faceScalarFaces(const TriangleMesh& mesh, std::span<const double> values, bool grayScale);
-/// The edges of the faces in the colours of their places among all `values` [3F], numbered as
-/// `faceAdjacency`; an edge between two faces once. Nothing when there are not three values per
-/// face.
-Batch edgeScalarLines(const TriangleMesh& mesh, std::span<const double> values, bool grayScale);
+/// Unlit triangles with a colour per corner, that of the vertex's value [V]. Nothing when there is
+/// not one value per vertex.
+Batch scalarFaces(const TriangleMesh& mesh, std::span<const double> values,
+                  const FieldColours& colours);
+/// Unlit triangles of one colour each, that of the face's value [F]. Nothing when there is not one
+/// value per face.
+Batch faceScalarFaces(const TriangleMesh& mesh, std::span<const double> values,
+                      const FieldColours& colours);
+/// The edges of the faces in the colours of their values [3F], numbered as `faceAdjacency`; an edge
+/// between two faces once. Nothing when there are not three values per face.
+Batch edgeScalarLines(const TriangleMesh& mesh, std::span<const double> values,
+                      const FieldColours& colours);
 /// The edges of the faces, each edge a-b once: where it runs from a higher to a lower index. So a
 /// boundary edge is left out when its face has it the other way round.
 Batch faceEdges(const TriangleMesh& mesh, const Colour& colour);
 
-/// The colour scale, or the grey scale, laid over a field of values.
-class FieldColours {
- public:
-  FieldColours(std::span<const double> values, bool useGrayScale);
-  Colour operator[](double value) const;
-
- private:
-  Spread spread;
-  bool grayScale;
-};
 void addColour(Batch& batch, const Colour& colour);
 
 /// Unlit points, lines or triangles of one colour, to be filled.

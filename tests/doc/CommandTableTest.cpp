@@ -56,6 +56,7 @@ TEST(CommandTable, HoldsEveryMenuItemWithItsExactTextInMenuOrder) {
       "Visualization/Ligthing / Red",
       "Visualization/Ligthing / Green",
       "Visualization/Ligthing / Blue",
+      "Visualization / Colour legend",
       "Option / Visualization",
       "Option / View Direction",
       "EXPERIMET / Show Vertex Error",

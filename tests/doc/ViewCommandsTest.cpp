@@ -107,6 +107,15 @@ TEST_F(ViewCommands, LightingGoesToTheViewAndKeepsTheMode) {
   }
 }
 
+TEST_F(ViewCommands, ColourLegendIsOffUntilChosenAndOffAgainTheSecondTime) {
+  EXPECT_FALSE(doc.showsColourLegend);
+  doc.OnColourLegend();
+  EXPECT_TRUE(doc.showsColourLegend);
+  EXPECT_THAT(outside.calls, ElementsAre("redraw"));
+  doc.OnColourLegend();
+  EXPECT_FALSE(doc.showsColourLegend);
+}
+
 TEST_F(ViewCommands, LightingDoesNotTouchTheValuesOfTheVisualizationDialog) {
   doc.visualizationParameters.lineWidth = 4.0F;
   doc.OnLightingRed();

@@ -25,6 +25,10 @@ Scene sceneOf(TriangleMesh mesh, int displayMode) {
   return gatherScene(document);
 }
 
+Batch scalarsOn(const TriangleMesh& mesh, const std::vector<double>& values, bool grayScale) {
+  return scalarFaces(mesh, values, {values, grayScale});
+}
+
 /// Number of vertices that the batches of a scene draw.
 std::vector<std::size_t> drawnCounts(const Scene& scene) {
   std::vector<std::size_t> counts;
@@ -252,7 +256,7 @@ TEST(Scene, WhatIsNotFiniteIsLeftOutAndTheRestIsShown) {
 TEST(Scene, ScalarFacesColourEachVertexByItsPlaceAmongAll) {
   const TriangleMesh mesh = test::singleTriangle();
   const std::vector<double> values = {1, 2, 3};
-  const Batch batch = scalarFaces(mesh, values, false);
+  const Batch batch = scalarsOn(mesh, values, false);
   EXPECT_FALSE(batch.lit);
   ASSERT_EQ(batch.colours.size(), 9U);
   // Deviation sqrt(2/3): the ends lie at t = -+1.837.
@@ -264,7 +268,7 @@ TEST(Scene, ScalarFacesColourEachVertexByItsPlaceAmongAll) {
 }
 
 TEST(Scene, ScalarFacesInGrey) {
-  const Batch batch = scalarFaces(test::singleTriangle(), std::vector<double>{1, 2, 3}, true);
+  const Batch batch = scalarsOn(test::singleTriangle(), std::vector<double>{1, 2, 3}, true);
   ASSERT_EQ(batch.colours.size(), 9U);
   for (std::size_t i = 0; i < 9; i += 3) {
     EXPECT_EQ(batch.colours[i], batch.colours[i + 1]);
@@ -275,15 +279,15 @@ TEST(Scene, ScalarFacesInGrey) {
 
 TEST(Scene, ConstantFieldIsBlack) {
   for (const bool gray : {false, true}) {
-    const Batch batch = scalarFaces(test::cube(), std::vector<double>(8, 4.25), gray);
+    const Batch batch = scalarsOn(test::cube(), std::vector<double>(8, 4.25), gray);
     EXPECT_EQ(batch.drawnCount(), 36U);
     EXPECT_THAT(batch.colours, Each(0.0F));
   }
 }
 
 TEST(Scene, ScalarFacesNeedOneValuePerVertex) {
-  EXPECT_EQ(scalarFaces(test::cube(), std::vector<double>(7, 1.0), false).drawnCount(), 0U);
-  EXPECT_EQ(scalarFaces(test::emptyMesh(), {}, false).drawnCount(), 0U);
+  EXPECT_EQ(scalarsOn(test::cube(), std::vector<double>(7, 1.0), false).drawnCount(), 0U);
+  EXPECT_EQ(scalarsOn(test::emptyMesh(), {}, false).drawnCount(), 0U);
 }
 
 }  // namespace
