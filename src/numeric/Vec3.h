@@ -80,4 +80,11 @@ void storeVectorAt(std::vector<Number>& field, int i, const Vec3& a) {
   storeVec3(field.data() + 3 * static_cast<std::size_t>(i), a);
 }
 
+/// Every component rounded to single precision, as storing it in a mesh does.
+inline Vec3 roundedToSingle(const Vec3& a) {
+  float xyz[3];
+  storeVec3(xyz, a);
+  return loadVec3(xyz);
+}
+
 }  // namespace gravlin

@@ -58,12 +58,6 @@ void visitTriangles(const TriangleMesh& mesh, int i, const Visit& visit) {
   });
 }
 
-Vec3 roundedToSingle(const Vec3& a) {
-  float xyz[3];
-  storeVec3(xyz, a);
-  return loadVec3(xyz);
-}
-
 }  // namespace
 
 void integrateDistance(TriangleMesh& mesh, double step) {

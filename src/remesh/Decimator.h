@@ -1,0 +1,41 @@
+#pragma once
+
+#include "mesh/TriangleMesh.h"
+
+namespace gravlin {
+
+/// What a decimation did.
+struct DecimationResult {
+  int vertices = 0;            ///< that were removed
+  int faces = 0;               ///< that were removed
+  bool targetReached = false;  ///< otherwise no edge was left that may collapse
+};
+
+/// Reduces the document's current mesh by collapsing edges, cheapest first: an edge's cost is the
+/// least value of the summed error quadrics of its two ends (see vertexQuadrics), and it collapses
+/// into the point where that value is taken. Without a mesh nothing happens.
+class Decimator {
+ public:
+  /// Points to the mesh that the operations work on from now on; null for none. The mesh is not
+  /// owned. Requires buildAdjacency and buildFaceAdjacency.
+  void attach(TriangleMesh* current) { mesh = current; }
+
+  /// Collapses edges until no more than (1 - rate) times the number of used vertices, with the
+  /// fraction cut off, are left, but at least one edge if any may collapse. Brings the face normals
+  /// up to date first. Removed vertices end without a ring, removed faces invalid; rings, kinds and
+  /// face adjacency are rebuilt, normals and everything else derived are stale then.
+  ///
+  /// All memory but that of the rebuilt rings is taken before the first collapse: when that is
+  /// refused (std::bad_alloc) faces and positions are as they were.
+  DecimationResult decimate(float rate);
+
+  /// Collapses edge i-j into vertex i placed at `position`, rounded to single precision, if it
+  /// passes the tests of CollapsibleMesh::collapse, and rebuilds rings, kinds and face adjacency.
+  /// False when it may not or there is no such edge; then nothing has changed.
+  bool collapseEdge(int i, int j, const Vec3& position);
+
+ private:
+  TriangleMesh* mesh = nullptr;
+};
+
+}  // namespace gravlin

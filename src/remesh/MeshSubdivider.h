@@ -1,0 +1,25 @@
+#pragma once
+
+#include "mesh/TriangleMesh.h"
+
+namespace gravlin {
+
+/// Refines the document's current mesh: every triangle is split into four by a new vertex on each
+/// of its sides. Each scheme is a free function of a mesh in a file of its own; this object knows
+/// the mesh and puts the result in its place. When counts or memory are refused (std::length_error,
+/// std::bad_alloc) the mesh stays as it was. Without a mesh an operation does nothing.
+class MeshSubdivider {
+ public:
+  /// Points to the mesh that the operations work on from now on; null for none. The mesh is not
+  /// owned. Requires buildAdjacency and buildFaceAdjacency.
+  void attach(TriangleMesh* current) { mesh = current; }
+
+  void loopSubdivision();
+  void butterflySubdivision();
+  void linearSubdivision();
+
+ private:
+  TriangleMesh* mesh = nullptr;
+};
+
+}  // namespace gravlin

@@ -1,0 +1,321 @@
+#include <algorithm>
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <numbers>
+#include <set>
+
+#include "mesh/MeshMeasures.h"
+#include "numeric/Index.h"
+#include "remesh/DecimationParameters.h"
+#include "remesh/Decimator.h"
+#include "remesh/SlowDecimation.h"
+#include "support/Meshes.h"
+
+namespace gravlin {
+namespace {
+
+using ::testing::Each;
+
+DecimationResult decimate(TriangleMesh& mesh, float rate) {
+  Decimator decimator;
+  decimator.attach(&mesh);
+  return decimator.decimate(rate);
+}
+
+/// The mesh with a hole in the place of each given vertex's faces.
+TriangleMesh withHoles(TriangleMesh mesh, const std::vector<int>& vertices) {
+  for (const int v : vertices) {
+    for (const int f : mesh.vertexFaces[v]) mesh.setFace(f, std::array{-1, -1, -1});
+  }
+  mesh.buildAdjacency();
+  mesh.buildFaceAdjacency();
+  return mesh;
+}
+
+/// A closed band, n squares around and one across: every inner edge joins its two boundaries.
+TriangleMesh band(int n) {
+  std::vector<std::array<float, 3>> points;
+  std::vector<std::array<int, 3>> faces;
+  for (int k = 0; k < n; ++k) {
+    const double angle = 2.0 * std::numbers::pi * k / n;
+    for (const float z : {0.0F, 0.5F}) {
+      points.push_back(
+          {static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle)), z});
+    }
+    const int a = 2 * k;
+    const int b = 2 * ((k + 1) % n);
+    faces.push_back({a, b, b + 1});
+    faces.push_back({a, b + 1, a + 1});
+  }
+  return test::makeMesh(points, faces);
+}
+
+/// Meshes without two edges of the same cost. (At a boundary corner of one face all planes are the
+/// same and its edges cost nothing but rounding, so none has such a corner.)
+std::vector<test::NamedMesh> roughMeshes() {
+  return {
+      {"sphere", test::jittered(test::icosphere(2), 0.03)},
+      {"cube", test::jittered(test::fineCube(5), 0.03)},
+      {"torus", test::jittered(test::torus(16, 10), 0.08)},
+      {"sphere with holes", withHoles(test::jittered(test::icosphere(2), 0.03), {0, 3, 40, 90})},
+      {"band", test::jittered(band(24), 0.04)}};
+}
+
+// --- Against the definition ---
+
+TEST(Decimator, CollapsesTheEdgesThatThePlainSearchCollapses) {
+  for (const test::NamedMesh& rough : roughMeshes()) {
+    for (const float rate : {0.1F, 0.5F, 0.8F, 1.0F}) {
+      SCOPED_TRACE(::testing::Message() << rough.name << ' ' << rate);
+      TriangleMesh mesh = rough.mesh;
+      TriangleMesh slow = rough.mesh;
+      const DecimationResult result = decimate(mesh, rate);
+      EXPECT_EQ(result.vertices, test::decimateSlowly(slow, static_cast<double>(rate)));
+      EXPECT_GT(result.vertices, 0);
+      EXPECT_EQ(mesh.faces, slow.faces);
+      for (int i = 0; i < mesh.vertexCount; ++i) {
+        // The same linear systems solved in another order of operations, their results summed up
+        // over many collapses.
+        EXPECT_NEAR(length(mesh.position(i) - slow.position(i)), 0.0, 1e-4);
+      }
+    }
+  }
+}
+
+TEST(Decimator, CountsWhatItRemoved) {
+  for (const auto& [name, rough] : roughMeshes()) {
+    TriangleMesh mesh = rough;
+    const DecimationResult result = decimate(mesh, 0.4F);
+    EXPECT_EQ(mesh.countUsedVertices(), rough.countUsedVertices() - result.vertices) << name;
+    EXPECT_EQ(mesh.countValidFaces(), rough.countValidFaces() - result.faces) << name;
+  }
+}
+
+// --- The target ---
+
+TEST(Decimator, StopsAtTheShareOfUsedVerticesWithTheFractionCutOff) {
+  // 162 used vertices, one more that no face uses: 0.3 x 162 = 48.6 may stay.
+  TriangleMesh sphere = test::icosphere(2);
+  std::vector<std::array<float, 3>> points = {{5, 5, 5}};
+  std::vector<std::array<int, 3>> faces;
+  for (int i = 0; i < sphere.vertexCount; ++i) {
+    const float* p = &sphere.vertices[3 * toIndex(i)];
+    points.push_back({p[0], p[1], p[2]});
+  }
+  for (int f = 0; f < sphere.faceCount; ++f) {
+    const auto c = sphere.corners(f);
+    faces.push_back({c[0] + 1, c[1] + 1, c[2] + 1});
+  }
+  TriangleMesh mesh = test::makeMesh(points, faces);
+  ASSERT_EQ(mesh.countUsedVertices(), 162);
+  const DecimationResult result = decimate(mesh, 0.7F);
+  EXPECT_TRUE(result.targetReached);
+  EXPECT_EQ(mesh.countUsedVertices(), 48);
+}
+
+TEST(Decimator, CollapsesOneEdgeWhenNothingIsToGo) {
+  for (const float rate : {0.0F, -0.5F, -std::numeric_limits<float>::infinity()}) {
+    TriangleMesh mesh = test::icosphere(2);
+    const DecimationResult result = decimate(mesh, rate);
+    EXPECT_EQ(result.vertices, 1) << rate;
+    EXPECT_TRUE(result.targetReached) << rate;
+  }
+}
+
+TEST(Decimator, GoesOnUntilNoEdgeIsLeftWhenEverythingIsToGo) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  for (const float rate : {1.0F, 7.0F, std::numeric_limits<float>::infinity(), nan}) {
+    TriangleMesh mesh = test::icosphere(2);
+    const DecimationResult result = decimate(mesh, rate);
+    EXPECT_FALSE(result.targetReached) << rate;
+    EXPECT_GT(result.vertices, 100) << rate;
+    EXPECT_GT(mesh.countUsedVertices(), 3) << rate;
+    EXPECT_EQ(test::eulerCharacteristic(mesh), 2) << rate;
+  }
+}
+
+TEST(Decimator, LeavesATetrahedronAsItIs) {
+  TriangleMesh mesh = test::tetrahedron();
+  const DecimationResult result = decimate(mesh, 0.5F);
+  EXPECT_EQ(result.vertices, 0);
+  EXPECT_EQ(result.faces, 0);
+  EXPECT_FALSE(result.targetReached);
+  EXPECT_EQ(mesh.faces, test::tetrahedron().faces);
+}
+
+// --- Laws ---
+
+TEST(Decimator, KeepsAClosedMeshClosedAndItsEulerCharacteristic) {
+  for (const test::NamedMesh& rough : roughMeshes()) {
+    if (rough.name == "sphere with holes" || rough.name == "band") continue;
+    TriangleMesh mesh = rough.mesh;
+    decimate(mesh, 0.9F);
+    EXPECT_EQ(test::eulerCharacteristic(mesh), test::eulerCharacteristic(rough.mesh));
+    for (int i = 0; i < mesh.vertexCount; ++i) {
+      if (mesh.neighbourCount(i) > 0) {
+        EXPECT_EQ(mesh.vertexKind[toIndex(i)], InteriorVertex);
+      }
+    }
+  }
+}
+
+TEST(Decimator, KeepsTheShapeOfFlatSidesAndTheirEdges) {
+  // Collapses within a side or along an edge of a cube cost nothing, all others something.
+  TriangleMesh mesh = test::fineCube(8);
+  const DecimationResult result = decimate(mesh, 0.9F);
+  EXPECT_TRUE(result.targetReached);
+  mesh.computeFaceNormals();
+  EXPECT_NEAR(enclosedVolume(mesh), 8.0, 1e-5);
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    if (mesh.neighbourCount(i) == 0) continue;
+    const Vec3 p = mesh.position(i);
+    EXPECT_NEAR(std::max({std::abs(p.x), std::abs(p.y), std::abs(p.z)}), 1.0, 1e-6);
+  }
+}
+
+TEST(Decimator, KeepsAPlanarPatchInItsPlaneAndItsSidesStraight) {
+  TriangleMesh mesh = test::grid(10, 8);
+  decimate(mesh, 0.6F);
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    if (mesh.neighbourCount(i) == 0) continue;
+    const Vec3 p = mesh.position(i);
+    EXPECT_EQ(p.z, 0.0);
+    EXPECT_GE(p.x, -1e-6);
+    EXPECT_GE(p.y, -1e-6);
+    EXPECT_LE(p.x, 10.0 + 1e-5);
+    EXPECT_LE(p.y, 8.0 + 1e-5);
+  }
+}
+
+TEST(Decimator, StaysCloseToASmoothSurface) {
+  // A sphere of 642 vertices reduced to 128: the chords of its edges sink by about 0.03.
+  TriangleMesh mesh = test::icosphere(3);
+  decimate(mesh, 0.8F);
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    if (!mesh.validFace(f)) continue;
+    const auto c = mesh.corners(f);
+    const Vec3 centre = (mesh.position(c[0]) + mesh.position(c[1]) + mesh.position(c[2])) / 3.0;
+    EXPECT_NEAR(length(centre), 1.0, 0.06);
+  }
+}
+
+TEST(Decimator, TakesUpToDateFaceNormalsAndGivesTheSameBitsTwice) {
+  for (const auto& [name, rough] : roughMeshes()) {
+    TriangleMesh a = rough;
+    TriangleMesh b = rough;
+    std::ranges::fill(b.faceNormals, 0.5F);
+    decimate(a, 0.5F);
+    decimate(b, 0.5F);
+    EXPECT_EQ(a.faces, b.faces) << name;
+    EXPECT_EQ(a.vertices, b.vertices) << name;
+  }
+}
+
+TEST(Decimator, LeavesTopologyAsBuildingItAnewGives) {
+  for (const auto& [name, rough] : roughMeshes()) {
+    TriangleMesh mesh = rough;
+    decimate(mesh, 0.5F);
+    TriangleMesh anew = mesh;
+    anew.buildAdjacency();
+    anew.buildFaceAdjacency();
+    EXPECT_EQ(mesh.vertexNeighbours.items, anew.vertexNeighbours.items) << name;
+    EXPECT_EQ(mesh.vertexKind, anew.vertexKind) << name;
+    EXPECT_EQ(mesh.faceAdjacency, anew.faceAdjacency) << name;
+  }
+}
+
+TEST(Decimator, LeavesNonManifoldVerticesAndTheirFacesInPlace) {
+  // Two rough spheres that share one vertex.
+  const TriangleMesh sphere = test::jittered(test::icosphere(2), 0.03);
+  std::vector<std::array<float, 3>> points;
+  std::vector<std::array<int, 3>> faces;
+  const Vec3 meeting = sphere.position(0);
+  for (const int side : {0, 1}) {
+    for (int i = 0; i < sphere.vertexCount; ++i) {
+      const Vec3 p = side == 0 ? sphere.position(i) : 2.0 * meeting - sphere.position(i);
+      points.push_back({static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)});
+    }
+    for (int f = 0; f < sphere.faceCount; ++f) {
+      std::array<int, 3> c;
+      for (std::size_t k = 0; k < 3; ++k) {
+        const int v = sphere.corners(f)[k];
+        c[k] = side == 0 || v == 0 ? v : v + sphere.vertexCount;
+      }
+      if (side == 1) std::swap(c[1], c[2]);  // the reflection turned it over
+      faces.push_back(c);
+    }
+  }
+  TriangleMesh mesh = test::makeMesh(points, faces);
+  ASSERT_EQ(mesh.vertexKind[0], NonManifoldVertex);
+  const int fan = mesh.vertexFaceCount(0);
+  decimate(mesh, 0.8F);
+  EXPECT_EQ(mesh.position(0), meeting);
+  EXPECT_EQ(mesh.vertexFaceCount(0), fan);
+  EXPECT_EQ(mesh.vertexKind[0], NonManifoldVertex);
+}
+
+TEST(Decimator, GoesThroughAnyMesh) {
+  for (const auto& [name, hostile] : test::hostileMeshes()) {
+    for (const float rate : {0.0F, 0.5F, 1.0F}) {
+      TriangleMesh mesh = hostile;
+      const DecimationResult result = decimate(mesh, rate);
+      EXPECT_EQ(mesh.countValidFaces(), hostile.countValidFaces() - result.faces) << name;
+    }
+  }
+  TriangleMesh withInfinity = test::icosphere(2);
+  withInfinity.vertices[30] = std::numeric_limits<float>::infinity();
+  withInfinity.vertices[60] = std::numeric_limits<float>::quiet_NaN();
+  decimate(withInfinity, 0.9F);
+  EXPECT_EQ(test::eulerCharacteristic(withInfinity), 2);
+}
+
+TEST(Decimator, DoesNothingWithoutAMesh) {
+  Decimator decimator;
+  EXPECT_EQ(decimator.decimate(0.5F).vertices, 0);
+  EXPECT_FALSE(decimator.collapseEdge(0, 1, {}));
+}
+
+// --- One edge ---
+
+TEST(Decimator, CollapsesOneEdgeAndRebuildsTheTopology) {
+  TriangleMesh mesh = test::grid(6, 6);
+  Decimator decimator;
+  decimator.attach(&mesh);
+  EXPECT_TRUE(decimator.collapseEdge(24, 25, {3.4, 3.1, 0.2}));
+  EXPECT_EQ(mesh.position(24), (Vec3{static_cast<double>(3.4F), static_cast<double>(3.1F),
+                                     static_cast<double>(0.2F)}));
+  EXPECT_EQ(mesh.neighbourCount(24), 8);
+  EXPECT_EQ(mesh.neighbourCount(25), 0);
+  EXPECT_EQ(mesh.vertexKind[25], NonManifoldVertex);
+  EXPECT_EQ(mesh.countUsedVertices(), 48);
+}
+
+TEST(Decimator, ARefusedEdgeChangesNothing) {
+  TriangleMesh mesh = test::tetrahedron();
+  const TriangleMesh before = mesh;
+  Decimator decimator;
+  decimator.attach(&mesh);
+  for (const auto& [i, j] : {std::pair(0, 1), {0, 0}, {-1, 2}, {2, 4}, {7, 9}}) {
+    EXPECT_FALSE(decimator.collapseEdge(i, j, {0.5, 0, 0}));
+  }
+  EXPECT_EQ(mesh.vertices, before.vertices);
+  EXPECT_EQ(mesh.faces, before.faces);
+  EXPECT_EQ(mesh.vertexNeighbours.items, before.vertexNeighbours.items);
+}
+
+TEST(Decimator, DialogTakesAnyRate) {
+  DecimationParameters parameters;
+  const Form form = parameters.form();
+  EXPECT_EQ(form.name, "CDecimationDlg");
+  EXPECT_EQ(form.title, "Decimation");
+  ASSERT_EQ(form.fields.size(), 1U);
+  EXPECT_EQ(form.fields[0].label, "Reduction rate (0-1)");
+  EXPECT_EQ(textOf(form.fields[0]), "0.5");
+  EXPECT_EQ(storeText(form.fields[0], "-3"), "");
+  EXPECT_EQ(parameters.reductionRate, -3.0F);
+}
+
+}  // namespace
+}  // namespace gravlin
