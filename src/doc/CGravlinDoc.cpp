@@ -85,18 +85,32 @@ void CGravlinDoc::replaceMesh(std::unique_ptr<TriangleMesh> mesh) {
   currentMesh = std::move(mesh);
   meshSmoother.attach(currentMesh.get());
   curvatureTensorSmoother.mesh = currentMesh.get();
+  meshSubdivider.attach(currentMesh.get());
+  decimator.attach(currentMesh.get());
   ridgeDetector.attach(currentMesh.get());
   ridgeLineSmoother.attach(currentMesh.get());
+  dropLines();
+}
+
+void CGravlinDoc::dropLines() {
   linesFrom = LinesFrom::Nothing;
   creaseLinks.clear();
   silhouetteLines = {};
 }
 
-void CGravlinDoc::keepUndoCopy() {
-  undoMesh.reset();  // first, so that there are never three meshes at once
+std::unique_ptr<TriangleMesh> CGravlinDoc::geometryCopy() const {
   auto copy = std::make_unique<TriangleMesh>();
   copy->copyGeometryFrom(*currentMesh);
-  undoMesh = std::move(copy);  // only when complete: the copy may not fit in memory
+  return copy;
+}
+
+void CGravlinDoc::keepUndoCopy() {
+  undoMesh.reset();  // first, so that there are never three meshes at once
+  keepUndoCopy(geometryCopy());
+}
+
+void CGravlinDoc::keepUndoCopy(std::unique_ptr<TriangleMesh> copy) {
+  undoMesh = std::move(copy);
   undoIsModified = std::exchange(modified, true);
 }
 

@@ -19,6 +19,10 @@
 #include "features/SilhouetteLines.h"
 #include "mesh/FacePicking.h"
 #include "mesh/TriangleMesh.h"
+#include "remesh/DecimationParameters.h"
+#include "remesh/Decimator.h"
+#include "remesh/MeshSubdivider.h"
+#include "remesh/SubdivisionParameters.h"
 #include "smoothing/AdaptiveSmoothingParameters.h"
 #include "smoothing/MeshSmoother.h"
 #include "smoothing/NoiseParameters.h"
@@ -58,9 +62,13 @@ class CGravlinDoc {
   SeedParameters seedParameters;
   RidgeParameters ridgeParameters;
   AngleParameters angleParameters;
+  SubdivisionParameters subdivisionParameters;
+  DecimationParameters decimationParameters;
 
   MeshSmoother meshSmoother;  ///< commands attach it to the current mesh
   CurvatureTensorSmoother curvatureTensorSmoother;
+  MeshSubdivider meshSubdivider;
+  Decimator decimator;
 
   RidgeDetector ridgeDetector;
   RidgeLineSmoother ridgeLineSmoother;
@@ -85,6 +93,8 @@ class CGravlinDoc {
   void OnSmoothingNoise();
   void OnEdgeDetectionLocalMax();
   void OnEdgeDetectionFaceAngle();
+  void OnSubdivision();
+  void OnSimplification();
   void OnEnhancement();
 
   // --- Visualization ---
@@ -144,6 +154,9 @@ class CGravlinDoc {
   /// Replaces the undo copy with the geometry of the current mesh, which must exist. Called before
   /// the geometry changes, so the document counts as modified from here on.
   void keepUndoCopy();
+  /// The same with a copy that was made before the geometry changed, for commands that may fail on
+  /// the way and must not lose the undo copy then.
+  void keepUndoCopy(std::unique_ptr<TriangleMesh> copy);
   /// Called after vertices moved or faces changed: marks derived data as stale and tells in the
   /// status bar when positions are not finite. A mesh must exist.
   void geometryChanged();
@@ -155,7 +168,11 @@ class CGravlinDoc {
  private:
   /// The one place where the current mesh is exchanged: whatever works on it is attached anew.
   void replaceMesh(std::unique_ptr<TriangleMesh> mesh);
+  /// Forgets the lines that the document keeps beside those of the mesh.
+  void dropLines();
   bool hasMeshToSave();  ///< shows a message when there is none
+  std::unique_ptr<TriangleMesh> geometryCopy() const;
+  void bringBack(std::unique_ptr<TriangleMesh> before);
   void recompute();
   void smoothShape(const Chunks& explicitChunks);
   LowThresholds thresholdRidges();

@@ -35,8 +35,10 @@ constexpr Command commands[] = {
      formOf<&Doc::ridgeParameters>},
     {"Edit/Edge Detection", "Face Angle", 32777, &Doc::OnEdgeDetectionFaceAngle, "face-angle",
      formOf<&Doc::angleParameters>},
-    {"Edit", "Subdivision", 32778, nullptr, "subdivision"},
-    {"Edit", "Simplification (not yet)", 32779, nullptr, "simplification"},
+    {"Edit", "Subdivision", 32778, &Doc::OnSubdivision, "subdivision",
+     formOf<&Doc::subdivisionParameters>},
+    {"Edit", "Simplification (not yet)", 32779, &Doc::OnSimplification, "simplification",
+     formOf<&Doc::decimationParameters>},
     {"Edit", "Enhancement (not yet)", 32783, &Doc::OnEnhancement},
     {"Edit", "Edge Flip", 32784},
 

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
-#include <limits>
 #include <new>
 #include <optional>
 #include <stdexcept>
@@ -13,6 +11,7 @@
 
 #include "mesh/Scanner.h"
 #include "mesh/StreamText.h"
+#include "numeric/AvailableMemory.h"
 #include "numeric/Index.h"
 
 namespace gravlin {
@@ -32,24 +31,12 @@ std::string counted(int count, const Noun& noun) {
   return std::to_string(count) + " " + (count == 1 ? noun.one : noun.many);
 }
 
-/// Bytes that the system can hand out without taking them from someone; plenty if it does not tell.
-std::uint64_t availableMemory() {
-  std::ifstream table("/proc/meminfo");
-  for (std::string key; table >> key; table.ignore(256, '\n')) {
-    std::uint64_t kilobytes = 0;
-    if (key == "MemAvailable:" && table >> kilobytes) return 1024 * kilobytes;
-  }
-  return std::numeric_limits<std::uint64_t>::max();
-}
-
-/// The system promises more memory than there is and ends the program that uses it, so a small file
-/// with huge counts is stopped by looking first.
+/// A small file may hold huge counts.
 void requireMemoryFor(int vertexCount, int faceCount) {
   // Positions or corners, rings, adjacency and normals of one vertex or one face together.
   constexpr std::uint64_t bytesEach = 64;
-  const auto items =
-      static_cast<std::uint64_t>(vertexCount) + static_cast<std::uint64_t>(faceCount);
-  if (bytesEach * items > availableMemory()) throw std::bad_alloc();
+  requireMemory(bytesEach *
+                (static_cast<std::uint64_t>(vertexCount) + static_cast<std::uint64_t>(faceCount)));
 }
 
 /// Takes the numbers of one file from its text into a mesh and keeps account of what was odd.

@@ -1,8 +1,10 @@
 #include "remesh/Decimator.h"
 
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
+#include "numeric/AvailableMemory.h"
 #include "numeric/Index.h"
 #include "remesh/CollapsibleMesh.h"
 #include "remesh/EdgeHeap.h"
@@ -10,6 +12,10 @@
 
 namespace gravlin {
 namespace {
+
+/// What a decimation takes beside the mesh: a quadric, three edges with their places in the heap,
+/// two faces and the vertex itself.
+constexpr std::uint64_t bytesPerVertex = 250;
 
 /// The ends of a candidate edge; the first one survives its collapse.
 struct Ends {
@@ -164,6 +170,7 @@ class Decimation {
 
 DecimationResult Decimator::decimate(float rate) {
   if (mesh == nullptr) return {};
+  requireMemory(bytesPerVertex * static_cast<std::uint64_t>(mesh->vertexCount));
   mesh->computeFaceNormals();
   const int used = mesh->countUsedVertices();
   const double target = std::trunc((1.0 - static_cast<double>(rate)) * used);

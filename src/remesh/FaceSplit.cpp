@@ -5,6 +5,8 @@
 #include <limits>
 #include <stdexcept>
 
+#include "numeric/AvailableMemory.h"
+
 namespace gravlin {
 namespace {
 
@@ -159,6 +161,13 @@ void requireIndexable(const SplitCounts& counts) {
   if (3 * counts.vertices > most || 3 * counts.faces > most || counts.ringEntries > most) {
     throw std::length_error("The refined mesh would have too many faces.");
   }
+}
+
+void requireMemoryFor(const SplitCounts& counts) {
+  // A vertex has a position, a normal and its sum, a kind and two offsets of rings; a face corners,
+  // adjacency, a normal and the ring entries of its corners.
+  constexpr std::uint64_t bytesEach = 60;
+  requireMemory(bytesEach * static_cast<std::uint64_t>(counts.vertices + counts.faces));
 }
 
 void writeSplitFaces(const TriangleMesh& old, FaceSplit& split) {

@@ -33,6 +33,10 @@ SplitCounts splitCounts(const TriangleMesh& mesh);
 /// could pass the range of an int.
 void requireIndexable(const SplitCounts& counts);
 
+/// Throws std::bad_alloc when a mesh of these counts with its topology and normals does not fit in
+/// memory.
+void requireMemoryFor(const SplitCounts& counts);
+
 /// Number of the side of face g that runs from b to a; the faces must share that edge.
 inline int sharedSide(const TriangleMesh& mesh, int g, int a, int b) {
   const auto corners = mesh.corners(g);
@@ -90,6 +94,7 @@ TriangleMesh splitEveryFace(const TriangleMesh& old, const VertexPoint& vertexPo
                             const EdgePoint& edgePoint) {
   const SplitCounts counts = splitCounts(old);
   requireIndexable(counts);
+  requireMemoryFor(counts);
   FaceSplit split;
   split.mesh.boxMax = old.boxMax;
   split.mesh.boxMin = old.boxMin;

@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "numeric/AvailableMemory.h"
 #include "numeric/Index.h"
 
 namespace gravlin {
@@ -44,9 +45,11 @@ void visitCornerNeighbours(const TriangleMesh& mesh, int f, const Visit& visit) 
 
 void buildCornerNeighbourFaces(TriangleMesh& mesh) {
   if (mesh.cornerNeighbourFaces.built()) return;
-  if (visitsOfAllRows(mesh) > std::numeric_limits<int>::max()) {
+  const std::int64_t visits = visitsOfAllRows(mesh);
+  if (visits > std::numeric_limits<int>::max()) {
     throw std::length_error("Too many faces meet at a vertex.");
   }
+  requireMemory(sizeof(int) * static_cast<std::uint64_t>(visits + mesh.faceCount));
   CompressedRows rows;
   rows.offsets.reserve(toIndex(mesh.faceCount) + 1);
   rows.offsets.push_back(0);

@@ -11,8 +11,8 @@ namespace gravlin {
 /// row.
 ///
 /// Requires buildAdjacency and buildFaceAdjacency. The rows around a vertex of n faces hold n^2
-/// entries: throws std::length_error when all rows together would pass the range of an int, and
-/// leaves the mesh as it was.
+/// entries: throws std::length_error when all rows together would pass the range of an int and
+/// std::bad_alloc when memory is refused, and leaves the mesh as it was.
 void buildCornerNeighbourFaces(TriangleMesh& mesh);
 
 }  // namespace gravlin

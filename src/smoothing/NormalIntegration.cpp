@@ -1,28 +1,11 @@
 #include "smoothing/NormalIntegration.h"
 
-#include <vector>
-
 #include "mesh/FaceGeometry.h"
 #include "mesh/RingWalk.h"
-#include "numeric/Index.h"
+#include "smoothing/JacobiSweep.h"
 
 namespace gravlin {
 namespace {
-
-/// Moves every interior vertex by `step` times what `displacement` gives for it.
-template <class Displacement>
-void moveInteriorVertices(TriangleMesh& mesh, double step, const Displacement& displacement) {
-  std::vector<Vec3> moves(toIndex(mesh.vertexCount));
-  const auto interior = [&](int i) { return mesh.vertexKind[toIndex(i)] == InteriorVertex; };
-  for (int i = 0; i < mesh.vertexCount; ++i) {
-    if (interior(i)) moves[toIndex(i)] = displacement(i);
-  }
-  for (int i = 0; i < mesh.vertexCount; ++i) {
-    if (interior(i)) {
-      mesh.setPosition(i, mesh.position(i) + step * moves[toIndex(i)]);
-    }
-  }
-}
 
 /// What one triangle adds to the cotangent Laplacian at its corner x, and twice its area.
 struct CotangentTerm {
@@ -61,7 +44,7 @@ void visitTriangles(const TriangleMesh& mesh, int i, const Visit& visit) {
 }  // namespace
 
 void integrateDistance(TriangleMesh& mesh, double step) {
-  moveInteriorVertices(mesh, step, [&](int i) {
+  JacobiSweep(mesh).run(step, [&](int i) {
     const Vec3 center = mesh.position(i);
     Vec3 sum;
     double areas = 0.0;
@@ -76,7 +59,7 @@ void integrateDistance(TriangleMesh& mesh, double step) {
 }
 
 void integrateDerivative(TriangleMesh& mesh, double step) {
-  moveInteriorVertices(mesh, step, [&](int i) {
+  JacobiSweep(mesh).run(step, [&](int i) {
     Vec3 sum;
     visitTriangles(mesh, i, [&](const TermPair& terms) {
       sum += terms.actual.vector;
@@ -87,7 +70,7 @@ void integrateDerivative(TriangleMesh& mesh, double step) {
 }
 
 void integrateDerivativeByArea(TriangleMesh& mesh, double step, double factor) {
-  moveInteriorVertices(mesh, step, [&](int i) {
+  JacobiSweep(mesh).run(step, [&](int i) {
     Vec3 sum;
     double weights = 0.0;
     visitTriangles(mesh, i, [&](const TermPair& terms) {

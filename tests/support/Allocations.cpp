@@ -11,10 +11,12 @@ namespace {
 // Drivers allocate on threads of their own.
 std::atomic<std::size_t> count = 0;
 thread_local std::size_t limit = std::numeric_limits<std::size_t>::max();
+thread_local std::size_t callsToRefusal = 0;  // the last of so many calls is refused; 0: none
 
 void* allocate(std::size_t size) noexcept {
   ++count;
-  return size <= limit ? std::malloc(size == 0 ? 1 : size) : nullptr;
+  const bool refused = callsToRefusal > 0 && --callsToRefusal == 0;
+  return size <= limit && !refused ? std::malloc(size == 0 ? 1 : size) : nullptr;
 }
 
 void* allocateOrThrow(std::size_t size) {
@@ -35,6 +37,14 @@ AllocationLimit::AllocationLimit(std::size_t largest) {
 
 AllocationLimit::~AllocationLimit() {
   limit = std::numeric_limits<std::size_t>::max();
+}
+
+AllocationFailure::AllocationFailure(std::size_t n) {
+  callsToRefusal = n;
+}
+
+AllocationFailure::~AllocationFailure() {
+  callsToRefusal = 0;
 }
 
 }  // namespace gravlin::test

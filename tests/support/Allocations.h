@@ -19,4 +19,14 @@ class AllocationLimit {
   AllocationLimit& operator=(const AllocationLimit&) = delete;
 };
 
+/// While it lives, operator new refuses its n-th call from here on, and only that, as if memory had
+/// run out for a moment.
+class AllocationFailure {
+ public:
+  explicit AllocationFailure(std::size_t n);
+  ~AllocationFailure();
+  AllocationFailure(const AllocationFailure&) = delete;
+  AllocationFailure& operator=(const AllocationFailure&) = delete;
+};
+
 }  // namespace gravlin::test

@@ -1,0 +1,94 @@
+// The commands that replace the faces: subdivision and simplification.
+
+#include <new>
+#include <stdexcept>
+
+#include "doc/CGravlinDoc.h"
+
+namespace gravlin {
+namespace {
+
+/// The scheme is chosen by its whole text; any other text is "Linear".
+void refine(MeshSubdivider& subdivider, const std::string& method) {
+  if (method == "Loop") {
+    subdivider.loopSubdivision();
+  } else if (method == "Modified butterfly") {
+    subdivider.butterflySubdivision();
+  } else {
+    subdivider.linearSubdivision();
+  }
+}
+
+std::string describe(const DecimationResult& result) {
+  return "Removed " + std::to_string(result.vertices) + " vertices and " +
+         std::to_string(result.faces) + " faces; " +
+         (result.targetReached ? "the target was reached." : "no edge left that may collapse.");
+}
+
+/// The used vertices and valid faces alone, with topology and normals.
+std::unique_ptr<TriangleMesh> compacted(const TriangleMesh& mesh) {
+  auto compact = std::make_unique<TriangleMesh>(mesh.compactCopy());
+  compact->buildAdjacency();
+  compact->buildFaceAdjacency();
+  compact->computeFaceNormals();
+  compact->computeVertexNormals();
+  return compact;
+}
+
+}  // namespace
+
+void CGravlinDoc::OnSubdivision() {
+  if (!currentMesh || !outside.showDialog(subdivisionParameters.form())) return;
+  try {
+    auto before = geometryCopy();
+    meshSubdivider.attach(currentMesh.get());
+    refine(meshSubdivider, subdivisionParameters.method);
+    keepUndoCopy(std::move(before));
+  } catch (const std::length_error&) {
+    return outside.showMessage(
+        "The refined mesh would have more faces than can be numbered. The mesh stays as it is.");
+  } catch (const std::bad_alloc&) {
+    return outside.showMessage(
+        "There is not enough memory to refine this mesh. The mesh stays as it is.");
+  }
+  // Lines went with the vertices that they joined. Creases of the shape are found again.
+  const LinesFrom origin = linesFrom;
+  dropLines();
+  if (origin == LinesFrom::FaceAngle) linesFrom = origin;
+  geometryChanged();
+  redraw();
+}
+
+void CGravlinDoc::OnSimplification() {
+  if (!currentMesh || !outside.showDialog(decimationParameters.form())) return;
+  std::unique_ptr<TriangleMesh> before;
+  DecimationResult result;
+  try {
+    before = geometryCopy();
+    decimator.attach(currentMesh.get());
+    result = decimator.decimate(decimationParameters.reductionRate);
+    replaceMesh(compacted(*currentMesh));
+  } catch (const std::bad_alloc&) {
+    bringBack(std::move(before));
+    return outside.showMessage(
+        "There is not enough memory to simplify this mesh. The mesh stays as it is.");
+  }
+  keepUndoCopy(std::move(before));
+  show(FlatShading);
+  outside.showStatus(describe(result));
+}
+
+/// After a simplification that did not come to its end: what it took from the mesh comes back from
+/// the copy made before, if anything was taken.
+void CGravlinDoc::bringBack(std::unique_ptr<TriangleMesh> before) {
+  const bool untouched =
+      !before || (currentMesh->vertexNeighbours.built() && currentMesh->faces == before->faces);
+  if (untouched) return;
+  replaceMesh(std::move(before));
+  currentMesh->buildAdjacency();
+  currentMesh->buildFaceAdjacency();
+  needsRecompute = true;
+  redraw();
+}
+
+}  // namespace gravlin
