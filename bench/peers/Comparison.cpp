@@ -8,8 +8,6 @@
 namespace gravlin::bench {
 namespace {
 
-constexpr int rounds = 7;
-
 /// Processor time, which other programs on the machine disturb less than the clock on the wall. All
 /// jobs are of one thread; waiting for a disk does not count on either side.
 double secondsOf(const std::function<void()>& run) {
@@ -26,7 +24,7 @@ double median(std::vector<double> values) {
 
 }  // namespace
 
-void compare(const std::string& job, const Contestant& ours, const Contestant& theirs) {
+void compare(const std::string& job, const Contestant& ours, const Contestant& theirs, int rounds) {
   std::vector<double> ourSeconds;
   std::vector<double> theirSeconds;
   for (int round = 0; round < rounds; ++round) {
@@ -37,6 +35,7 @@ void compare(const std::string& job, const Contestant& ours, const Contestant& t
   const double their = median(theirSeconds);
   std::printf("%s: %s %.1f ms, %s %.1f ms, %.2f times as fast\n", job.c_str(), ours.name.c_str(),
               1e3 * our, theirs.name.c_str(), 1e3 * their, their / our);
+  std::fflush(stdout);
 }
 
 }  // namespace gravlin::bench

@@ -12,7 +12,8 @@ struct Contestant {
 };
 
 /// Lets both do the same job in turns, so that whatever else the machine is doing hits both, and
-/// prints the medians and how many times as fast `ours` is.
-void compare(const std::string& job, const Contestant& ours, const Contestant& theirs);
+/// prints the medians and how many times as fast `ours` is. Fewer rounds are for jobs of minutes.
+void compare(const std::string& job, const Contestant& ours, const Contestant& theirs,
+             int rounds = 7);
 
 }  // namespace gravlin::bench

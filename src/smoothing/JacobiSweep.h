@@ -7,6 +7,15 @@
 
 namespace gravlin {
 
+/// Writes next(i) into the positions of every interior vertex i and leaves those of all others.
+template <class Next>
+void setInteriorPositions(const TriangleMesh& mesh, std::vector<float>& positions, Next next) {
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    if (mesh.vertexKind[toIndex(i)] != InteriorVertex) continue;
+    storeVec3(positions.data() + 3 * toIndex(i), next(i));
+  }
+}
+
 /// Moves the interior vertices of a mesh by simultaneous updates: every new position is computed
 /// from the positions at the start of the sweep, and only then do all of them take effect. Keeps
 /// its buffer, 3V floats, from sweep to sweep.
@@ -21,11 +30,8 @@ class JacobiSweep {
   /// a Vec3 and must not change the mesh.
   template <class Displacement>
   void run(double factor, Displacement displacement) {
-    for (int i = 0; i < mesh.vertexCount; ++i) {
-      if (mesh.vertexKind[toIndex(i)] != InteriorVertex) continue;
-      const Vec3 target = mesh.position(i) + factor * displacement(i);
-      storeVec3(moved.data() + 3 * toIndex(i), target);
-    }
+    setInteriorPositions(mesh, moved,
+                         [&](int i) { return mesh.position(i) + factor * displacement(i); });
     mesh.vertices.swap(moved);
   }
 
