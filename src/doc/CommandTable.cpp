@@ -20,7 +20,7 @@ constexpr Command commands[] = {
     {"File", "&Save\tCtrl+S", 57603, &Doc::OnFileSaveAs, "", nullptr, FileDialog::Save},
     {"File", "Save &As... ", 57604, &Doc::OnFileSaveAs, "save", nullptr, FileDialog::Save},
     {"File", "Export Lines...", 32820, &Doc::OnExportLines, "export-lines", nullptr,
-     FileDialog::Save},
+     FileDialog::Export},
 
     {"Edit", "Undo (1 history only)", 57643, &Doc::OnEditUndo, "undo"},
     {"Edit/Smoothing", "Shape", 32772, &Doc::OnSmoothingShape, "smooth-shape",

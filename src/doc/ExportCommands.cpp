@@ -11,7 +11,7 @@ namespace gravlin {
 
 void CGravlinDoc::OnExportLines() {
   if (!currentMesh) return;
-  const std::optional<std::string> filePath = outside.chooseFile(FileDialog::Save);
+  const std::optional<std::string> filePath = outside.chooseFile(FileDialog::Export);
   if (filePath) exportLines(*filePath);
 }
 

@@ -10,8 +10,9 @@
 
 namespace gravlin {
 
-/// Which standard file dialog is shown. Both use the filter "All files(*.*)|*.*||".
-enum class FileDialog { Open, Save };
+/// Which standard file dialog is shown: to open a mesh, to save it, to write something else. All
+/// use the filter "All files(*.*)|*.*||".
+enum class FileDialog { Open, Save, Export };
 
 /// The colour of the lights: three pairs in red, green and blue, or one colour with grey.
 enum class LightingMode : int { Rgb = 0, Red = 1, Green = 2, Blue = 3 };

@@ -70,7 +70,7 @@ inline void click(QWidget& window, const char* button) {
 inline bool showActive(QWidget& window) {
   window.show();
   window.activateWindow();  // as in NextDialog
-  return QTest::qWaitForWindowActive(&window);
+  return QTest::qWaitForWindowExposed(&window) && QTest::qWaitForWindowActive(&window);
 }
 
 /// Replaces the text of a control as somebody typing would.

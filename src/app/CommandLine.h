@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace gravlin {
+
+/// What the command line asks of the desktop program.
+struct CommandLine {
+  std::vector<std::string> files;  ///< meshes to open, the first in the document that is there
+  std::string settingsFile;        ///< empty: the user's own settings
+};
+
+/// Prints what --help or --version ask for. Needs no display, so it comes before Qt, whose own
+/// options ("-platform", "-style") it passes over. Returns the exit code if there was an answer.
+std::optional<int> answerWithoutWindow(int argc, const char* const* argv);
+
+/// Reads the command line from which Qt has taken its options. Prints a complaint and returns
+/// nothing when it makes no sense.
+std::optional<CommandLine> readCommandLine(int argc, const char* const* argv);
+
+}  // namespace gravlin

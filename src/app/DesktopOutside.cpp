@@ -1,0 +1,127 @@
+#include "app/DesktopOutside.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+
+#include "doc/dialogs/CMessageDlg.h"
+#include "doc/dialogs/ParameterDialog.h"
+#include "doc/dialogs/QtText.h"
+#include "view/LineSvg.h"
+
+namespace gravlin {
+namespace {
+
+QString titleOf(FileDialog kind) {
+  switch (kind) {
+    case FileDialog::Open:
+      return "Open";
+    case FileDialog::Save:
+      return "Save As";
+    case FileDialog::Export:
+      return "Export";
+  }
+  return {};
+}
+
+}  // namespace
+
+QString askForFile(Desktop& desktop, FileDialog kind, const QString& suggested) {
+  const bool opens = kind == FileDialog::Open;
+  QFileDialog dialog(desktop.window, titleOf(kind), desktop.folder);
+  dialog.setObjectName(opens ? "openFile" : "saveFile");
+  dialog.setAcceptMode(opens ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
+  dialog.setFileMode(opens ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+  // What is shown is "All files(*.*)"; the pattern behind it lets names without a dot through, too.
+  dialog.setOption(QFileDialog::HideNameFilterDetails);
+  dialog.setNameFilter("All files(*.*) (*)");
+  // The document appends the same ending; this makes the question about overwriting a file concern
+  // the one that will be written.
+  if (kind == FileDialog::Save) dialog.setDefaultSuffix("ply2");
+  if (!suggested.isEmpty()) dialog.selectFile(suggested);
+  if (dialog.exec() != QDialog::Accepted) return {};
+  const QString chosen = dialog.selectedFiles().constFirst();
+  desktop.folder = QFileInfo(chosen).absolutePath();
+  return chosen;
+}
+
+DesktopOutside::DesktopOutside(Desktop& sharedDesktop)
+    : desktop(sharedDesktop), progress(sharedDesktop.window) {
+}
+
+bool DesktopOutside::showDialog(const Form& form) {
+  const CommandDialog waiting(desktop.lock);
+  return ParameterDialog(form, desktop.window).exec() == QDialog::Accepted;
+}
+
+std::optional<std::string> DesktopOutside::chooseFile(FileDialog kind) {
+  const CommandDialog waiting(desktop.lock);
+  chosenFile.clear();
+  if (kind == FileDialog::Open && !mayDropChanges()) return std::nullopt;
+  chosenFile = askForFile(desktop, kind, kind == FileDialog::Save ? currentFile : QString());
+  if (chosenFile.isEmpty()) return std::nullopt;
+  return toPath(chosenFile);
+}
+
+void DesktopOutside::showMessage(const std::string& text) {
+  const CommandDialog waiting(desktop.lock);
+  CMessageDlg(text, desktop.window).exec();
+}
+
+void DesktopOutside::showStatus(const std::string& sentence) {
+  status = toQString(sentence);
+  desktop.statusChanged();
+}
+
+void DesktopOutside::showProgress(ProgressRange range) {
+  progress.start(range);
+}
+void DesktopOutside::stepProgress() {
+  progress.step();
+}
+void DesktopOutside::hideProgress() {
+  progress.finish();
+}
+
+void DesktopOutside::redraw() {
+  for (CGravlinView* view : views) view->drawNow();
+}
+
+void DesktopOutside::showHistogram(std::string_view field) {
+  graph.setField(toQString(field));
+  graph.show();
+}
+
+void DesktopOutside::setHistogramValues(const std::vector<double>& values) {
+  graph.setValues(values);
+}
+
+void DesktopOutside::setLightingMode(LightingMode mode) {
+  if (activeView != nullptr) activeView->state.setLightingMode(mode);
+}
+
+void DesktopOutside::setLineWidthAndPointSize(float width, float size) {
+  if (activeView != nullptr) activeView->state.setLineWidthAndPointSize(width, size);
+}
+
+ViewAngles DesktopOutside::viewAngles() const {
+  return activeView == nullptr ? ViewAngles{} : activeView->state.camera.angles();
+}
+
+void DesktopOutside::setViewAngles(const ViewAngles& angles) {
+  if (activeView != nullptr) activeView->state.camera.setAngles(angles);
+}
+
+std::string DesktopOutside::linesAsSvg(const TriangleMesh& mesh,
+                                       const std::vector<ExportedLine>& lines) const {
+  if (activeView == nullptr) return {};
+  const ViewSize size = {activeView->width(), activeView->height()};
+  return gravlin::linesAsSvg(mesh, lines, activeView->state.camera, size);
+}
+
+void DesktopOutside::setShownCounts(int usedVertices, int validFaces) {
+  if (activeView == nullptr) return;
+  activeView->state.shownVertexCount = usedVertices;
+  activeView->state.shownFaceCount = validFaces;
+}
+
+}  // namespace gravlin

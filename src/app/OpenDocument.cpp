@@ -1,0 +1,127 @@
+#include "app/OpenDocument.h"
+
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <utility>
+
+#include "app/CChildFrame.h"
+#include "doc/dialogs/QtText.h"
+
+namespace gravlin {
+namespace {
+
+/// Runs the command and tells what kept it from ending, if anything did.
+std::string complaintOf(CGravlinDoc& document, const std::function<void(CGravlinDoc&)>& command) {
+  try {
+    command(document);
+    return {};
+  } catch (const std::bad_alloc&) {
+    return "There is not enough memory for this command, so it has ended early.";
+  } catch (const std::exception& error) {
+    return std::string("The command has ended early: ") + error.what();
+  }
+}
+
+}  // namespace
+
+OpenDocument::OpenDocument(Desktop& sharedDesktop, QString titleOfNew)
+    : outside(sharedDesktop),
+      document(outside),
+      desktop(sharedDesktop),
+      newTitle(std::move(titleOfNew)) {
+  outside.mayDropChanges = [this] { return mayDropChanges(); };
+}
+
+QString OpenDocument::title() const {
+  return document.path.empty() ? newTitle : QFileInfo(fromPath(document.path)).fileName();
+}
+
+void OpenDocument::updateTitles() {
+  outside.setDocumentTitle(title());
+  int number = 0;
+  for (CChildFrame* frame : frames) {
+    ++number;
+    frame->setTitle(frames.size() == 1 ? title() : title() + ':' + QString::number(number));
+    frame->setWindowModified(document.modified);
+  }
+}
+
+void OpenDocument::addFrame(CChildFrame& frame) {
+  frames.push_back(&frame);
+  outside.views.push_back(&frame.view());
+  if (outside.activeView == nullptr) outside.activeView = &frame.view();
+  updateTitles();
+}
+
+void OpenDocument::removeFrame(CChildFrame& frame) {
+  std::erase(frames, &frame);
+  std::erase(outside.views, &frame.view());
+  if (outside.activeView == &frame.view()) {
+    outside.activeView = outside.views.empty() ? nullptr : outside.views.front();
+  }
+  updateTitles();
+}
+
+void OpenDocument::run(const std::function<void(CGravlinDoc&)>& command) {
+  if (desktop.lock.isHeld()) return;
+  std::string complaint;
+  {
+    const RunningCommand running(desktop.lock);
+    desktop.commandChanged();
+    holdViews(true);
+    complaint = complaintOf(document, command);
+    outside.hideProgress();
+    // What the command did before it failed is shown as it is.
+    if (!complaint.empty()) complaintOf(document, [](CGravlinDoc& doc) { doc.redraw(); });
+    holdViews(false);
+  }
+  noteFile();
+  updateTitles();
+  desktop.commandChanged();
+  if (!complaint.empty()) outside.showMessage(complaint);
+}
+
+bool OpenDocument::open(const QString& path) {
+  bool opened = false;
+  outside.chosenFile = path;
+  run([&](CGravlinDoc& doc) { opened = doc.openFile(toPath(path)); });
+  return opened;
+}
+
+void OpenDocument::holdViews(bool held) {
+  for (CGravlinView* view : outside.views) view->hold(held);
+}
+
+/// Tells the desktop about the file last asked for, if the document has taken it.
+void OpenDocument::noteFile() {
+  const QString asked = std::exchange(outside.chosenFile, QString());
+  if (asked.isEmpty() || toPath(asked) != document.path) return;
+  outside.currentFile = asked;
+  desktop.fileUsed(asked);
+}
+
+bool OpenDocument::mayDropChanges() {
+  if (!document.modified) return true;
+  QMessageBox box(QMessageBox::Warning, "Gravlin", "Save changes to " + title() + "?",
+                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, desktop.window);
+  box.setObjectName("saveChanges");
+  box.setDefaultButton(QMessageBox::Save);
+  const int answer = box.exec();
+  if (answer == QMessageBox::Save) {
+    saveNow();
+    return !document.modified;
+  }
+  return answer == QMessageBox::Discard;
+}
+
+/// Saves like the menu does, also when asked in the middle of a command.
+void OpenDocument::saveNow() {
+  if (!desktop.lock.isHeld()) return run(&CGravlinDoc::OnFileSaveAs);
+  document.OnFileSaveAs();
+  noteFile();
+}
+
+}  // namespace gravlin

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <functional>
+#include <QString>
+#include <vector>
+
+#include "app/DesktopOutside.h"
+#include "doc/CGravlinDoc.h"
+
+namespace gravlin {
+
+class CChildFrame;
+
+/// One open document with the desktop around it and its windows.
+class OpenDocument {
+ public:
+  /// `titleOfNew` names the document until it has a file ("Gravl1").
+  OpenDocument(Desktop& sharedDesktop, QString titleOfNew);
+
+  DesktopOutside outside;
+  CGravlinDoc document;
+  std::vector<CChildFrame*> frames;  ///< its windows, in the order they were opened
+
+  /// The name of its file, or the title it was made with.
+  QString title() const;
+  /// Writes the title on its windows, numbered ":1", ":2", ... when there are several.
+  void updateTitles();
+
+  void addFrame(CChildFrame& frame);
+  void removeFrame(CChildFrame& frame);
+
+  /// Runs a command of the document. While it runs no input reaches any window; an exception ends
+  /// as a message. Does nothing while another command runs.
+  void run(const std::function<void(CGravlinDoc&)>& command);
+
+  /// Loads a file, with `run`. False when it could not be loaded.
+  bool open(const QString& path);
+
+  /// Whether a command runs, of this document or of another one.
+  bool isBusy() const { return desktop.lock.isHeld(); }
+
+  /// Whether the mesh may be replaced or closed: it was not changed, or the user has saved it now
+  /// or lets the changes go.
+  bool mayDropChanges();
+
+ private:
+  void holdViews(bool held);
+  void noteFile();
+  void saveNow();
+
+  Desktop& desktop;
+  const QString newTitle;
+};
+
+}  // namespace gravlin

@@ -1,0 +1,87 @@
+#include "view/windows/GraphWindow.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include "view/HistogramDrawing.h"
+
+namespace gravlin {
+namespace {
+
+constexpr int textHeight = 13;  // pixels
+
+/// Components from 0 to 1 become 0 to 255.
+QColor penColour(const Colour& colour) {
+  const auto byte = [](float component) { return static_cast<int>(component * 255.0F); };
+  return {byte(colour.r), byte(colour.g), byte(colour.b)};
+}
+
+}  // namespace
+
+GraphWindow::GraphWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
+  setObjectName("GraphWindow");
+  // Dark text on white in every colour scheme: the ramp of the scale goes through black and white.
+  setPalette(QPalette(Qt::white));
+  setBackgroundRole(QPalette::Base);
+  setAutoFillBackground(true);
+  shown.setWindowWidth(width());
+  updateTitle();
+}
+
+void GraphWindow::setValues(std::span<const double> values) {
+  shown.setValues(values);
+  repaint();
+}
+
+void GraphWindow::setField(const QString& name) {
+  field = name;
+  updateTitle();
+}
+
+void GraphWindow::setDocumentTitle(const QString& name) {
+  documentTitle = name;
+  updateTitle();
+}
+
+void GraphWindow::updateTitle() {
+  setWindowTitle(field + " - " + documentTitle);
+}
+
+QSize GraphWindow::sizeHint() const {
+  return {480, 320};
+}
+
+bool GraphWindow::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QWidget::event(event);
+  const auto& help = static_cast<const QHelpEvent&>(*event);
+  const std::optional<std::string> text = binTextAt(shown, help.x());
+  if (text) {
+    QToolTip::showText(help.globalPos(), QString::fromStdString(*text), this);
+  } else {
+    QToolTip::hideText();
+  }
+  return true;
+}
+
+void GraphWindow::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  const HistogramDrawing drawing = drawingOf(shown, {width(), height()});
+  for (const HistogramDrawing::Bar& bar : drawing.bars) {
+    painter.fillRect(bar.x, bar.bottom - bar.length + 1, 1, bar.length, penColour(bar.colour));
+  }
+  QFont font = painter.font();
+  font.setPixelSize(textHeight);
+  painter.setFont(font);
+  painter.setPen(Qt::black);
+  for (const HistogramDrawing::Text& text : drawing.texts) {
+    painter.drawText(text.x, text.y + painter.fontMetrics().ascent(),
+                     QString::fromStdString(text.text));
+  }
+}
+
+void GraphWindow::resizeEvent(QResizeEvent* /*event*/) {
+  if (width() >= 1 && height() >= 1) shown.setWindowWidth(width());
+}
+
+}  // namespace gravlin

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QWidget>
+#include <span>
+
+#include "view/Histogram.h"
+
+namespace gravlin {
+
+/// The histogram window of a document: how the values of the field that is shown are distributed,
+/// in the colours that the mesh shows them in. Keeps its own copy of the values until it gets new
+/// ones. Hovering over a bar tells its value and its count.
+class GraphWindow : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit GraphWindow(QWidget* parent = nullptr);
+
+  /// Bins and draws new values before it returns.
+  void setValues(std::span<const double> values);
+  /// The two halves of the title, "Maximum curvature" and "bunny.ply2".
+  void setField(const QString& name);
+  void setDocumentTitle(const QString& name);
+
+  const Histogram& histogram() const { return shown; }
+  QSize sizeHint() const override;
+
+ protected:
+  bool event(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void updateTitle();
+
+  Histogram shown;
+  QString field;
+  QString documentTitle;
+};
+
+}  // namespace gravlin

@@ -1,0 +1,220 @@
+// What the window does while a command runs, and when one fails.
+
+#include <new>
+#include <QDeadlineTimer>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <stdexcept>
+
+#include "app/Program.h"
+
+namespace gravlin {
+namespace {
+
+using namespace test;
+
+class CommandsTest : public QObject {
+  Q_OBJECT
+
+ private Q_SLOTS:
+  void noOtherCommandCanBeChosenMeanwhile();
+  void inputDuringACommandIsDropped();
+  void theWindowCannotBeClosedMeanwhile();
+  void dialogsOfACommandGetTheirInput();
+  void aRedrawIsDrawnBeforeItReturns();
+  void anAnimationReachesTheScreenWhileItRuns();
+  void paintingDuringACommandShowsTheLastPicture();
+  void progressIsShownMeanwhile();
+  void aCommandWithoutMemoryEndsInAMessage();
+  void anyOtherExceptionEndsInAMessage();
+  void progressDoesNotOutliveAFailedCommand();
+};
+
+void CommandsTest::noOtherCommandCanBeChosenMeanwhile() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  bool ran = false;
+  program.opened().run([&](CGravlinDoc& document) {
+    for (const char* step : {"open", "undo", "points"}) {
+      QVERIFY2(!program.step(step).isEnabled(), step);
+    }
+    QVERIFY(!program.action("fileExit").isEnabled());
+    program.opened().run([&](CGravlinDoc& /*again*/) { ran = true; });
+    program.frame().openFile(program.file("s.ply2", squareText));
+    QCOMPARE(document.currentMesh->faceCount, 4);
+  });
+  QVERIFY(!ran);
+  QVERIFY(program.step("points").isEnabled());
+  QVERIFY(program.action("fileExit").isEnabled());
+}
+
+void CommandsTest::inputDuringACommandIsDropped() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  CGravlinView& view = program.view();
+  const QPoint middle = view.rect().center();
+  QElapsedTimer timer;
+  timer.start();
+  program.opened().run([&](CGravlinDoc& document) {
+    document.displayMode = Points;
+    drag(view, Qt::LeftButton, {middle, middle + QPoint(30, 0)});
+    turnWheel(view, 120);
+    QTest::keyClick(program.frame().windowHandle(), Qt::Key_Left);
+    QTest::keyClick(program.frame().windowHandle(), Qt::Key_Z, Qt::ControlModifier);
+    QTest::mouseDClick(&view, Qt::LeftButton, {}, middle);
+    QCoreApplication::processEvents();
+  });
+  QCoreApplication::processEvents();
+  QCOMPARE(view.state.camera.angleZ, 0.0F);
+  QCOMPARE(view.state.camera.angleX, 0.0F);
+  QCOMPARE(view.state.camera.translation[0], 0.0F);
+  QCOMPARE(program.document().displayMode, int(Points));
+  // Afterwards everything is heard again.
+  turnWheel(view, 120);
+  QCOMPARE(view.state.camera.angleX, 6.0F);
+}
+
+void CommandsTest::theWindowCannotBeClosedMeanwhile() {
+  Program program;
+  program.opened().run([&](CGravlinDoc& /*document*/) {
+    QVERIFY(!program.frame().close());
+    QVERIFY(!program.frame().activeFrame()->close());
+  });
+  QVERIFY(program.frame().isVisible());
+  QVERIFY(program.frame().activeFrame() != nullptr);
+}
+
+void CommandsTest::dialogsOfACommandGetTheirInput() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  int entered = 0;
+  program.opened().run([&](CGravlinDoc& document) {
+    NextDialog enter("CVisualizationDlg", [](QDialog& dialog) {
+      type(control<QLineEdit>(dialog, "lineWidth"), "4");
+      click(dialog, "ok");
+    });
+    if (program.opened().outside.showDialog(document.visualizationParameters.form())) ++entered;
+    // Behind the dialog the lock is back.
+    turnWheel(program.view(), 120);
+  });
+  QCOMPARE(entered, 1);
+  QCOMPARE(program.document().visualizationParameters.lineWidth, 4.0F);
+  QCOMPARE(program.view().state.camera.angleX, 0.0F);
+}
+
+/// Makes the mesh a little smaller and has it drawn, as an animated command does.
+void animate(CGravlinDoc& document) {
+  for (float& coordinate : document.currentMesh->vertices) coordinate *= 0.99F;
+  document.needsRecompute = true;
+  document.redraw();
+}
+
+void CommandsTest::aRedrawIsDrawnBeforeItReturns() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  program.opened().run([&](CGravlinDoc& document) {
+    for (int frame = 1; frame <= 3; ++frame) {
+      const QImage before = program.view().grabFramebuffer();
+      animate(document);
+      QVERIFY(program.view().grabFramebuffer() != before);
+    }
+  });
+}
+
+void CommandsTest::anAnimationReachesTheScreenWhileItRuns() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  int shown = 0;
+  connect(&program.view(), &QOpenGLWidget::frameSwapped, this, [&] { ++shown; });
+  program.opened().run([&](CGravlinDoc& document) {
+    const QDeadlineTimer deadline(10000);
+    while (shown < 3 && !deadline.hasExpired()) animate(document);
+    QCOMPARE(shown, 3);
+  });
+}
+
+void CommandsTest::paintingDuringACommandShowsTheLastPicture() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  CGravlinView& view = program.view();
+  const QImage before = view.grabFramebuffer();
+  QImage during;
+  program.opened().run([&](CGravlinDoc& document) {
+    document.displayMode = Points;
+    document.currentMesh->vertices.clear();  // what a command has on the bench is no sight
+    view.repaint();
+    during = view.grabFramebuffer();
+    document.currentMesh = nullptr;
+  });
+  QCOMPARE(during, before);
+  QTRY_VERIFY(view.grabFramebuffer() != before);
+}
+
+void CommandsTest::progressIsShownMeanwhile() {
+  Program program;
+  auto& dialog = control<QDialog>(program.frame(), "CProgressDlg");
+  auto& bar = control<QProgressBar>(dialog, "Progress1");
+  program.opened().run([&](CGravlinDoc& /*document*/) {
+    DesktopOutside& outside = program.opened().outside;
+    outside.showProgress({10, 5});
+    QVERIFY(dialog.isVisible());
+    outside.stepProgress();
+    QCOMPARE(bar.value(), 5);
+    outside.hideProgress();
+    QVERIFY(!dialog.isVisible());
+  });
+}
+
+/// Runs the command and returns the text of the message it ends in.
+QString messageOf(Program& program, const std::function<void(CGravlinDoc&)>& command) {
+  QString text;
+  NextDialog message("CMessageDlg", [&](QDialog& dialog) {
+    text = control<QPlainTextEdit>(dialog, "text").toPlainText();
+    click(dialog, "ok");
+  });
+  program.opened().run(command);
+  return message.answered() ? text : QString();
+}
+
+void CommandsTest::aCommandWithoutMemoryEndsInAMessage() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  const auto vertices = program.document().currentMesh->vertices;
+  const QString text = messageOf(program, [](CGravlinDoc& document) {
+    document.keepUndoCopy();
+    document.currentMesh->vertices[0] = 5;
+    throw std::bad_alloc();
+  });
+  QVERIFY2(text.contains("memory"), qPrintable(text));
+  QVERIFY(program.step("undo").isEnabled());
+  program.step("undo").trigger();
+  QVERIFY(program.document().currentMesh->vertices == vertices);
+}
+
+void CommandsTest::anyOtherExceptionEndsInAMessage() {
+  Program program;
+  const QString text = messageOf(
+      program, [](CGravlinDoc& /*document*/) { throw std::runtime_error("the moon is full"); });
+  QVERIFY2(text.contains("the moon is full"), qPrintable(text));
+  QVERIFY(program.step("points").isEnabled());
+}
+
+void CommandsTest::progressDoesNotOutliveAFailedCommand() {
+  Program program;
+  auto& dialog = control<QDialog>(program.frame(), "CProgressDlg");
+  const QString text = messageOf(program, [&](CGravlinDoc& /*document*/) {
+    program.opened().outside.showProgress({10, 1});
+    throw std::bad_alloc();
+  });
+  QVERIFY(!text.isEmpty());
+  QVERIFY(!dialog.isVisible());
+}
+
+}  // namespace
+}  // namespace gravlin
+
+int main(int argc, char** argv) {
+  return gravlin::test::runGuiTest<gravlin::CommandsTest>(argc, argv);
+}
+#include "CommandsTest.moc"
