@@ -139,10 +139,11 @@ TEST_F(RemeshCommands, SubdivisionDropsLinesAndFindsCreasesThatAreShownAgain) {
   const auto countLinks = [&] {
     int links = 0;
     for (const IndexList& list : doc.currentMesh->ridgeLinks) links += list.size();
+    for (const IndexList& list : doc.currentMesh->valleyLinks) links += list.size();
     return links;
   };
   load(test::cube());
-  outside.dialogAnswers = {test::okWith({{"thresholdMode", "angle"}, {"angle", "30"}})};
+  outside.dialogAnswers = {test::okWith({{"thresholdMode", "angle"}, {"angle", "120"}})};
   doc.OnEdgeDetectionFaceAngle();
   ASSERT_EQ(countLinks(), 2 * 12);
   subdivide("Linear");
