@@ -11,6 +11,12 @@ target_compile_options(gravlin_options INTERFACE
   # and square roots and choices can run side by side.
   -fno-math-errno -fno-trapping-math)
 
+# This compiler takes "text" + std::string for a copy onto itself where it inlines it (GCC bug
+# 105651).
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  target_compile_options(gravlin_options INTERFACE -Wno-restrict)
+endif()
+
 if(GRAVLIN_SANITIZE)
   target_compile_options(gravlin_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
