@@ -1,0 +1,80 @@
+#include "batch/Program.h"
+
+#include <algorithm>
+#include <new>
+
+#include "batch/CommandLine.h"
+#include "batch/ViewSteps.h"
+#include "numeric/TextSink.h"
+
+namespace gravlin {
+namespace {
+
+enum ExitStatus : int { allIsWell = 0, stepFailed = 1, notUnderstood = 2 };
+
+/// Goes through all calls without running any of them.
+void checkCalls(std::span<const StepCall> calls, BatchStreams streams) {
+  Session trial(streams);
+  for (const StepCall& call : calls) {
+    try {
+      const Step& described = call.described();
+      if (described.form) applySettings(described.form(trial), call.settings);
+      if (call.step->check) call.step->check(trial, call);
+    } catch (const UsageError& error) {
+      throw UsageError(call.described().name + " " + error.what());
+    }
+  }
+}
+
+int runCalls(std::span<const StepCall> calls, BatchStreams streams) {
+  Session session(streams);
+  for (std::size_t k = 0; k < calls.size(); ++k) {
+    session.outside.viewSize = sizeOfNextRender(calls.subspan(k));
+    calls[k].step->run(session, calls[k]);
+    if (session.outside.failed) return stepFailed;
+  }
+  if (std::fflush(streams.output) != 0) throw StepFailure("Standard output could not be written.");
+  return allIsWell;
+}
+
+/// Standard output is for another program to read: nothing but the dump may go there.
+bool dumpsToOutput(const StepCall& call) {
+  return call.step->name == "dump" && call.operands[0] == "-";
+}
+
+TextSink textSink(BatchStreams streams, bool quiet) {
+  return [streams, quiet](TextStream stream, std::string_view text) {
+    if (stream == TextStream::Output && quiet) return;
+    std::FILE* file = stream == TextStream::Output ? streams.output : streams.errors;
+    std::fwrite(text.data(), 1, text.size(), file);
+  };
+}
+
+}  // namespace
+
+int runBatch(std::span<const std::string> arguments, BatchStreams streams) {
+  const auto fail = [&](const char* reason, ExitStatus status) {
+    std::fprintf(streams.errors, "gravlin-batch: %s\n", reason);
+    return status;
+  };
+  try {
+    const CommandLine line = readCommandLine(arguments);
+    if (!line.answer.empty()) {
+      std::fputs(line.answer.c_str(), streams.output);
+      return allIsWell;
+    }
+    checkCalls(line.calls, streams);
+    const bool quiet =
+        line.quiet || std::any_of(line.calls.begin(), line.calls.end(), dumpsToOutput);
+    const ScopedTextSink sink(textSink(streams, quiet));
+    return runCalls(line.calls, streams);
+  } catch (const UsageError& error) {
+    return fail(error.what(), notUnderstood);
+  } catch (const StepFailure& error) {
+    return fail(error.what(), stepFailed);
+  } catch (const std::bad_alloc&) {
+    return fail("There is not enough memory.", stepFailed);
+  }
+}
+
+}  // namespace gravlin

@@ -1,0 +1,98 @@
+#include <algorithm>
+#include <charconv>
+
+#include "batch/Dump.h"
+#include "batch/Report.h"
+#include "batch/Session.h"
+#include "batch/Step.h"
+#include "batch/ViewSteps.h"
+#include "doc/CommandTable.h"
+
+namespace gravlin {
+namespace {
+
+/// "&Open...\tCtrl+O" as people say it: "Open...".
+std::string spokenText(std::string_view menuText) {
+  std::string spoken(menuText.substr(0, menuText.find('\t')));
+  spoken.erase(std::remove(spoken.begin(), spoken.end(), '&'), spoken.end());
+  spoken.erase(spoken.find_last_not_of(' ') + 1);
+  return spoken;
+}
+
+/// The items that lead to a command, "Edit > Smoothing > Shape".
+std::string menuPathOf(const Command& row) {
+  std::string path;
+  for (const char c : row.menuPath) path += c == '/' ? std::string(" > ") : std::string(1, c);
+  return path + " > " + spokenText(row.text);
+}
+
+Step stepOf(const Command& row) {
+  Step step;
+  step.name = row.step;
+  step.menu = row.menuPath.substr(0, row.menuPath.find('/'));
+  step.summary = menuPathOf(row);
+  if (row.file) step.operands = {"FILE"};
+  if (row.form != nullptr) {
+    step.hasDialog = true;
+    step.form = [&row](Session& session) { return row.form(session.document); };
+  }
+  step.run = [&row](Session& session, const StepCall& call) {
+    if (row.file) session.outside.chosenFile = call.operands[0];
+    if (row.form != nullptr) {
+      session.outside.answerNext(row.form(session.document).name, call.settings);
+    }
+    (session.document.*row.handler)();
+    session.outside.forgetAnswers();
+  };
+  return step;
+}
+
+Step presetStep() {
+  return {.name = "preset",
+          .menu = "Chain",
+          .summary = "set the values that a step's dialog remembers, without running it",
+          .subject = Subject::WithOptions,
+          .run = [](Session& session, const StepCall& call) {
+            applySettings(call.subject->form(session), call.settings);
+          }};
+}
+
+Step cancelStep() {
+  return {.name = "cancel",
+          .menu = "Chain",
+          .summary = "answer Cancel the next time that a step's dialog is shown",
+          .subject = Subject::Named,
+          .run = [](Session& session, const StepCall& call) {
+            session.outside.cancelNext(call.subject->form(session).name);
+          }};
+}
+
+std::vector<Step> makeSteps() {
+  std::vector<Step> steps;
+  for (const Command& row : commandTable()) {
+    if (row.handler != nullptr && !row.step.empty()) steps.push_back(stepOf(row));
+  }
+  for (Step step : {presetStep(), cancelStep(), cameraStep(), pickStep(), renderStep(),
+                    renderHistogramStep(), dumpStep(), reportStep()}) {
+    steps.push_back(std::move(step));
+  }
+  return steps;
+}
+
+}  // namespace
+
+std::span<const Step> allSteps() {
+  static const std::vector<Step> steps = makeSteps();
+  return steps;
+}
+
+void applySettings(const Form& form, std::span<const Setting> settings) {
+  for (const Setting& setting : settings) {
+    const auto field = std::find_if(form.fields.begin(), form.fields.end(),
+                                    [&](const Field& f) { return f.name == setting.field; });
+    const std::string refusal = storeText(*field, setting.text);
+    if (!refusal.empty()) throw UsageError("--" + kebabCase(setting.field) + ": " + refusal);
+  }
+}
+
+}  // namespace gravlin

@@ -1,0 +1,93 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sstream>
+
+#include "batch/Help.h"
+#include "batch/Session.h"
+
+namespace gravlin {
+namespace {
+
+using ::testing::HasSubstr;
+
+TEST(Help, ListsEveryStepWithItsOperands) {
+  const std::string text = helpText();
+  for (const Step& step : allSteps()) {
+    std::string usage = "\n  " + step.name;
+    for (const std::string& operand : step.operands) usage += " " + operand;
+    EXPECT_THAT(text, HasSubstr(usage));
+    EXPECT_THAT(text, HasSubstr(step.summary));
+  }
+  for (const char* option : {"--quiet", "--script FILE", "--help", "--version"}) {
+    EXPECT_THAT(text, HasSubstr(option));
+  }
+}
+
+TEST(Help, FitsATerminal) {
+  std::string all = helpText();
+  for (const Step& step : allSteps()) all += helpText(step);
+  std::istringstream lines(all);
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 100U) << line;
+}
+
+TEST(Help, NamesEveryOptionOfAStepWithRangeAndDefault) {
+  for (const Step& step : allSteps()) {
+    if (step.form == nullptr) continue;
+    const std::string text = helpText(step);
+    Session session;
+    for (const Field& field : step.form(session).fields) {
+      SCOPED_TRACE(step.name + " " + std::string(field.name));
+      const std::string name = kebabCase(field.name);
+      const bool isSwitch = std::holds_alternative<bool*>(field.value);
+      const std::string option = (isSwitch ? "  --[no-]" : "  --") + name;
+      EXPECT_EQ(text.find(option) != std::string::npos, field.enabled);
+      for (const Choice& choice : field.choices) {
+        EXPECT_THAT(text, HasSubstr(choice.word.empty() ? choice.text.substr(0, 5) : choice.word));
+      }
+    }
+  }
+}
+
+TEST(Help, OfAStepReadsWell) {
+  for (const Step& step : allSteps()) {
+    if (step.name != "visualization") continue;
+    EXPECT_EQ(helpText(step),
+              "Usage: gravlin-batch ... visualization [OPTIONS] ...\n"
+              "\n"
+              "Option > Visualization\n"
+              "\n"
+              "  --line-width X\n"
+              "          Line width: 0 to 100 (default 1)\n"
+              "  --point-size X\n"
+              "          Point size: 0 to 100 (default 3)\n"
+              "  --[no-]gray-scale\n"
+              "          Gray-Scale (default --no-gray-scale)\n");
+  }
+}
+
+TEST(ManPage, NamesEveryStepAndOption) {
+  const std::string page = manPage();
+  EXPECT_TRUE(page.starts_with(".TH GRAVLIN\\-BATCH 1"));
+  for (const Step& step : allSteps()) {
+    std::string typed = step.name;
+    for (std::size_t at = 0; (at = typed.find('-', at)) != std::string::npos; at += 2) {
+      typed.insert(at, "\\");
+    }
+    EXPECT_THAT(page, HasSubstr("\n.B " + typed));
+  }
+}
+
+TEST(ManPage, HasNoLineThatRoffWouldTakeForAnUnknownRequest) {
+  std::istringstream lines(manPage());
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with('.') && !line.starts_with('\'')) continue;
+    const std::string request = line.substr(0, line.find(' '));
+    EXPECT_TRUE(request == ".TH" || request == ".SH" || request == ".SS" || request == ".TP" ||
+                request == ".PP" || request == ".B" || request == ".BR" || request == ".RS" ||
+                request == ".RE")
+        << line;
+  }
+}
+
+}  // namespace
+}  // namespace gravlin

@@ -1,0 +1,344 @@
+#include <chrono>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "batch/BatchRun.h"
+#include "batch/Dump.h"
+#include "numeric/TextSink.h"
+#include "support/Meshes.h"
+#include "support/ScriptedOutside.h"
+#include "view/Picture.h"
+
+namespace gravlin {
+namespace {
+
+using nlohmann::json;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+constexpr const char* program = GRAVLIN_BATCH_PROGRAM;
+constexpr const char* square = "4 2\n0 0 0\n4 0 0\n4 2 0\n0 2 0\n3 0 1 2\n3 0 2 3\n";
+
+/// The shipped program as users run it.
+class Program : public ::testing::Test {
+ protected:
+  static test::RunResult run(const std::string& arguments) {
+    return test::runShell(std::string(program) + " " + arguments);
+  }
+  bool exists(const std::string& name) const { return std::filesystem::exists(folder.file(name)); }
+  /// The argument for a file in the test's folder.
+  std::string in(const std::string& name) const { return "'" + folder.file(name) + "'"; }
+
+  test::TemporaryFolder folder;
+  const std::string mesh = "'" + folder.write("square.ply2", square) + "'";
+};
+
+TEST_F(Program, OpensAndSaves) {
+  const test::RunResult result = run("open " + mesh + " save " + in("out.ply2"));
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(test::contentOf(folder.file("out.ply2")), StartsWith("4\n2\n0.000000 0.000000"));
+}
+
+TEST_F(Program, RefusesAValueOutsideItsRangeBeforeTheFirstStepRuns) {
+  const test::RunResult result =
+      run("open " + mesh + " save " + in("out.ply2") + " visualization --line-width 100.5");
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.errors,
+            "gravlin-batch: visualization --line-width: Enter a number between 0 and 100.\n");
+  EXPECT_FALSE(exists("out.ply2"));
+}
+
+TEST_F(Program, RefusesWhatItDoesNotUnderstandBeforeTheFirstStepRuns) {
+  const std::string save = "open " + mesh + " save " + in("out.ply2") + " ";
+  for (const auto& [words, reason] :
+       {std::pair<std::string, std::string>{"frobnicate", "unknown step frobnicate"},
+        {"points --size 3", "points: unknown option --size"},
+        {"open", "open: FILE is required"},
+        {"visualization --line-width", "visualization: --line-width"},
+        {"visualization --line-width wide", "--line-width: Enter a number."},
+        {"preset visualization --point-size x", "visualization --point-size: Enter a number."},
+        {"camera --translate 1,2", "camera --translate: Enter three numbers"},
+        {"pick 3 top", "pick top: Enter an integer."},
+        {"dump x.json --fields vertices,colour", "dump --fields: there is no field 'colour'."}}) {
+    const test::RunResult result = run(save + words);
+    EXPECT_EQ(result.status, 2) << words;
+    EXPECT_THAT(result.errors, StartsWith("gravlin-batch: ")) << words;
+    EXPECT_THAT(result.errors, HasSubstr(reason)) << words;
+    EXPECT_FALSE(exists("out.ply2")) << words;
+  }
+}
+
+TEST_F(Program, AFileThatCannotBeReadEndsTheChain) {
+  const test::RunResult result =
+      run("open " + mesh + " open " + in("missing.ply2") + " save " + in("out.ply2"));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.errors, StartsWith("gravlin-batch: Cannot open "));
+  EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1);
+  EXPECT_FALSE(exists("out.ply2"));
+}
+
+TEST_F(Program, AFileThatCannotBeWrittenEndsTheChain) {
+  for (const std::string step : {"save ", "dump "}) {
+    const test::RunResult result =
+        run("open " + mesh + " " + step + in("no/folder/x.ply2") + " save " + in("out.ply2"));
+    EXPECT_EQ(result.status, 1) << step;
+    EXPECT_THAT(result.errors, HasSubstr("no/folder/x.ply2")) << step;
+    EXPECT_FALSE(exists("out.ply2")) << step;
+  }
+  EXPECT_EQ(run("save " + in("out.ply2")).status, 1) << "there is no mesh";
+  EXPECT_EQ(run("open " + mesh + " dump - > /dev/full").status, 1);
+  EXPECT_EQ(run("open " + mesh + " report > /dev/full").status, 1);
+}
+
+TEST_F(Program, AnExtensionWithoutReaderIsWarnedOfAndGivesAnEmptyMesh) {
+  const std::string obj = folder.write("mesh.obj", "v 0 0 0\n");
+  const test::RunResult result = run("open '" + obj + "' dump - --fields vertexCount");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.errors, HasSubstr("no reader"));
+  EXPECT_EQ(json::parse(result.output)["vertexCount"], 0);
+}
+
+TEST_F(Program, RunsStepsFromLeftToRightOnOneDocument) {
+  const test::RunResult result =
+      run("open " + mesh + " points dump " + in("a.json") + " wire-frame dump " + in("b.json"));
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(json::parse(test::contentOf(folder.file("a.json")))["displayMode"], Points);
+  EXPECT_EQ(json::parse(test::contentOf(folder.file("b.json")))["displayMode"], WireFrame);
+}
+
+TEST_F(Program, RunsAScript) {
+  const std::string script = folder.write("chain.txt", "open " + mesh + " # a square\nreport\n");
+  const test::RunResult result =
+      run("--script '" + script + "' points dump - --fields displayMode");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, HasSubstr("Euler characteristic  1\n"));
+  EXPECT_THAT(result.output, HasSubstr("\"displayMode\": 26"));
+  EXPECT_EQ(run("--script " + in("missing.txt")).status, 1);
+}
+
+TEST_F(Program, RemembersPresetValuesAndCancelsADialogOnce) {
+  const test::RunResult result =
+      run("preset visualization --line-width 3 visualization --point-size 5 cancel visualization "
+          "visualization --line-width 9 dump - --fields view");
+  EXPECT_EQ(result.status, 0);
+  const json view = json::parse(result.output)["view"];
+  EXPECT_EQ(view["lineWidth"], 3);
+  EXPECT_EQ(view["pointSize"], 5);
+}
+
+TEST_F(Program, TurnsTheViewByTheAnglesThatAreGivenAndKeepsTheOthers) {
+  const test::RunResult result =
+      run("view-direction --rx 10 --rz -5.5 view-direction --ry 20 camera --translate 1,-2,0.5 "
+          "camera --field-of-view 30 lighting-blue dump - --fields view");
+  EXPECT_EQ(result.status, 0);
+  const json view = json::parse(result.output)["view"];
+  EXPECT_EQ(view["angleX"], 10);
+  EXPECT_EQ(view["angleY"], 20);
+  EXPECT_EQ(view["angleZ"], -5.5);
+  EXPECT_EQ(view["translation"], json({1, -2, 0.5}));
+  EXPECT_EQ(view["fieldOfView"], 30);
+  EXPECT_EQ(view["lightingMode"], 3);
+}
+
+TEST_F(Program, PicksTheFaceInTheMiddleOfThePicture) {
+  const test::RunResult hit =
+      run("open " + mesh + " pick 400 300 dump - --fields pickedFace,displayMode");
+  EXPECT_EQ(hit.status, 0);
+  EXPECT_THAT(hit.errors, HasSubstr("Face 0: corners 0, 1, 2; area 4; normal (0, 0, 1)"));
+  EXPECT_EQ(json::parse(hit.output)["pickedFace"], 0);
+  EXPECT_EQ(json::parse(hit.output)["displayMode"], PickedFace);
+  const test::RunResult miss =
+      run("open " + mesh + " pick 0 0 dump - --fields pickedFace,displayMode");
+  EXPECT_EQ(miss.status, 0);
+  EXPECT_TRUE(json::parse(miss.output)["pickedFace"].is_null());
+  EXPECT_EQ(json::parse(miss.output)["displayMode"], FlatShading);
+}
+
+/// Whether every pixel is white.
+bool blank(const Image& image) {
+  return std::all_of(image.rgb.begin(), image.rgb.end(), [](int byte) { return byte == 255; });
+}
+
+TEST_F(Program, RendersWithoutADisplay) {
+  const test::RunResult result = test::runShell(
+      "unset DISPLAY WAYLAND_DISPLAY; " + std::string(program) + " open " + mesh + " render " +
+      in("a.png") + " render " + in("b.png") + " --no-overlay wire-frame render " + in("c.png") +
+      " --size 64x48 camera --translate 99,0,0 render " + in("d.png") + " --no-overlay");
+  ASSERT_EQ(result.status, 0) << result.errors;
+  const Image flat = readPng(folder.file("a.png"));
+  EXPECT_EQ(flat.width, 800);
+  EXPECT_EQ(flat.height, 600);
+  EXPECT_NE(flat.rgb, readPng(folder.file("b.png")).rgb) << "the counts stand in the corner";
+  const Image wire = readPng(folder.file("c.png"));
+  EXPECT_EQ(wire.width, 64);
+  EXPECT_EQ(wire.height, 48);
+  EXPECT_FALSE(blank(wire));
+  EXPECT_TRUE(blank(readPng(folder.file("d.png")))) << "the mesh is out of sight";
+}
+
+TEST_F(Program, RendersWhatTheDocumentOfAWindowShows) {
+  test::ScriptedOutside outside;
+  CGravlinDoc doc(outside);
+  ASSERT_TRUE(doc.openFile(folder.file("square.ply2")));
+  doc.OnPoints();
+  ViewState view;
+  view.camera.setAngles({10.0F, 20.0F, 30.0F});
+  const Image expected = Picture().draw(doc, view, {.size = {300, 200}});
+  const test::RunResult result =
+      run("open " + mesh + " view-direction --rx 10 --ry 20 --rz 30 points render " + in("a.png") +
+          " --size 300x200");
+  ASSERT_EQ(result.status, 0) << result.errors;
+  EXPECT_EQ(readPng(folder.file("a.png")).rgb, expected.rgb);
+}
+
+TEST_F(Program, RendersTheHistogramOfTheFieldOnShow) {
+  const std::string sphere = test::writeMeshFile(folder, "sphere.ply2", test::icosphere(2));
+  const test::RunResult result =
+      run("open '" + sphere + "' render-histogram " + in("none.png") +
+          " curvature-mean render-histogram " + in("mean.png") + " --size 200x120");
+  ASSERT_EQ(result.status, 0) << result.errors;
+  EXPECT_TRUE(blank(readPng(folder.file("none.png"))));
+  EXPECT_EQ(readPng(folder.file("none.png")).width, 330);
+  const Image mean = readPng(folder.file("mean.png"));
+  EXPECT_EQ(mean.width, 200);
+  EXPECT_EQ(mean.height, 120);
+  EXPECT_FALSE(blank(mean));
+}
+
+TEST_F(Program, PicksInThePictureThatComesNext) {
+  const std::string step = "open " + mesh + " pick 150 100 dump - --fields pickedFace";
+  EXPECT_TRUE(json::parse(run(step).output)["pickedFace"].is_null());
+  const test::RunResult result =
+      run(step + " render " + in("a.png") + " --size 300x200 render " + in("b.png"));
+  EXPECT_EQ(json::parse(result.output)["pickedFace"], 0);
+}
+
+TEST_F(Program, TellsWhatIsWrongWithAPicture) {
+  EXPECT_EQ(run("render " + in("a.png") + " --size 800").status, 2);
+  EXPECT_EQ(run("render-histogram " + in("a.png") + " --size 2000000000x2").status, 2);
+  for (const std::string step : {"render ", "render-histogram "}) {
+    const test::RunResult nowhere = run(step + in("no/folder/a.png") + " save " + in("b.ply2"));
+    EXPECT_EQ(nowhere.status, 1);
+    EXPECT_THAT(nowhere.errors, StartsWith("gravlin-batch: "));
+    EXPECT_THAT(nowhere.errors, HasSubstr("no/folder/a.png"));
+  }
+}
+
+TEST_F(Program, HelpGoesToStandardOutputAndSucceeds) {
+  const test::RunResult all = run("--help");
+  EXPECT_EQ(all.status, 0);
+  EXPECT_THAT(all.output, HasSubstr("save FILE"));
+  const test::RunResult one = run("visualization --help");
+  EXPECT_EQ(one.status, 0);
+  EXPECT_THAT(one.output, HasSubstr("--line-width X"));
+  EXPECT_THAT(one.output, HasSubstr("0 to 100"));
+  EXPECT_THAT(run("--version").output, StartsWith("gravlin-batch "));
+}
+
+TEST_F(Program, NeedsNeitherADisplayNorItsLibraries) {
+  const test::RunResult linked = test::runShell(std::string("ldd ") + program);
+  ASSERT_EQ(linked.status, 0);
+  EXPECT_THAT(linked.output, HasSubstr("libc.so"));
+  for (const char* library : {"libQt", "libX11", "libxcb", "libGLX", "libGL.so", "libwayland"}) {
+    EXPECT_THAT(linked.output, Not(HasSubstr(library)));
+  }
+}
+
+TEST_F(Program, StartsOpensASmallMeshAndSavesItWithinThirtyMilliseconds) {
+  const std::string command = std::string(program) + " open " + mesh + " save " + in("out.ply2");
+  using Clock = std::chrono::steady_clock;
+  auto best = Clock::duration::max();
+  for (int k = 0; k < 25; ++k) {  // the least of many, whatever else the machine is doing
+    const auto start = Clock::now();
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    best = std::min(best, Clock::now() - start);
+  }
+#ifdef __SANITIZE_ADDRESS__
+  constexpr int slowdown = 20;  // of setting up the shadow memory and symbol tables
+#else
+  constexpr int slowdown = 1;
+#endif
+  EXPECT_LT(best, std::chrono::milliseconds(30) * slowdown);
+}
+
+// --- The same bits as the window's ---
+
+/// A chain as the batch program takes it, and what a user of the window enters and clicks for it.
+struct Chain {
+  std::string arguments;
+  std::vector<test::DialogAnswer> answers;
+  std::vector<void (CGravlinDoc::*)()> clicks;
+};
+
+class SameBits : public Program, public ::testing::WithParamInterface<Chain> {};
+
+TEST_P(SameBits, AsTheDocumentOfAWindow) {
+  const Chain& chain = GetParam();
+  const std::string path = test::writeMeshFile(folder, "bumpy.ply2", test::bumpyGrid(12, 9));
+  test::ScriptedOutside outside;
+  outside.dialogAnswers.assign(chain.answers.begin(), chain.answers.end());
+  CGravlinDoc doc(outside);
+  const ScopedTextSink quiet(quietTextSink());
+  ASSERT_TRUE(doc.openFile(path));
+  for (const auto click : chain.clicks) (doc.*click)();
+  EXPECT_TRUE(outside.finished());
+
+  std::vector<std::string> fields;
+  std::string names;
+  for (const std::string_view field : dumpFieldNames()) {
+    if (field == "view") continue;
+    fields.emplace_back(field);
+    names += (names.empty() ? "" : ",") + fields.back();
+  }
+  const std::string expected = folder.file("expected.json");
+  std::FILE* stream = std::fopen(expected.c_str(), "w");
+  const ViewState view;
+  Histogram histogram;
+  histogram.setValues(outside.histogramValues);
+  dump({doc, view, histogram}, fields, stream);
+  std::fclose(stream);
+
+  const test::RunResult result =
+      run("open '" + path + "' " + chain.arguments + " dump - --fields " + names);
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_TRUE(result.output == test::contentOf(expected));
+}
+
+using Doc = CGravlinDoc;
+
+INSTANTIATE_TEST_SUITE_P(
+    Program, SameBits,
+    ::testing::Values(
+        Chain{"wire-frame", {}, {&Doc::OnWireFrame}},
+        Chain{"noise --noise-size 0.2 undo",
+              {test::okWith({{"noiseSize", "0.2"}})},
+              {&Doc::OnSmoothingNoise, &Doc::OnEditUndo}},
+        Chain{"noise smooth-shape --method 'Mean Curvature Flow (Desbrun, implicit)' "
+              "--iteration-count 2 --step-size 0.1 --no-preserve-volume",
+              {test::ok(), test::okWith({{"method", "Mean Curvature Flow (Desbrun, implicit)"},
+                                         {"iterationCount", "2"},
+                                         {"stepSize", "0.1"},
+                                         {"preserveVolume", "0"}})},
+              {&Doc::OnSmoothingNoise, &Doc::OnSmoothingShape}},
+        Chain{"noise smooth-adaptive --averaging-kind weight --weight-shape similar",
+              {test::ok(), test::okWith({{"averagingKind", "weight"}, {"weightShape", "similar"}})},
+              {&Doc::OnSmoothingNoise, &Doc::OnSmoothingShapeAdaptive}},
+        Chain{"curvature-gauss smooth-tensor --display-choice min-direction",
+              {test::okWith({{"displayChoice", "min-direction"}})},
+              {&Doc::OnCurvatureGauss, &Doc::OnSmoothingCurvatureTensor}},
+        Chain{"stroke-max --seed-amount 30 stroke-min",
+              {test::okWith({{"seedAmount", "30"}}), test::ok()},
+              {&Doc::OnStrokeMax, &Doc::OnStrokeMin}},
+        Chain{"edge-curvature cancel noise noise smooth-shape show-vertex-error",
+              {test::cancel(), test::ok()},
+              {&Doc::OnEdgeCurvature, &Doc::OnSmoothingNoise, &Doc::OnSmoothingShape,
+               &Doc::OnShowVertexError}}));
+
+}  // namespace
+}  // namespace gravlin

@@ -1,0 +1,88 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "batch/Report.h"
+#include "support/Meshes.h"
+
+namespace gravlin {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+TEST(Report, SumsUpACubeInTheUnitsOfItsFile) {
+  TriangleMesh cube = test::cube();  // side 2 in memory
+  cube.extentTolerance = 0.5;        // side 1 in the file, about (5, 6, 7)
+  cube.boxMin = {4.5F, 5.5F, 6.5F};
+  cube.boxMax = {5.5F, 6.5F, 7.5F};
+  EXPECT_EQ(summarize(cube),
+            "vertices              8 used: 8 interior, 0 boundary, 0 non-manifold; 0 unused\n"
+            "faces                 12 valid; 0 invalid\n"
+            "edges                 18: 0 boundary, 0 with more than two faces\n"
+            "boundary loops        0\n"
+            "components            1\n"
+            "Euler characteristic  2\n"
+            "area                  6\n"
+            "volume                1\n"
+            "box                   (4.5, 5.5, 6.5) to (5.5, 6.5, 7.5)\n");
+}
+
+TEST(Report, CountsKindsUnusedVerticesAndInvalidFaces) {
+  EXPECT_THAT(summarize(test::bowTie()),
+              HasSubstr("5 used: 0 interior, 4 boundary, 1 non-manifold; 0 unused"));
+  const TriangleMesh mesh =
+      test::makeMesh({{9, 9, 9}, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{1, 2, 3}, {1, 1, 2}});
+  const std::string text = summarize(mesh);
+  EXPECT_THAT(text, HasSubstr("3 used: 0 interior, 3 boundary, 0 non-manifold; 1 unused"));
+  EXPECT_THAT(text, HasSubstr("1 valid; 1 invalid"));
+  EXPECT_THAT(text, HasSubstr("box                   (0, 0, 0) to (1, 1, 0)"));
+}
+
+TEST(Report, TellsThatTheVolumeOfAnOpenSurfaceIsTakenAsItStands) {
+  EXPECT_THAT(summarize(test::grid(3, 2)), HasSubstr("(the surface is open)"));
+  EXPECT_THAT(summarize(test::icosphere(1)), Not(HasSubstr("open")));
+}
+
+TEST(Report, HoldsStatisticsOfTheCurvaturesThatArePresent) {
+  TriangleMesh mesh = test::twoTriangles();
+  mesh.extentTolerance = 2.0;
+  EXPECT_THAT(summarize(mesh), Not(HasSubstr("curvature")));
+  mesh.maxCurvature = {2, 4, 6, 8};
+  mesh.minCurvature = {-2, 0, 2, 4};
+  const std::string text = summarize(mesh);
+  EXPECT_THAT(text, HasSubstr("maximum curvature     from 1 to 4, mean 2.5, deviation 1.11803\n"));
+  EXPECT_THAT(text, HasSubstr("minimum curvature     from -1 to 2, mean 0.5, deviation 1.11803\n"));
+  EXPECT_THAT(text, HasSubstr("mean curvature        from 0 to 3, mean 1.5"));
+  EXPECT_THAT(text, HasSubstr("Gaussian curvature    from -1 to 8, mean 2.5"));
+  EXPECT_THAT(text, HasSubstr("total curvature       from 2 to 6, mean 3.5"));
+  EXPECT_THAT(text, Not(HasSubstr("edge curvature")));
+  mesh.edgeCurvatures.assign(6, -2.0);
+  EXPECT_THAT(summarize(mesh),
+              HasSubstr("edge curvature        from -1 to -1, mean -1, deviation 0\n"));
+}
+
+TEST(Report, CountsAndMeasuresLines) {
+  TriangleMesh mesh = test::grid(3, 3);  // lattice points four to a row
+  mesh.extentTolerance = 0.5;
+  EXPECT_THAT(summarize(mesh), Not(HasSubstr("lines")));
+  mesh.ridgeLinks.resize(16);
+  mesh.valleyLinks.resize(16);
+  const auto link = [](std::vector<IndexList>& links, int a, int b) {
+    links[static_cast<std::size_t>(a)].append(b);
+    links[static_cast<std::size_t>(b)].append(a);
+  };
+  link(mesh.ridgeLinks, 0, 1);
+  link(mesh.ridgeLinks, 1, 2);
+  link(mesh.ridgeLinks, 12, 13);
+  EXPECT_THAT(summarize(mesh), HasSubstr("ridge lines           2, length 1.5\n"));
+  EXPECT_THAT(summarize(mesh), HasSubstr("valley lines          0, length 0\n"));
+}
+
+TEST(Report, IsSafeOnHostileMeshes) {
+  for (const test::NamedMesh& hostile : test::hostileMeshes()) {
+    EXPECT_THAT(summarize(hostile.mesh), HasSubstr("Euler characteristic")) << hostile.name;
+  }
+}
+
+}  // namespace
+}  // namespace gravlin
