@@ -1,10 +1,9 @@
-#include "view/Legend.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "support/ImageComparison.h"
 #include "support/OffscreenView.h"
+#include "view/Legend.h"
 
 namespace gravlin {
 namespace {

@@ -1,9 +1,9 @@
-#include "view/ValueText.h"
-
 #include <cmath>
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <limits>
+
+#include "view/ValueText.h"
 
 namespace gravlin {
 namespace {
