@@ -30,8 +30,11 @@ void Overlay::show(const std::vector<Label>& labels, const std::vector<Swatch>& 
   shownSwatches.clear();
   for (const Swatch& swatch : swatches) {
     const int rows = static_cast<int>(swatch.rows.size());
-    PlacedSwatch placed = {scaled(swatch.x, pixelRatio), scaled(swatch.y, pixelRatio),
-                           scaled(swatch.width, pixelRatio), scaled(rows, pixelRatio), {}};
+    PlacedSwatch placed = {scaled(swatch.x, pixelRatio),
+                           scaled(swatch.y, pixelRatio),
+                           scaled(swatch.width, pixelRatio),
+                           scaled(rows, pixelRatio),
+                           {}};
     for (int y = placed.height - 1; y >= 0; --y) {
       const int row = std::clamp(static_cast<int>(y / pixelRatio), 0, rows - 1);
       const bool edgeRow = y == 0 || y == placed.height - 1;

@@ -135,7 +135,8 @@ Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour) {
   return batch;
 }
 
-Batch scalarFaces(const TriangleMesh& mesh, std::span<const double> values, const FieldColours& colours) {
+Batch scalarFaces(const TriangleMesh& mesh, std::span<const double> values,
+                  const FieldColours& colours) {
   Batch batch = indexedFaces(mesh);
   if (values.size() != batch.vertexCount()) return {};
   batch.colours.reserve(3 * batch.vertexCount());
@@ -143,7 +144,8 @@ Batch scalarFaces(const TriangleMesh& mesh, std::span<const double> values, cons
   return batch;
 }
 
-Batch faceScalarFaces(const TriangleMesh& mesh, std::span<const double> values, const FieldColours& colours) {
+Batch faceScalarFaces(const TriangleMesh& mesh, std::span<const double> values,
+                      const FieldColours& colours) {
   if (values.size() != static_cast<std::size_t>(mesh.faceCount)) return {};
   Batch batch;
   batch.positions.reserve(9 * values.size());
@@ -160,7 +162,8 @@ Batch faceScalarFaces(const TriangleMesh& mesh, std::span<const double> values, 
   return batch;
 }
 
-Batch edgeScalarLines(const TriangleMesh& mesh, std::span<const double> values, const FieldColours& colours) {
+Batch edgeScalarLines(const TriangleMesh& mesh, std::span<const double> values,
+                      const FieldColours& colours) {
   if (values.size() != mesh.faces.size()) return {};
   const bool knowsNeighbours = mesh.faceAdjacency.size() == mesh.faces.size();
   Batch batch = plainBatch(Primitive::Lines, {});
