@@ -94,7 +94,7 @@ void CGravlinDoc::replaceMesh(std::unique_ptr<TriangleMesh> mesh) {
 
 void CGravlinDoc::dropLines() {
   linesFrom = LinesFrom::Nothing;
-  creaseLinks.clear();
+  decimator.creaseLinks.clear();
   silhouetteLines = {};
 }
 

@@ -76,8 +76,7 @@ class CGravlinDoc {
   /// What the links of the mesh stand for and whether a redraw may find them again.
   enum class LinesFrom { Nothing, LocalMax, FaceAngle, SmoothedFaceAngle };
   LinesFrom linesFrom = LinesFrom::Nothing;
-  std::vector<IndexList> creaseLinks;  ///< [V] all creases of the last constant angle, or empty
-  SilhouetteLines silhouetteLines;     ///< of the last pen drawing
+  SilhouetteLines silhouetteLines;  ///< of the last pen drawing
 
   std::vector<double> vertexErrors;  ///< [V] distance to the undo copy, see ShapeError.h
   std::vector<double> faceErrors;    ///< [F] angle to the undo copy's normals

@@ -8,7 +8,6 @@
 #include "curvature/CurvatureDerivatives.h"
 #include "curvature/CurvatureTensor.h"
 #include "doc/CGravlinDoc.h"
-#include "features/CreasesByAngle.h"
 
 namespace gravlin {
 namespace {
@@ -57,7 +56,7 @@ void CGravlinDoc::showRidgeLines(const LowThresholds& low) {
   ridgeDetector.buildLineGraph();
   if (ridgeParameters.connect) ridgeDetector.connectLines(ridgeParameters.connectThreshold, low);
   linesFrom = LinesFrom::LocalMax;
-  creaseLinks.clear();
+  decimator.creaseLinks.clear();
   displayMode = FeatureLines;
 }
 
@@ -102,13 +101,13 @@ void CGravlinDoc::detectCreases() {
   const AngleParameters& parameters = angleParameters;
   ridgeDetector.attach(currentMesh.get());
   if (parameters.thresholdMode == AngleParameters::Histogram) {
-    creaseLinks.clear();
+    decimator.creaseLinks.clear();
     ridgeDetector.detectCreasesByHistogram(
         {.hi = static_cast<float>(parameters.histogramHi) * percent,
          .low = static_cast<float>(parameters.histogramLow) * percent});
   } else {
-    creaseLinks = detectCreasesByAngle(*currentMesh,
-                                       static_cast<float>(-std::cos(parameters.angle * degree)));
+    decimator.attach(currentMesh.get());
+    decimator.detectCreasesByAngle(static_cast<float>(-std::cos(parameters.angle * degree)));
   }
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "features/CreasesByAngle.h"
 #include "numeric/AvailableMemory.h"
 #include "numeric/Index.h"
 #include "remesh/CollapsibleMesh.h"
@@ -196,6 +197,10 @@ bool Decimator::collapseEdge(int i, int j, const Vec3& position) {
   mesh->buildAdjacency();
   mesh->buildFaceAdjacency();
   return true;
+}
+
+void Decimator::detectCreasesByAngle(float cosThreshold) {
+  creaseLinks = gravlin::detectCreasesByAngle(*mesh, cosThreshold);
 }
 
 }  // namespace gravlin

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "mesh/TriangleMesh.h"
 
 namespace gravlin {
@@ -33,6 +35,11 @@ class Decimator {
   /// passes the tests of CollapsibleMesh::collapse, and rebuilds rings, kinds and face adjacency.
   /// False when it may not or there is no such edge; then nothing has changed.
   bool collapseEdge(int i, int j, const Vec3& position);
+
+  /// Finds the creases of the mesh by a constant angle (CreasesByAngle.h), all of them in
+  /// `creaseLinks` too. A mesh must be attached.
+  void detectCreasesByAngle(float cosThreshold);
+  std::vector<IndexList> creaseLinks;  ///< [V] of the last detection; empty when there is none
 
  private:
   TriangleMesh* mesh = nullptr;

@@ -292,7 +292,7 @@ Scene penDrawing(const CGravlinDoc& document) {
 
 Scene creaseLines(const CGravlinDoc& document) {
   const TriangleMesh& mesh = *document.currentMesh;
-  return {{linkedLines(mesh, document.creaseLinks, black), surfaceBehindLines(document)}};
+  return {{linkedLines(mesh, document.decimator.creaseLinks, black), surfaceBehindLines(document)}};
 }
 
 }  // namespace gravlin

@@ -152,7 +152,7 @@ TEST_F(RemeshCommands, SubdivisionDropsLinesAndFindsCreasesThatAreShownAgain) {
   doc.OnFlatShading();
   subdivide("Linear");
   EXPECT_EQ(countLinks(), 0);
-  EXPECT_TRUE(doc.creaseLinks.empty());
+  EXPECT_TRUE(doc.decimator.creaseLinks.empty());
 }
 
 TEST_F(RemeshCommands, ASubdivisionThatRunsOutOfMemoryLosesNothing) {
