@@ -12,6 +12,7 @@
 #include <QOpenGLContext>
 #include <QStatusBar>
 #include <QToolBar>
+#include <utility>
 
 #include "app/Icons.h"
 #include "doc/dialogs/QtText.h"
@@ -113,7 +114,10 @@ void CMainFrame::buildFileMenu() {
 
   menu.addSeparator();
   for (int i = 0; i < RecentFiles::mostFiles; ++i) {
-    QAction* recent = createAction("", "", [this, i] { openFile(recentFiles.paths()[i]); });
+    QAction* recent = createAction("", "", [this, i] {
+      const QString path = recentFiles.paths()[i];  // saving on the way changes the list
+      openFile(path);
+    });
     recent->setObjectName(QString("recentFile_%1").arg(i + 1));
     menu.addAction(recent);
     recentActions.push_back(recent);
@@ -295,8 +299,9 @@ void CMainFrame::openFile(const QString& path) {
 }
 
 void CMainFrame::openFiles(const QStringList& paths) {
+  bool first = true;
   for (const QString& path : paths) {
-    if (path != paths.front()) newDocument();
+    if (!std::exchange(first, false)) newDocument();
     openFile(path);
   }
 }

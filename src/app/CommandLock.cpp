@@ -35,11 +35,13 @@ bool CommandLock::eventFilter(QObject* /*receiver*/, QEvent* event) {
 }
 
 void CommandLock::close() {
+  closed = true;
   QCoreApplication::instance()->installEventFilter(this);
   QGuiApplication::setOverrideCursor(Qt::WaitCursor);
 }
 
 void CommandLock::open() {
+  closed = false;
   QGuiApplication::restoreOverrideCursor();
   QCoreApplication::instance()->removeEventFilter(this);
 }
@@ -58,12 +60,12 @@ RunningCommand::~RunningCommand() {
   lock.held = false;
 }
 
-CommandDialog::CommandDialog(CommandLock& heldLock) : lock(heldLock) {
-  if (lock.isHeld()) lock.open();
+CommandDialog::CommandDialog(CommandLock& heldLock) : lock(heldLock), opened(heldLock.closed) {
+  if (opened) lock.open();
 }
 
 CommandDialog::~CommandDialog() {
-  if (lock.isHeld()) lock.close();
+  if (opened) lock.close();
 }
 
 }  // namespace gravlin

@@ -23,6 +23,7 @@ class CommandLock : public QObject {
   void open();
 
   bool held = false;
+  bool closed = false;  ///< input is kept away at the moment
 };
 
 /// The time in which a command runs; there is one at a time. Input that arrived in the meantime is
@@ -39,7 +40,8 @@ class RunningCommand {
   QElapsedTimer running;
 };
 
-/// The time in which a command waits in a modal dialog.
+/// The time in which a command waits in a modal dialog. Dialogs may open one another: input reaches
+/// them until the first of them is closed.
 class CommandDialog {
  public:
   explicit CommandDialog(CommandLock& heldLock);
@@ -49,6 +51,7 @@ class CommandDialog {
 
  private:
   CommandLock& lock;
+  bool opened;  ///< this dialog let the input through, not one around it
 };
 
 }  // namespace gravlin

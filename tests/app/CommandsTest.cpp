@@ -7,6 +7,7 @@
 #include <QProgressBar>
 #include <stdexcept>
 
+#include "app/CommandLock.h"
 #include "app/Program.h"
 
 namespace gravlin {
@@ -22,6 +23,7 @@ class CommandsTest : public QObject {
   void inputDuringACommandIsDropped();
   void theWindowCannotBeClosedMeanwhile();
   void dialogsOfACommandGetTheirInput();
+  void aDialogWithinADialogLeavesTheOuterOneItsInput();
   void aRedrawIsDrawnBeforeItReturns();
   void anAnimationReachesTheScreenWhileItRuns();
   void paintingDuringACommandShowsTheLastPicture();
@@ -108,6 +110,22 @@ void animate(CGravlinDoc& document) {
   for (float& coordinate : document.currentMesh->vertices) coordinate *= 0.99F;
   document.needsRecompute = true;
   document.redraw();
+}
+
+void CommandsTest::aDialogWithinADialogLeavesTheOuterOneItsInput() {
+  const auto inputPasses = [] { return QGuiApplication::overrideCursor() == nullptr; };
+  CommandLock lock;
+  {
+    const RunningCommand command(lock);
+    QVERIFY(!inputPasses());
+    {
+      const CommandDialog outer(lock);
+      { const CommandDialog inner(lock); }
+      QVERIFY(inputPasses());
+    }
+    QVERIFY(!inputPasses());
+  }
+  QVERIFY(inputPasses());
 }
 
 void CommandsTest::aRedrawIsDrawnBeforeItReturns() {
