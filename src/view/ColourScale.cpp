@@ -1,5 +1,6 @@
 #include "view/ColourScale.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace gravlin {
@@ -12,6 +13,12 @@ Colour colour(double r, double g, double b) {
 }  // namespace
 
 Spread spreadOf(std::span<const double> values) {
+  // The mean of equal values is that value: the rounding of their sum must not look like a spread.
+  const auto equalsFirst = [&](double v) { return v == values.front(); };
+  if (!values.empty() && std::isfinite(values.front()) &&
+      std::ranges::all_of(values, equalsFirst)) {
+    return {values.front(), 0.0};
+  }
   const auto n = static_cast<double>(values.size());
   double sum = 0.0;
   for (const double v : values) sum += v;

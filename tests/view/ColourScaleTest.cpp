@@ -107,6 +107,14 @@ TEST(ColourScale, ConstantFieldIsBlackInBothScales) {
   EXPECT_EQ(scaleGrey(t), (Colour{0, 0, 0}));
 }
 
+TEST(ColourScale, EqualValuesHaveNoSpreadAlsoWhereTheirSumIsRounded) {
+  for (const double value : {0.1, 0.05, 1.0 / 3.0}) {
+    const Spread spread = spreadOf(std::vector<double>(642, value));
+    EXPECT_EQ(spread.mean, value);
+    EXPECT_EQ(spread.deviation, 0.0);
+  }
+}
+
 TEST(ColourScale, NoValuesHaveNoMean) {
   EXPECT_TRUE(std::isnan(spreadOf({}).mean));
 }
