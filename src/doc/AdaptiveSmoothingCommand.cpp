@@ -41,17 +41,24 @@ void CGravlinDoc::OnSmoothingShapeAdaptive() {
   };
   const Chunks chunks =
       chunksOf(parameters.outerIterations, {parameters.animate, parameters.animateEvery});
-  outside.showProgress({parameters.outerIterations, chunks.size});
-  for (int chunk = 0; chunk < chunks.count; ++chunk) {
-    run(chunks.size);
-    outside.stepProgress();
-    if (!parameters.animate) continue;
-    needsRecompute = true;
-    redraw();
+  try {
+    outside.showProgress({parameters.outerIterations, chunks.size});
+    for (int chunk = 0; chunk < chunks.count; ++chunk) {
+      run(chunks.size);
+      outside.stepProgress();
+      if (!parameters.animate) continue;
+      needsRecompute = true;
+      redraw();
+    }
+    outside.hideProgress();
+    // Deliberate: the median ends with one more whole chunk, the weighted mean with what is left.
+    run(median ? chunks.size : chunks.rest);
+  } catch (const std::bad_alloc&) {
+    outside.hideProgress();
+    outside.showMessage(
+        "There is not enough memory to go on; the mesh stays as far as it has been smoothed. Undo "
+        "brings back the shape before.");
   }
-  outside.hideProgress();
-  // Deliberate: the median ends with one more whole chunk, the weighted mean with what is left.
-  run(median ? chunks.size : chunks.rest);
   geometryChanged();
   redraw();
 }

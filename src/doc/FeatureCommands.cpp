@@ -16,12 +16,21 @@ constexpr double degree = 0.017453292519943278;
 constexpr float percent = 0.01F;
 constexpr float ridgeSmoothingStep = 0.1F;
 
-/// The positions of a mesh while a command works on smoothed ones.
+/// The positions of a mesh while a command works on smoothed ones. The mesh gets them back in any
+/// case, also when an exception ends the command; `restore` brings the normals up to date as well.
 class UnsmoothedPositions {
  public:
-  void keep(const TriangleMesh& mesh) { positions = mesh.vertices; }
+  explicit UnsmoothedPositions(TriangleMesh& smoothedMesh) : mesh(smoothedMesh) {}
+  ~UnsmoothedPositions() {
+    if (positions) mesh.vertices = std::move(*positions);
+  }
+  UnsmoothedPositions(const UnsmoothedPositions&) = delete;
+  UnsmoothedPositions& operator=(const UnsmoothedPositions&) = delete;
 
-  void restore(TriangleMesh& mesh) {
+  void keep() { positions = mesh.vertices; }
+  void forget() { positions.reset(); }
+
+  void restore() {
     if (!positions) return;
     mesh.vertices = std::move(*positions);
     positions.reset();
@@ -30,6 +39,7 @@ class UnsmoothedPositions {
   }
 
  private:
+  TriangleMesh& mesh;
   std::optional<std::vector<float>> positions;
 };
 
@@ -67,8 +77,8 @@ void CGravlinDoc::OnEdgeDetectionLocalMax() {
   ridgeDetector.attach(&mesh);
   ridgeLineSmoother.attach(&mesh);
 
-  UnsmoothedPositions unsmoothed;
-  if (parameters.preSmoothing != RidgeParameters::NoPreSmoothing) unsmoothed.keep(mesh);
+  UnsmoothedPositions unsmoothed(mesh);
+  if (parameters.preSmoothing != RidgeParameters::NoPreSmoothing) unsmoothed.keep();
   if (parameters.preSmoothing == RidgeParameters::Common) OnSmoothingShape();
   if (parameters.preSmoothing == RidgeParameters::Adaptive) OnSmoothingShapeAdaptive();
 
@@ -80,7 +90,7 @@ void CGravlinDoc::OnEdgeDetectionLocalMax() {
   const LowThresholds low = thresholdRidges();
   if (parameters.absoluteComparison) ridgeDetector.compareAbsoluteValues();
   ridgeDetector.fillGaps();
-  if (parameters.extractOn == RidgeParameters::OnFace) return;  // and the smoothed shape stays
+  if (parameters.extractOn == RidgeParameters::OnFace) return unsmoothed.forget();
 
   if (parameters.extractOn == RidgeParameters::OnEdge) {
     showRidgeLines(low);
@@ -88,7 +98,7 @@ void CGravlinDoc::OnEdgeDetectionLocalMax() {
     if (parameters.showRidgeDirection) computeCurvatureDerivatives(mesh);
     displayMode = parameters.showRidgeDirection ? RidgeDirections : RidgeVertices;
   }
-  unsmoothed.restore(mesh);
+  unsmoothed.restore();
   if (parameters.extractOn == RidgeParameters::OnEdge && parameters.smoothRidgeEdges) {
     modified = true;
     ridgeLineSmoother.smooth(parameters.ridgeSmoothIterations, ridgeSmoothingStep);
@@ -116,17 +126,17 @@ void CGravlinDoc::OnEdgeDetectionFaceAngle() {
   if (!currentMesh || !outside.showDialog(angleParameters.form())) return;
   TriangleMesh& mesh = *currentMesh;
 
-  UnsmoothedPositions unsmoothed;
+  UnsmoothedPositions unsmoothed(mesh);
   linesFrom = parameters.preSmoothing ? LinesFrom::SmoothedFaceAngle : LinesFrom::FaceAngle;
   if (parameters.preSmoothing) {
-    unsmoothed.keep(mesh);
+    unsmoothed.keep();
     displayMode = FeatureLines;
     OnSmoothingShapeAdaptive();
     mesh.computeVertexNormals();
     mesh.computeFaceNormals();
   }
   detectCreases();
-  unsmoothed.restore(mesh);
+  unsmoothed.restore();
   show(FeatureLines);
 }
 

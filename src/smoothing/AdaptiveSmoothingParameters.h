@@ -30,7 +30,7 @@ enum AveragingKind : int {
 
 /// What the "Adaptive Smoothing" dialog edits. One outer iteration computes the face normals,
 /// filters them `averagingIterations` times, then moves the vertices towards them
-/// `integrationIterations` times. A count below 1 is none.
+/// `integrationIterations` times. A count below 1 is none; the median adds a last chunk.
 struct AdaptiveSmoothingParameters {
   int outerIterations = 10;
   float threshold = 1.0F;     ///< T of the weight functions
