@@ -222,7 +222,7 @@ void runDump(Session& session, const StepCall& call) {
   if (path == "-") {
     dump({session.document, session.view, session.outside.histogram}, fields,
          session.streams.output);
-    if (std::fflush(session.streams.output) != 0) {
+    if (!allWritten(session.streams.output)) {
       throw StepFailure("Standard output could not be written.");
     }
     return;

@@ -33,7 +33,7 @@ int runCalls(std::span<const StepCall> calls, BatchStreams streams) {
     calls[k].step->run(session, calls[k]);
     if (session.outside.failed) return stepFailed;
   }
-  if (std::fflush(streams.output) != 0) throw StepFailure("Standard output could not be written.");
+  if (!allWritten(streams.output)) throw StepFailure("Standard output could not be written.");
   return allIsWell;
 }
 

@@ -16,6 +16,12 @@ struct BatchStreams {
   std::FILE* errors = stderr;
 };
 
+/// Whether all that was written to the stream has left the program. Flushing alone does not tell:
+/// it knows nothing of what was lost while the buffer was emptied on the way.
+inline bool allWritten(std::FILE* stream) {
+  return std::fflush(stream) == 0 && std::ferror(stream) == 0;
+}
+
 /// What the step `camera` takes; starts as the view stands.
 struct CameraParameters {
   float fieldOfView = 22.5F;  ///< degrees

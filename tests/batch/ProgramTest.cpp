@@ -94,6 +94,8 @@ TEST_F(Program, AFileThatCannotBeWrittenEndsTheChain) {
   EXPECT_EQ(run("save " + in("out.ply2")).status, 1) << "there is no mesh";
   EXPECT_EQ(run("open " + mesh + " dump - > /dev/full").status, 1);
   EXPECT_EQ(run("open " + mesh + " report > /dev/full").status, 1);
+  const std::string large = GRAVLIN_SOURCE_DIR "/examples/gear.ply2";
+  EXPECT_EQ(run("open " + large + " dump - > /dev/full").status, 1) << "more than one buffer";
 }
 
 TEST_F(Program, AnExtensionWithoutReaderIsWarnedOfAndGivesAnEmptyMesh) {
