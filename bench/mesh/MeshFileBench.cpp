@@ -2,14 +2,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <limits>
-#include <malloc.h>
 #include <string>
 
 #include "mesh/MeshFile.h"
 #include "mesh/MeshWriter.h"
 #include "mesh/Scanner.h"
+#include "support/Memory.h"
 #include "support/Surface.h"
 
 namespace gravlin {
@@ -17,16 +15,6 @@ namespace {
 
 void countBytes(benchmark::State& state, std::size_t bytesEach) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytesEach));
-}
-
-/// Kilobytes in one line of the process's status: "VmRSS:" now, "VmHWM:" at most so far.
-double memoryInUse(const std::string& key) {
-  std::ifstream status("/proc/self/status");
-  for (std::string word; status >> word; status.ignore(1000, '\n')) {
-    double kilobytes = 0.0;
-    if (word == key && status >> kilobytes) return kilobytes;
-  }
-  return std::numeric_limits<double>::quiet_NaN();
 }
 
 void BM_Scanner(benchmark::State& state) {
@@ -69,18 +57,16 @@ void BM_OpenPeakMemory(benchmark::State& state) {
     fileSize = text.size();
     path = bench::writeTemporary("gravlin-bench.ply2", text);
   }
-  double kilobytes = 0.0;
+  double bytes = 0.0;
   double vertexCount = 0.0;
   for (auto _ : state) {
-    malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << "5";  // starts the high-water mark anew
-    const double before = memoryInUse("VmRSS:");
+    const bench::PeakMemory peak;
     const OpenResult opened = openMeshFile(path);
-    kilobytes = memoryInUse("VmHWM:") - before;
+    bytes = peak.bytes();
     vertexCount = opened.mesh->vertexCount;
   }
   state.counters["bytes_per_vertex_beyond_the_file"] =
-      (1024.0 * kilobytes - static_cast<double>(fileSize)) / vertexCount;
+      (bytes - static_cast<double>(fileSize)) / vertexCount;
   std::filesystem::remove(path);
 }
 BENCHMARK(BM_OpenPeakMemory)->Unit(benchmark::kMillisecond)->Iterations(1);

@@ -10,9 +10,10 @@ namespace {
 
 /// Processor time, which other programs on the machine disturb less than the clock on the wall. All
 /// jobs are of one thread; waiting for a disk does not count on either side.
-double secondsOf(const std::function<void()>& run) {
+double secondsOf(const Contestant& contestant) {
+  if (contestant.prepare) contestant.prepare();
   const std::clock_t start = std::clock();
-  run();
+  contestant.run();
   return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
@@ -28,8 +29,8 @@ void compare(const std::string& job, const Contestant& ours, const Contestant& t
   std::vector<double> ourSeconds;
   std::vector<double> theirSeconds;
   for (int round = 0; round < rounds; ++round) {
-    ourSeconds.push_back(secondsOf(ours.run));
-    theirSeconds.push_back(secondsOf(theirs.run));
+    ourSeconds.push_back(secondsOf(ours));
+    theirSeconds.push_back(secondsOf(theirs));
   }
   const double our = median(ourSeconds);
   const double their = median(theirSeconds);

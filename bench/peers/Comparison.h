@@ -5,10 +5,12 @@
 
 namespace gravlin::bench {
 
-/// One side of a comparison: what it is called, and one run of the job.
+/// One side of a comparison: what it is called, one run of the job, and what has to be done before
+/// each run and is not timed.
 struct Contestant {
   std::string name;
   std::function<void()> run;
+  std::function<void()> prepare = {};
 };
 
 /// Lets both do the same job in turns, so that whatever else the machine is doing hits both, and
