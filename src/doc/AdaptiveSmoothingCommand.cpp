@@ -3,6 +3,7 @@
 
 #include "doc/CGravlinDoc.h"
 #include "doc/Chunks.h"
+#include "doc/Messages.h"
 #include "smoothing/CornerNeighbours.h"
 
 namespace gravlin {
@@ -55,9 +56,7 @@ void CGravlinDoc::OnSmoothingShapeAdaptive() {
     run(median ? chunks.size : chunks.rest);
   } catch (const std::bad_alloc&) {
     outside.hideProgress();
-    outside.showMessage(
-        "There is not enough memory to go on; the mesh stays as far as it has been smoothed. Undo "
-        "brings back the shape before.");
+    outside.showMessage(outOfMemoryWhileSmoothing);
   }
   geometryChanged();
   redraw();

@@ -4,6 +4,7 @@
 
 #include "doc/CGravlinDoc.h"
 #include "doc/Chunks.h"
+#include "doc/Messages.h"
 #include "mesh/MeshMeasures.h"
 #include "smoothing/ImplicitLaplacianFlow.h"
 #include "smoothing/ImplicitMeanCurvatureFlow.h"
@@ -14,11 +15,6 @@ namespace {
 
 /// Runs this many iterations of the chosen flow on the current mesh.
 using Flow = std::function<void(int iterations)>;
-
-const char* const outOfMemory =
-    "There is not enough memory to go on; the mesh stays as far as it has been smoothed. Undo "
-    "brings "
-    "back the shape before.";
 
 /// The k of every Taubin method that the dialog offers.
 constexpr float passBand = 0.1F;
@@ -81,7 +77,7 @@ void CGravlinDoc::OnSmoothingShape() {
     outside.hideProgress();
   } catch (const std::bad_alloc&) {
     outside.hideProgress();
-    outside.showMessage(outOfMemory);
+    outside.showMessage(outOfMemoryWhileSmoothing);
   }
   geometryChanged();
   redraw();
