@@ -10,6 +10,11 @@ namespace {
 
 constexpr double pi = 3.14159265;
 
+bool isConvex(const TriangleMesh& mesh, int f, int g) {
+  if (const auto clear = clearlyConvex(mesh, f, g)) return *clear;
+  return static_cast<double>(edgeFold(mesh, f, g).foldSum) >= pi;
+}
+
 }  // namespace
 
 std::vector<IndexList> detectCreasesByAngle(TriangleMesh& mesh, float cosThreshold) {
@@ -28,8 +33,7 @@ std::vector<IndexList> detectCreasesByAngle(TriangleMesh& mesh, float cosThresho
       if (g < 0) {
         link(mesh.ridgeLinks, a, b);
       } else if (normalCosine(mesh, f, g) < cosThreshold) {
-        const bool convex = static_cast<double>(edgeFold(mesh, f, g).foldSum) >= pi;
-        link(convex ? mesh.ridgeLinks : mesh.valleyLinks, a, b);
+        link(isConvex(mesh, f, g) ? mesh.ridgeLinks : mesh.valleyLinks, a, b);
       } else {
         continue;
       }

@@ -18,32 +18,37 @@ constexpr double twoPi = 6.2831853;
 enum class Fold { Convex, Concave };
 
 /// An interior edge as seen from the face with the smaller index.
-struct FoldedEdge {
+struct InteriorEdge {
   int f;
-  int g;
   std::size_t edge;  ///< of face f: from corner `edge` to the next
-  Fold fold;
-  float cosine;
+  int g;
 };
 
 int acrossEdge(const TriangleMesh& mesh, int face, std::size_t edge) {
   return mesh.faceAdjacency[3 * static_cast<std::size_t>(face) + edge % 3];
 }
 
-/// Calls `visit` for every interior edge that is clearly convex or concave, once each.
+/// Calls `visit` for every interior edge, once each.
 template <class Visit>
-void forEachFoldedEdge(const TriangleMesh& mesh, Visit visit) {
+void forEachInteriorEdge(const TriangleMesh& mesh, Visit visit) {
   for (int f = 0; f < mesh.faceCount; ++f) {
     if (!mesh.validFace(f)) continue;
     for (std::size_t k = 0; k < 3; ++k) {
       const int g = acrossEdge(mesh, f, k);
-      if (g <= f) continue;
-      const EdgeFold fold = edgeFold(mesh, f, g);
-      const double s = fold.foldSum;
-      if (!fold.centroidsDiffer || !(s >= 0.0 && s <= twoPi) || s == pi) continue;
-      visit(FoldedEdge{f, g, k, s > pi ? Fold::Convex : Fold::Concave, fold.cosine});
+      if (g > f) visit(InteriorEdge{f, k, g});
     }
   }
+}
+
+/// Nothing where the fold is not defined or exactly flat.
+std::optional<Fold> foldOf(const TriangleMesh& mesh, const InteriorEdge& e) {
+  if (const auto convex = clearlyConvex(mesh, e.f, e.g)) {
+    return *convex ? Fold::Convex : Fold::Concave;
+  }
+  const EdgeFold fold = edgeFold(mesh, e.f, e.g);
+  const double s = fold.foldSum;
+  if (!fold.centroidsDiffer || !(s >= 0.0 && s <= twoPi) || s == pi) return std::nullopt;
+  return s > pi ? Fold::Convex : Fold::Concave;
 }
 
 /// Which corner of a face a vertex is.
@@ -78,7 +83,7 @@ std::optional<float> sideAverage(const TriangleMesh& mesh, int face, std::size_t
 }
 
 /// The number in face g of the edge that it shares with face f.
-std::optional<std::size_t> sharedEdge(const TriangleMesh& mesh, const FoldedEdge& e) {
+std::optional<std::size_t> sharedEdge(const TriangleMesh& mesh, const InteriorEdge& e) {
   const int end = mesh.corners(e.f)[(e.edge + 1) % 3];
   const int start = mesh.corners(e.f)[e.edge];
   for (std::size_t k = 0; k < 3; ++k) {
@@ -88,12 +93,12 @@ std::optional<std::size_t> sharedEdge(const TriangleMesh& mesh, const FoldedEdge
   return std::nullopt;
 }
 
-bool sharperThanBothSides(const TriangleMesh& mesh, const FoldedEdge& e) {
+bool sharperThanBothSides(const TriangleMesh& mesh, const InteriorEdge& e, float cosine) {
   const auto inG = sharedEdge(mesh, e);
   if (!inG) return false;
   const auto sideF = sideAverage(mesh, e.f, e.edge);
   const auto sideG = sideAverage(mesh, e.g, *inG);
-  return sideF && sideG && !(e.cosine >= *sideF) && !(e.cosine >= *sideG);
+  return sideF && sideG && !(cosine >= *sideF) && !(cosine >= *sideG);
 }
 
 struct CosineThresholds {
@@ -101,38 +106,54 @@ struct CosineThresholds {
   float low;
 };
 
+/// Reorders the cosines.
 CosineThresholds thresholds(std::vector<float>& cosines, CreaseShares shares) {
-  std::sort(cosines.begin(), cosines.end());
   const auto count = static_cast<double>(cosines.size());
   return {valueAtPosition(cosines, count * (1.0 - static_cast<double>(shares.hi))),
           valueAtPosition(cosines, count * (1.0 - static_cast<double>(shares.low)))};
 }
 
+struct KindThresholds {
+  CosineThresholds convex;
+  CosineThresholds concave;
+};
+
+KindThresholds findThresholds(const TriangleMesh& mesh, CreaseShares shares) {
+  std::vector<float> convex;
+  std::vector<float> concave;
+  forEachInteriorEdge(mesh, [&](const InteriorEdge& e) {
+    const float cosine = normalCosine(mesh, e.f, e.g);
+    if (cosine != cosine) return;
+    const std::optional<Fold> fold = foldOf(mesh, e);
+    if (!fold) return;
+    (*fold == Fold::Convex ? convex : concave).push_back(std::clamp(cosine, -1.0F, 1.0F));
+  });
+  return {thresholds(convex, shares), thresholds(concave, shares)};
+}
+
 }  // namespace
 
 void detectCreasesByHistogram(TriangleMesh& mesh, CreaseShares shares) {
-  std::vector<float> convexCosines;
-  std::vector<float> concaveCosines;
-  forEachFoldedEdge(mesh, [&](const FoldedEdge& e) {
-    auto& cosines = e.fold == Fold::Convex ? convexCosines : concaveCosines;
-    if (e.cosine == e.cosine) cosines.push_back(std::clamp(e.cosine, -1.0F, 1.0F));
-  });
-  const CosineThresholds convex = thresholds(convexCosines, shares);
-  const CosineThresholds concave = thresholds(concaveCosines, shares);
+  const KindThresholds limits = findThresholds(mesh, shares);
+  const float lowOfAny = std::max(limits.convex.low, limits.concave.low);
 
   const auto V = static_cast<std::size_t>(mesh.vertexCount);
   mesh.ridgeLinks.assign(V, IndexList());
   mesh.valleyLinks.assign(V, IndexList());
   std::vector<IndexList> weakConvex(V);
   std::vector<IndexList> weakConcave(V);
-  forEachFoldedEdge(mesh, [&](const FoldedEdge& e) {
-    const bool isConvex = e.fold == Fold::Convex;
-    const CosineThresholds& limit = isConvex ? convex : concave;
-    if (!(e.cosine <= limit.low) || !sharperThanBothSides(mesh, e)) return;
+  forEachInteriorEdge(mesh, [&](const InteriorEdge& e) {
+    const float cosine = normalCosine(mesh, e.f, e.g);
+    if (!(cosine <= lowOfAny)) return;
+    const std::optional<Fold> fold = foldOf(mesh, e);
+    if (!fold) return;
+    const bool isConvex = *fold == Fold::Convex;
+    const CosineThresholds& limit = isConvex ? limits.convex : limits.concave;
+    if (!(cosine <= limit.low) || !sharperThanBothSides(mesh, e, cosine)) return;
     const int a = mesh.corners(e.f)[e.edge];
     const int b = mesh.corners(e.f)[(e.edge + 1) % 3];
     link(isConvex ? weakConvex : weakConcave, a, b);
-    if (e.cosine < limit.high) link(isConvex ? mesh.ridgeLinks : mesh.valleyLinks, a, b);
+    if (cosine < limit.high) link(isConvex ? mesh.ridgeLinks : mesh.valleyLinks, a, b);
   });
   growAlongWeakLinks(mesh.ridgeLinks, weakConvex);
   growAlongWeakLinks(mesh.valleyLinks, weakConcave);

@@ -7,21 +7,19 @@
 #include <vector>
 
 #include "features/LineFields.h"
+#include "features/LineLabels.h"
 
 namespace gravlin {
 namespace {
 
-constexpr int unlabelled = -1;
-constexpr int notMarked = -2;
 constexpr float farAway = 1e6F;
 
 /// What `connectLines` keeps about the lines of one kind while it joins them.
 struct LineState {
-  std::vector<int> degree;     ///< [V] number of links, -1 for unmarked vertices
-  std::vector<int> component;  ///< [V] label of the line, or one of the negative values above
+  std::vector<int> degree;  ///< [V] number of links, -1 for unmarked vertices
+  LineLabels labels;
 
   int& degreeOf(int v) { return degree[static_cast<std::size_t>(v)]; }
-  int& componentOf(int v) { return component[static_cast<std::size_t>(v)]; }
   bool isEnd(int v) const {
     const int d = degree[static_cast<std::size_t>(v)];
     return d == 0 || d == 1;
@@ -34,48 +32,24 @@ void clearUnlinkedMarks(LineFields& line, int vertexCount) {
   }
 }
 
-/// Gives `to` to every vertex labelled `from` that mesh edges lead to from `start`.
-void labelComponent(const TriangleMesh& mesh, LineState& state, int start, int to) {
-  const int from = state.componentOf(start);
-  if (from == to) return;
-  state.componentOf(start) = to;
-  std::vector<int> pending = {start};
-  while (!pending.empty()) {
-    const int v = pending.back();
-    pending.pop_back();
-    for (const int w : mesh.getNeighbours(v)) {
-      if (state.componentOf(w) != from) continue;
-      state.componentOf(w) = to;
-      pending.push_back(w);
-    }
-  }
-}
-
-/// Degrees and labels of the lines as they are linked; returns the number of labels.
-int labelLines(const TriangleMesh& mesh, const LineFields& line, LineState& state) {
-  const auto V = static_cast<std::size_t>(mesh.vertexCount);
-  state.degree.assign(V, -1);
-  state.component.assign(V, notMarked);
+/// Degrees and labels of the lines as they are linked.
+LineState stateOf(const TriangleMesh& mesh, const LineFields& line) {
+  LineState state{std::vector<int>(static_cast<std::size_t>(mesh.vertexCount), -1),
+                  LineLabels(mesh, line.marks)};
   for (int i = 0; i < mesh.vertexCount; ++i) {
-    if (!line.marked(i)) continue;
-    state.degreeOf(i) = line.linksOf(i).size();
-    state.componentOf(i) = unlabelled;
+    if (line.marked(i)) state.degreeOf(i) = line.linksOf(i).size();
   }
-  int labels = 0;
-  for (int i = 0; i < mesh.vertexCount; ++i) {
-    if (state.componentOf(i) == unlabelled) labelComponent(mesh, state, i, labels++);
-  }
-  return labels;
+  return state;
 }
 
 /// Line ends, those of the strongest lines first. A line's weight is minus the sum over its links
 /// of their length times the mean magnitude of curvature, summed in single precision.
-std::vector<int> endsByStrength(const TriangleMesh& mesh, const LineFields& line, LineState& state,
-                                int labels) {
-  std::vector<float> weight(static_cast<std::size_t>(labels), 0.0F);
+std::vector<int> endsByStrength(const TriangleMesh& mesh, const LineFields& line,
+                                LineState& state) {
+  std::vector<float> weight(static_cast<std::size_t>(state.labels.count()), 0.0F);
   for (int i = 0; i < mesh.vertexCount; ++i) {
-    if (state.componentOf(i) < 0) continue;
-    float& sum = weight[static_cast<std::size_t>(state.componentOf(i))];
+    if (!line.marked(i)) continue;
+    float& sum = weight[static_cast<std::size_t>(state.labels.labelOf(i))];
     for (const int u : line.linksOf(i)) {
       const double share =
           length(mesh.position(u) - mesh.position(i)) * std::abs(line.curvatureAt(i)) * 0.5;
@@ -83,7 +57,7 @@ std::vector<int> endsByStrength(const TriangleMesh& mesh, const LineFields& line
     }
   }
   const auto weightOf = [&](int v) {
-    return weight[static_cast<std::size_t>(state.componentOf(v))];
+    return weight[static_cast<std::size_t>(state.labels.labelOf(v))];
   };
   std::vector<int> ends;
   for (int i = 0; i < mesh.vertexCount; ++i) {
@@ -227,12 +201,12 @@ class JoinSearch {
   }
 
   std::optional<int> search(int start, LineState& state) {
-    const int ownLine = state.componentOf(start);
+    const int ownLine = state.labels.labelOf(start);
     int u = start;
     double distance = 0.0;
     while (true) {
       for (const int w : mesh.getNeighbours(u)) {
-        if (mayPass(w) && state.componentOf(w) != ownLine) relax(u, distance, w);
+        if (mayPass(w) && state.labels.labelOf(w) != ownLine) relax(u, distance, w);
       }
       if (heap.empty()) return std::nullopt;
       // An end that is the nearest candidate is accepted even beyond the threshold.
@@ -251,32 +225,30 @@ class JoinSearch {
 };
 
 /// Marks and links a way whose first vertex is the end of another line; both lines become that one.
-void joinAlong(const std::vector<int>& path, const TriangleMesh& mesh, LineFields& line,
-               LineState& state) {
+void joinAlong(const std::vector<int>& path, LineFields& line, LineState& state) {
   const int reached = path.front();
   const int start = path.back();
-  const int label = state.componentOf(reached);
+  const int label = state.labels.labelOf(reached);
   ++state.degreeOf(reached);
   line.link(reached, path[1]);
   for (std::size_t k = 1; k + 1 < path.size(); ++k) {
     line.mark(path[k], true);
     state.degreeOf(path[k]) = 2;
-    state.componentOf(path[k]) = label;
+    state.labels.setLabel(path[k], label);
     line.link(path[k], path[k + 1]);
   }
   ++state.degreeOf(start);
-  labelComponent(mesh, state, start, label);
+  state.labels.flood(start, label);
 }
 
 void connectLinesOfKind(TriangleMesh& mesh, LineFields& line, const JoinRules& rules) {
   clearUnlinkedMarks(line, mesh.vertexCount);
-  LineState state;
-  const int labels = labelLines(mesh, line, state);
+  LineState state = stateOf(mesh, line);
   JoinSearch joins(mesh, line, rules);
-  for (const int end : endsByStrength(mesh, line, state, labels)) {
+  for (const int end : endsByStrength(mesh, line, state)) {
     if (!state.isEnd(end)) continue;
     const std::vector<int> path = joins.findJoinPath(end, state);
-    if (!path.empty()) joinAlong(path, mesh, line, state);
+    if (!path.empty()) joinAlong(path, line, state);
   }
   for (int i = 0; i < mesh.vertexCount; ++i) {
     if (state.degreeOf(i) == 0) line.mark(i, false);

@@ -1,5 +1,8 @@
 #include "features/LineFields.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace gravlin {
 
 LineFields lineFields(TriangleMesh& mesh, LineKind kind) {
@@ -9,11 +12,16 @@ LineFields lineFields(TriangleMesh& mesh, LineKind kind) {
   return {kind, mesh.valleyMarks, mesh.valleyLinks, mesh.minCurvature, mesh.maxCurvature};
 }
 
-float valueAtPosition(std::span<const float> ascending, double position) {
-  if (ascending.empty()) return 0.0F;
-  if (!(position > 0.0)) return ascending.front();
-  if (position >= static_cast<double>(ascending.size())) return ascending.back();
-  return ascending[static_cast<std::size_t>(position)];
+float valueAtPosition(std::span<float> values, double position) {
+  if (values.empty()) return 0.0F;
+  const std::size_t last = values.size() - 1;
+  std::size_t rank = 0;
+  if (position > 0.0) {
+    rank = position >= static_cast<double>(last) ? last : static_cast<std::size_t>(position);
+  }
+  const auto place = values.begin() + static_cast<std::ptrdiff_t>(rank);
+  std::nth_element(values.begin(), place, values.end());
+  return *place;
 }
 
 double deviationCost(const TriangleMesh& mesh, const LineFields& line, int a, int b,

@@ -38,9 +38,10 @@ struct LineFields {
 
 LineFields lineFields(TriangleMesh& mesh, LineKind kind);
 
-/// The entry of an ascending list at `position`, truncated towards zero and clamped into the list;
-/// 0 for an empty list. A position that is not a number counts as the first.
-float valueAtPosition(std::span<const float> ascending, double position);
+/// The value that sorting would bring to `position`, truncated towards zero and clamped into the
+/// list; 0 for an empty list. A position that is not a number counts as the first. Reorders the
+/// values, none of which may be NaN; linear time.
+float valueAtPosition(std::span<float> values, double position);
 
 /// The cost of passing along the edge from a to b on a line whose curvature should be `reference`:
 /// the integral of the squared deviation of the linearly varying curvature, up to the mixed term.

@@ -1,6 +1,5 @@
 #include "features/RidgeThresholds.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "features/LineFields.h"
@@ -16,15 +15,14 @@ void keepMarks(std::vector<int>& marks, Keep keep) {
   }
 }
 
-/// The values that satisfy `wanted`, in single precision, ascending.
+/// The values that satisfy `wanted`, in single precision.
 template <class Wanted>
-std::vector<float> sortedValues(const std::vector<double>& field, Wanted wanted) {
+std::vector<float> valuesOf(const std::vector<double>& field, Wanted wanted) {
   std::vector<float> values;
   values.reserve(field.size());
   for (const double value : field) {
     if (wanted(value)) values.push_back(static_cast<float>(value));
   }
-  std::sort(values.begin(), values.end());
   return values;
 }
 
@@ -44,8 +42,8 @@ void thresholdConstant(TriangleMesh& mesh, float t) {
 LowThresholds thresholdHistogram(TriangleMesh& mesh, HistogramShares shares) {
   const double upper = shares.upper;
   const double lower = shares.lower;
-  const auto positive = sortedValues(mesh.maxCurvature, [](double k) { return k > 0.0; });
-  const auto negative = sortedValues(mesh.minCurvature, [](double k) { return k < 0.0; });
+  auto positive = valuesOf(mesh.maxCurvature, [](double k) { return k > 0.0; });
+  auto negative = valuesOf(mesh.minCurvature, [](double k) { return k < 0.0; });
 
   const double ridgeHigh = valueAtPosition(positive, lastIndex(positive) * upper);
   const double valleyHigh = valueAtPosition(negative, (1.0 - upper) * lastIndex(negative));

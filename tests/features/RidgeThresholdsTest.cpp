@@ -94,7 +94,7 @@ TEST(RidgeThresholds, AtEqualMagnitudeBothMarksStay) {
 }
 
 TEST(RidgeThresholds, PositionsAreTruncatedAndClamped) {
-  const std::vector<float> values = {1.0F, 2.0F, 4.0F};
+  std::vector<float> values = {4.0F, 1.0F, 2.0F};
   EXPECT_EQ(valueAtPosition(values, 1.99), 2.0F);
   EXPECT_EQ(valueAtPosition(values, -0.5), 1.0F);
   EXPECT_EQ(valueAtPosition(values, 3.0), 4.0F);

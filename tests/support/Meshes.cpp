@@ -110,6 +110,19 @@ TriangleMesh cube() {
                    {3, 4, 7}});
 }
 
+TriangleMesh insideOutCube() {
+  TriangleMesh mesh = cube();
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    const auto at = 3 * static_cast<std::size_t>(f);
+    std::swap(mesh.faces[at + 1], mesh.faces[at + 2]);
+  }
+  mesh.buildAdjacency();
+  mesh.buildFaceAdjacency();
+  mesh.computeFaceNormals();
+  mesh.computeVertexNormals();
+  return mesh;
+}
+
 TriangleMesh octahedron() {
   return makeMesh(
       {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}},

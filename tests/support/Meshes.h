@@ -22,6 +22,7 @@ TriangleMesh singleTriangle();      ///< (0,0,0) (1,0,0) (0,1,0)
 TriangleMesh twoTriangles();        ///< a unit square cut along the diagonal 0-2
 TriangleMesh tetrahedron();         ///< closed, outward
 TriangleMesh cube();                ///< closed, outward, side 2 about the origin, 12 faces
+TriangleMesh insideOutCube();       ///< the cube with its faces turned inward
 TriangleMesh octahedron();          ///< closed, outward, radius 1
 TriangleMesh bowTie();              ///< two triangles that share vertex 0 only
 TriangleMesh threeFacesOnAnEdge();  ///< edge 0-1 used by three faces
