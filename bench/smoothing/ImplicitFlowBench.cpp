@@ -42,7 +42,7 @@ void BM_ImplicitMeanCurvatureStep(benchmark::State& state) {
 struct System {
   TriangleMesh mesh = bench::built(bench::largeSurface());
   SparseMatrix matrix = ImplicitMeanCurvatureFlow(mesh, 0.5F).assemble();
-  std::vector<double> b = dvector(size());
+  LargeVector<double> b = dvector(size());
 
   System() {
     for (std::size_t i = 0; i < size(); ++i) b[i + 1] = mesh.position(static_cast<int>(i)).z;
@@ -56,7 +56,7 @@ constexpr int passes = 10;
 void BM_SolverPasses(benchmark::State& state) {
   const ScopedTextSink quiet(quietTextSink());
   const System system;
-  std::vector<double> x;
+  LargeVector<double> x;
   for (auto _ : state) {
     x = system.b;
     linbcg(system.matrix, system.mesh.vertexCount, system.b, x,
@@ -71,14 +71,14 @@ void BM_BarePasses(benchmark::State& state) {
   const System system;
   const std::size_t n = system.size();
   const int order = system.mesh.vertexCount;
-  std::vector<double> x = system.b;
-  std::vector<double> p = x, pp = x, r = x, rr = x, z = x, zz = x;
-  const auto innerProduct = [n](const std::vector<double>& u, const std::vector<double>& v) {
+  LargeVector<double> x = system.b;
+  LargeVector<double> p = x, pp = x, r = x, rr = x, z = x, zz = x;
+  const auto innerProduct = [n](std::span<const double> u, std::span<const double> v) {
     double sum = 0.0;
     for (std::size_t j = 1; j <= n; ++j) sum += u[j] * v[j];
     return sum;
   };
-  const auto add = [n](std::vector<double>& u, double factor, const std::vector<double>& v) {
+  const auto add = [n](LargeVector<double>& u, double factor, std::span<const double> v) {
     for (std::size_t j = 1; j <= n; ++j) u[j] += factor * v[j];
   };
   for (auto _ : state) {

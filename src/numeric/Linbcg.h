@@ -1,10 +1,11 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <span>
 #include <string_view>
-#include <vector>
 
+#include "numeric/LargeVector.h"
 #include "numeric/SparseMatrix.h"
 
 namespace gravlin {
@@ -35,6 +36,13 @@ struct LinbcgResult {
 LinbcgResult linbcg(const SparseMatrix& matrix, int n, std::span<const double> b,
                     std::span<double> x, const LinbcgSettings& settings);
 
+/// Three solves by `linbcg` side by side, so that the matrix travels through memory once for the
+/// three: the same bits and the same lines as one after the other. b and x hold the three values of
+/// unknown j at 3 j - 2 .. 3 j, 3 n + 1 doubles each. `ija[1]` must be n + 2 and `itol` 1 .. 4.
+std::array<LinbcgResult, 3> linbcgForThree(const SparseMatrix& matrix, int n,
+                                           std::span<const double> b, std::span<double> x,
+                                           const LinbcgSettings& settings);
+
 /// r = A x, or the transpose of A times x if `transpose` is not 0.
 void atimes(const SparseMatrix& matrix, int n, std::span<const double> x, std::span<double> r,
             int transpose);
@@ -57,7 +65,7 @@ void dsprstx(std::span<const double> sa, std::span<const int> ija, std::span<con
 
 /// A 1-based vector of n zeros: n + 1 doubles. If there is no memory for it, `nrerror` tells so and
 /// std::bad_alloc is thrown.
-std::vector<double> dvector(std::size_t n);
+LargeVector<double> dvector(std::size_t n);
 
 /// Writes `message` between the two fixed lines of a run-time error to the error stream and
 /// returns. The program goes on, whatever the last line says.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vector>
+#include "numeric/LargeVector.h"
 
 namespace gravlin {
 
@@ -23,8 +23,8 @@ class SparseMatrix {
   SparseMatrix& operator=(SparseMatrix&&) = default;
   virtual ~SparseMatrix() = default;
 
-  std::vector<int> ija;
-  std::vector<double> sa;
+  LargeVector<int> ija;
+  LargeVector<double> sa;
 };
 
 }  // namespace gravlin

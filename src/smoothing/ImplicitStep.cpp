@@ -15,19 +15,13 @@ RowWriter::RowWriter(SparseMatrix& written, const TriangleMesh& mesh)
 }
 
 ImplicitStep solveForPositions(TriangleMesh& mesh, const SparseMatrix& matrix, double tolerance) {
-  const std::size_t n = toIndex(mesh.vertexCount);
+  const std::size_t size = mesh.vertices.size();
+  LargeVector<double> b = dvector(size);
+  for (std::size_t i = 0; i < size; ++i) b[i + 1] = static_cast<double>(mesh.vertices[i]);
+  LargeVector<double> x = b;
   const LinbcgSettings settings = {.itol = 1, .tol = tolerance, .itmax = 100};
-  std::vector<double> b = dvector(n);
-  std::vector<double> x = dvector(n);
-  ImplicitStep step;
-  for (std::size_t axis = 0; axis < 3; ++axis) {
-    float* coordinate = mesh.vertices.data() + axis;
-    for (std::size_t i = 0; i < n; ++i) {
-      b[i + 1] = x[i + 1] = static_cast<double>(coordinate[3 * i]);
-    }
-    step.solves[axis] = linbcg(matrix, mesh.vertexCount, b, x, settings);
-    for (std::size_t i = 0; i < n; ++i) coordinate[3 * i] = static_cast<float>(x[i + 1]);
-  }
+  const ImplicitStep step = {linbcgForThree(matrix, mesh.vertexCount, b, x, settings)};
+  for (std::size_t i = 0; i < size; ++i) mesh.vertices[i] = static_cast<float>(x[i + 1]);
   return step;
 }
 

@@ -1,4 +1,8 @@
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
@@ -92,6 +96,11 @@ DenseMatrix poisson(int n) {
   return matrix;
 }
 
+bool sameBits(const std::vector<double>& a, const std::vector<double>& b) {
+  return std::ranges::equal(a, b, {}, std::bit_cast<std::uint64_t, double>,
+                            std::bit_cast<std::uint64_t, double>);
+}
+
 struct Solution {
   LinbcgResult result;
   std::vector<double> x;  ///< 0-based
@@ -172,14 +181,14 @@ TEST_P(LinbcgItol, LeavesAnExactStartAloneAndPrintsNothing) {
 LinbcgResult plainLinbcg(const SparseMatrix& matrix, int order, const std::vector<double>& b,
                          std::vector<double>& x, const LinbcgSettings& settings) {
   const auto n = static_cast<std::size_t>(order);
-  std::vector<double> p = dvector(n);
-  std::vector<double> pp = p;
-  std::vector<double> r = p;
-  std::vector<double> z = p;
-  std::vector<double> zz = p;
+  LargeVector<double> p = dvector(n);
+  LargeVector<double> pp = p;
+  LargeVector<double> r = p;
+  LargeVector<double> z = p;
+  LargeVector<double> zz = p;
   atimes(matrix, order, x, r, 0);
   for (std::size_t j = 1; j <= n; ++j) r[j] = b[j] - r[j];
-  std::vector<double> rr = r;
+  LargeVector<double> rr = r;
   asolve(matrix, order, r, z, 0);
   double bkden = 1.0;
   LinbcgResult result;
@@ -227,6 +236,108 @@ TEST(Linbcg, GivesTheBitsOfTheMethodTakenStepByStep) {
       for (std::size_t j = 1; j <= static_cast<std::size_t>(n); ++j) EXPECT_EQ(x[j], expected[j]);
     }
   }
+}
+
+/// Solves one after the other: the measure for solving side by side.
+std::vector<Solution> solveInTurn(const DenseMatrix& matrix,
+                                  const std::array<std::vector<double>, 3>& b,
+                                  const std::array<std::vector<double>, 3>& starts,
+                                  const LinbcgSettings& settings) {
+  std::vector<Solution> solutions;
+  for (std::size_t k = 0; k < 3; ++k) {
+    solutions.push_back(solve(matrix, b[k], settings, starts[k]));
+  }
+  return solutions;
+}
+
+std::vector<Solution> solveSideBySide(const DenseMatrix& matrix,
+                                      const std::array<std::vector<double>, 3>& b,
+                                      const std::array<std::vector<double>, 3>& starts,
+                                      const LinbcgSettings& settings) {
+  const auto interleaved = [](const std::array<std::vector<double>, 3>& v) {
+    std::vector<double> all;
+    for (std::size_t j = 0; j < v[0].size(); ++j)
+      all.insert(all.end(), {v[0][j], v[1][j], v[2][j]});
+    return oneBased(all);
+  };
+  std::vector<double> x = interleaved(starts);
+  const auto results = linbcgForThree(sparse(matrix), matrix.order(), interleaved(b), x, settings);
+  std::vector<Solution> solutions;
+  for (std::size_t k = 0; k < 3; ++k) {
+    solutions.push_back({results[k], {}});
+    for (std::size_t j = 1 + k; j < x.size(); j += 3) solutions[k].x.push_back(x[j]);
+  }
+  return solutions;
+}
+
+void expectSideBySideAsInTurn(const DenseMatrix& matrix,
+                              const std::array<std::vector<double>, 3>& b,
+                              const std::array<std::vector<double>, 3>& starts,
+                              const LinbcgSettings& settings) {
+  CapturedText text;
+  const std::vector<Solution> expected = solveInTurn(matrix, b, starts, settings);
+  const std::string lines = text.output;
+  text.output.clear();
+  const std::vector<Solution> found = solveSideBySide(matrix, b, starts, settings);
+  EXPECT_EQ(text.output, lines);
+  EXPECT_EQ(text.error, "");
+  for (std::size_t k = 0; k < 3; ++k) {
+    SCOPED_TRACE(k);
+    EXPECT_EQ(found[k].result.iter, expected[k].result.iter);
+    EXPECT_TRUE(sameBits({found[k].result.err}, {expected[k].result.err}));
+    EXPECT_TRUE(sameBits(found[k].x, expected[k].x));
+  }
+}
+
+TEST_P(LinbcgItol, SolvesThreeSystemsSideBySideAsInTurn) {
+  Random random(6);
+  // More than one block of unknowns, several, and several with a rest.
+  for (const int n : {1, 2, 64, 65, 300}) {
+    SCOPED_TRACE(n);
+    for (const DenseMatrix& matrix :
+         {randomSymmetricMatrix(random, n), randomMatrix(random, n, 3.0)}) {
+      const auto some = [&] { return randomVector(random, n); };
+      expectSideBySideAsInTurn(matrix, {some(), some(), some()}, {some(), some(), some()},
+                               {.itol = GetParam(), .tol = 1e-7, .itmax = 50});
+    }
+  }
+}
+
+TEST_P(LinbcgItol, LetsEachOfThreeSystemsEndInItsOwnPass) {
+  const CapturedText text;
+  Random random(7);
+  const int n = 100;
+  const DenseMatrix matrix = randomMatrix(random, n, 4.0);
+  const std::vector<double> b = randomVector(random, n);
+  std::vector<double> solution = solve(matrix, b, {.itol = 1, .tol = 1e-14, .itmax = 200}).x;
+  std::vector<double> nearSolution = solution;
+  for (double& value : nearSolution) value *= 1.0 + 1e-4;
+  const std::vector<double> zero(n, 0.0);
+  std::vector<double> broken = b;
+  broken[3] = std::nan("");
+  const LinbcgSettings settings = {.itol = GetParam(), .tol = 1e-6, .itmax = 100};
+  // Far and near starts in turn; a system that is solved from the start; one that ends at once with
+  // what is not a number.
+  expectSideBySideAsInTurn(matrix, {b, b, b}, {zero, nearSolution, zero}, settings);
+  expectSideBySideAsInTurn(matrix, {b, b, b}, {nearSolution, zero, nearSolution}, settings);
+  expectSideBySideAsInTurn(matrix, {zero, b, zero}, {zero, zero, zero}, settings);
+  expectSideBySideAsInTurn(matrix, {b, broken, b}, {zero, zero, nearSolution}, settings);
+}
+
+TEST(Linbcg, GivesEachOfThreeSystemsAllItsPasses) {
+  const int n = 2000;
+  std::array<std::vector<double>, 3> b;
+  for (std::size_t k = 0; k < 3; ++k) {
+    b[k].assign(n, 0.0);
+    b[k][k] = 1.0;
+  }
+  const std::vector<double> zero(n, 0.0);
+  const CapturedText text;
+  for (const Solution& found : solveSideBySide(poisson(n), b, {zero, zero, zero},
+                                               {.itol = 1, .tol = 1e-12, .itmax = 100})) {
+    EXPECT_EQ(found.result.iter, 101);
+  }
+  EXPECT_EQ(text.outputLines(), 303);
 }
 
 TEST(Linbcg, PrintsEveryPass) {
@@ -346,7 +457,7 @@ TEST(Linbcg, MultipliesByTheMatrixAndItsTranspose) {
     const DenseMatrix dense = randomMatrix(random, n, 2.0);
     const SparseMatrix matrix = sparse(dense);
     const std::vector<double> x = randomVector(random, n);
-    std::vector<double> product = dvector(static_cast<std::size_t>(n));
+    LargeVector<double> product = dvector(static_cast<std::size_t>(n));
     for (const int transpose : {0, 1}) {
       const std::vector<double> expected = (transpose == 0 ? dense : dense.transposed()).times(x);
       atimes(matrix, n, oneBased(x), product, transpose);
@@ -364,7 +475,7 @@ TEST(Linbcg, ReportsAMatrixOfAnotherOrderAndMultipliesAllTheSame) {
   for (int i = 0; i < 3; ++i) dense.at(i, i) = i + 1.0;
   const SparseMatrix matrix = sparse(dense);
   const std::vector<double> x = oneBased({1.0, 1.0, 1.0});
-  std::vector<double> b = dvector(3);
+  LargeVector<double> b = dvector(3);
   {
     const CapturedText text;
     dsprsax(matrix.sa, matrix.ija, x, b, 2);
@@ -390,7 +501,7 @@ TEST(Linbcg, PreconditionsARowWithoutADiagonalByOne) {
   dense.at(1, 2) = 9.0;
   dense.at(2, 2) = -2.0;
   for (const int transpose : {0, 1}) {
-    std::vector<double> x = dvector(3);
+    LargeVector<double> x = dvector(3);
     asolve(sparse(dense), 3, oneBased({8.0, 5.0, 6.0}), x, transpose);
     EXPECT_THAT(x, ElementsAre(0.0, 2.0, 5.0, -3.0));
   }
