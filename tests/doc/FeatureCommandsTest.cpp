@@ -122,6 +122,40 @@ TEST(LocalMaxCommand, FaceStopsAfterTheMarksAndKeepsTheSmoothedShape) {
   EXPECT_EQ(desk.outside.count("redraw"), 1) << "the smoothing's own";
 }
 
+TEST(LocalMaxCommand, FaceKeepsTheShapeOfAnAdaptivePreSmoothingAsWell) {
+  Desk desk(bumpyGrid(16, 16));
+  const auto positions = desk.mesh().vertices;
+  desk.answer(fewAdaptiveSteps());
+  desk.findLines({{"preSmoothing", "adaptive"}, {"extractOn", "face"}});
+  EXPECT_EQ(desk.doc.displayMode, FlatShading);
+  EXPECT_NE(desk.mesh().vertices, positions);
+}
+
+// With the constant as the valleys' limit too, a way between valleys may pass wherever the minimum
+// curvature is not above it, also where it is hardly negative.
+TEST(LocalMaxCommand, AConstantIsTheSamePositiveLimitForRidgesAndValleys) {
+  constexpr float constant = 0.3F;
+  Desk desk(bumpyGrid(30, 30));
+  desk.findLines({{"extractOn", "edge"},
+                  {"thresholdMode", "constant"},
+                  {"constantThreshold", "0.3"},
+                  {"absoluteComparison", "0"},
+                  {"connectThreshold", "1e9"}});
+  const auto connected = [&](double valleyLow) {
+    TriangleMesh mesh = bumpyGrid(30, 30);
+    extractExtrema(mesh);
+    thresholdConstant(mesh, constant);
+    fillGaps(mesh);
+    buildLineGraph(mesh);
+    connectLines(mesh, 1e9F, {static_cast<double>(constant), valleyLow});
+    return mesh;
+  };
+  const TriangleMesh same = connected(static_cast<double>(constant));
+  EXPECT_EQ(desk.mesh().ridgeLinks, same.ridgeLinks);
+  EXPECT_EQ(desk.mesh().valleyLinks, same.valleyLinks);
+  EXPECT_NE(desk.mesh().valleyLinks, connected(-static_cast<double>(constant)).valleyLinks);
+}
+
 TEST(LocalMaxCommand, PositionsAreRestoredBitForBitAfterAdaptivePreSmoothing) {
   Desk desk(bumpyGrid(16, 16));
   const auto positions = desk.mesh().vertices;

@@ -4,6 +4,7 @@
 #include <numbers>
 
 #include "features/CreasesByAngle.h"
+#include "features/LineChains.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
@@ -53,6 +54,34 @@ TEST(CreasesByAngle, AFlatOpenGridHasItsBoundaryOnlyAndAllOfItConvex) {
   EXPECT_EQ(linkCount(mesh.ridgeLinks), 2 * (5 + 4));
   EXPECT_THAT(mesh.valleyLinks, Each(IsEmpty()));
   EXPECT_EQ(creases, mesh.ridgeLinks);
+}
+
+std::vector<Polyline> loopsOf(const std::vector<IndexList>& links, std::size_t length) {
+  std::vector<Polyline> loops = chainLinks(links);
+  for (const Polyline& loop : loops) {
+    EXPECT_TRUE(loop.closed);
+    EXPECT_EQ(loop.vertices.size(), length);
+  }
+  return loops;
+}
+
+// The right angles of the section are the two rims of the disc, the upper rim of the bore, and the
+// three corners of the recess, the innermost of which is hollow. The fillets turn by 10 degrees and
+// the walls, at 64 vertices to a circle, by 5.6 degrees from face to face: less than 15.
+TEST(CreasesByAngle, AFilletedMachinePartHasALoopForEachSharpCorner) {
+  TriangleMesh mesh = flangedHub(64);
+  detectCreasesByAngle(mesh, cosThreshold(165.0));
+  EXPECT_EQ(loopsOf(mesh.ridgeLinks, 64).size(), 5U);
+  EXPECT_EQ(loopsOf(mesh.valleyLinks, 64).size(), 1U);
+}
+
+// At 172 degrees every turn of more than 8 counts: the eight lines within each fillet as well, but
+// not the two where it begins and ends, which turn by 5.
+TEST(CreasesByAngle, AWiderAngleAddsTheLinesOfTheFillets) {
+  TriangleMesh mesh = flangedHub(64);
+  detectCreasesByAngle(mesh, cosThreshold(172.0));
+  EXPECT_EQ(loopsOf(mesh.ridgeLinks, 64).size(), 5U + 8U);
+  EXPECT_EQ(loopsOf(mesh.valleyLinks, 64).size(), 1U + 8U);
 }
 
 TEST(CreasesByAngle, HostileMeshesPass) {

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "features/CreasesByHistogram.h"
+#include "features/EdgeFold.h"
+#include "features/LineChains.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
@@ -93,6 +95,46 @@ TEST(CreasesByHistogram, AWeakerShareNeverLosesAnEdge) {
       EXPECT_THAT(many.ridgeLinks[v], ::testing::Contains(w));
     }
   }
+}
+
+enum class Side { Convex, Concave };
+
+/// The share of one kind of edges that is less sharp than the `count` sharpest ones.
+float shareBeyond(const TriangleMesh& mesh, int count, Side side) {
+  int edges = 0;
+  for (std::size_t e = 0; e < mesh.faceAdjacency.size(); ++e) {
+    const int f = static_cast<int>(e / 3);
+    const int g = mesh.faceAdjacency[e];
+    if (g <= f) continue;
+    const double sum = edgeFold(mesh, f, g).foldSum;
+    edges += (side == Side::Convex ? sum > 3.14159265 : sum < 3.14159265) ? 1 : 0;
+  }
+  return static_cast<float>(1.0 - (count + 0.5) / edges);
+}
+
+/// The number of lines, all of which are closed loops of 64 vertices.
+std::size_t loopCount(const std::vector<IndexList>& links) {
+  const std::vector<Polyline> lines = chainLinks(links);
+  for (const Polyline& line : lines) {
+    EXPECT_TRUE(line.closed);
+    EXPECT_EQ(line.vertices.size(), 64U);
+  }
+  return lines.size();
+}
+
+// Five corners of the section are sharp and convex, one is sharp and concave. The threshold is the
+// sharpest edge of a fillet, and only what is below it is strong. Weak edges within a fillet touch
+// no strong one. The shares hold for both kinds, which have different numbers of edges, so each
+// kind gets a run of its own.
+TEST(CreasesByHistogram, AFilletedMachinePartHasALoopForEachSharpCorner) {
+  constexpr int around = 64;
+  TriangleMesh mesh = flangedHub(around);
+  const float ofConvex = shareBeyond(mesh, 5 * around, Side::Convex);
+  detectCreasesByHistogram(mesh, {ofConvex, ofConvex});
+  EXPECT_EQ(loopCount(mesh.ridgeLinks), 5U);
+  const float ofConcave = shareBeyond(mesh, around, Side::Concave);
+  detectCreasesByHistogram(mesh, {ofConcave, ofConcave});
+  EXPECT_EQ(loopCount(mesh.valleyLinks), 1U);
 }
 
 TEST(CreasesByHistogram, TheResultDoesNotDependOnAnEarlierRun) {

@@ -112,6 +112,46 @@ TEST(LineConnection, TwoEndsOfOneLineAreNeverJoined) {
   EXPECT_EQ(mesh.ridgeLinks, links);
 }
 
+// The way from (3, 2) crosses the gap to the middle of the line along column 5 and follows it to
+// its end (5, 1): the side from (5, 1) to (5, 2) is linked a second time. The other end of that
+// line is farther away, through curvature 28.
+TEST(LineConnection, AWayAlongAnotherLineLinksItsSidesAgain) {
+  TriangleMesh mesh = grid(9, 6);
+  prepareLines(mesh, 0.0, 0.0);
+  const GridIndex at{9};
+  const auto set = [&](int column, int row, double k) {
+    mesh.maxCurvature[static_cast<std::size_t>(at(column, row))] = k;
+  };
+  for (int c = 1; c <= 3; ++c) {
+    markRidge(mesh, {at(c, 2)});
+    set(c, 2, 30.0);
+  }
+  for (int r = 1; r <= 5; ++r) {
+    markRidge(mesh, {at(5, r)});
+    set(5, r, r <= 2 ? 30.0 : 28.0);
+  }
+  set(4, 2, 29.0);
+  buildLineGraph(mesh);
+  const auto links = [&](int c, int r) -> const IndexList& {
+    return mesh.ridgeLinks[static_cast<std::size_t>(at(c, r))];
+  };
+  EXPECT_THAT(links(5, 1), ::testing::ElementsAre(at(5, 2)));
+  connectLines(mesh, defaultThreshold, {10.0, -10.0});
+  EXPECT_THAT(links(5, 1), ::testing::ElementsAre(at(5, 2), at(5, 2)));
+  EXPECT_THAT(links(5, 2), UnorderedElementsAre(at(5, 1), at(5, 1), at(5, 3), at(4, 2)));
+  EXPECT_THAT(links(4, 2), UnorderedElementsAre(at(5, 2), at(3, 2)));
+}
+
+TEST(LineConnection, ALoopOfMarksIsNotClosed) {
+  TriangleMesh mesh = grid(6, 6);
+  prepareLines(mesh, 30.0, 0.0);
+  for (const int v : mesh.getNeighbours(GridIndex{6}(3, 3))) markRidge(mesh, {v});
+  buildLineGraph(mesh);
+  const auto links = mesh.ridgeLinks;
+  connectLines(mesh, defaultThreshold, {10.0, -10.0});
+  EXPECT_EQ(mesh.ridgeLinks, links) << "its two ends belong to one line";
+}
+
 TEST(LineConnection, TheWayIsTheCheapestOne) {
   // From (3, 2) to (6, 2): straight along the row at curvature 10, or round by row 3 at
   // curvature 30.

@@ -67,6 +67,37 @@ TEST(LineGraph, ASpurOfOneVertexAtAJunctionIsCutOffAndKeepsItsMark) {
   EXPECT_THAT(ridge(mesh, at(3, 3)), ElementsAre(at(2, 3), at(4, 3)));
 }
 
+// The spurs (5, 4) and (4, 2) hang at (4, 3), the first of their marked neighbours that the tree
+// serves from the left, beside the long branch to the right.
+TEST(LineGraph, TwoSpursAtOneJunctionAreBothCutOffAndTheLongBranchStays) {
+  TriangleMesh mesh = grid(8, 6);
+  prepareLines(mesh, 1.0, 0.0);
+  const GridIndex at{8};
+  for (int c = 0; c <= 8; ++c) markRidge(mesh, {at(c, 3)});
+  markRidge(mesh, {at(5, 4), at(4, 2)});
+  curvature(mesh, at(0, 3)) = 2.0;
+  buildLineGraph(mesh);
+  EXPECT_THAT(ridge(mesh, at(5, 4)), IsEmpty());
+  EXPECT_THAT(ridge(mesh, at(4, 2)), IsEmpty());
+  EXPECT_THAT(ridge(mesh, at(4, 3)), ElementsAre(at(3, 3), at(5, 3)));
+}
+
+// From the seed the tree grows both ways round and meets between the third vertices.
+TEST(LineGraph, ALoopStaysOpenOppositeItsSeed) {
+  TriangleMesh mesh = grid(6, 6);
+  prepareLines(mesh, 1.0, 0.0);
+  const auto ring = mesh.getNeighbours(GridIndex{6}(3, 3));
+  ASSERT_EQ(ring.size(), 6U);
+  for (const int v : ring) markRidge(mesh, {v});
+  curvature(mesh, ring[0]) = 2.0;
+  buildLineGraph(mesh);
+  int links = 0;
+  for (const int v : ring) links += ridge(mesh, v).size();
+  EXPECT_EQ(links, 2 * 5);
+  EXPECT_THAT(ridge(mesh, ring[0]), UnorderedElementsAre(ring[1], ring[5]));
+  EXPECT_THAT(ridge(mesh, ring[3]), ElementsAre(::testing::AnyOf(ring[2], ring[4])));
+}
+
 // A branch of three vertices, (4,4) (4,5) (4,6), is longer than 2.5 edges.
 TEST(LineGraph, ABranchOfThreeVerticesStays) {
   TriangleMesh mesh = grid(8, 8);

@@ -251,6 +251,62 @@ TriangleMesh fineCube(int n) {
   return makeMesh(points, triangles);
 }
 
+namespace {
+
+struct SectionPoint {
+  double r;
+  double z;
+};
+
+/// Appends a straight side in four pieces, without its end.
+void addSide(std::vector<SectionPoint>& section, SectionPoint from, SectionPoint to) {
+  for (int k = 0; k < 4; ++k) {
+    section.push_back({from.r + (to.r - from.r) * k / 4, from.z + (to.z - from.z) * k / 4});
+  }
+}
+
+/// Appends a quarter of a circle of radius 0.4 in nine pieces, without its end. Degrees.
+void addFillet(std::vector<SectionPoint>& section, SectionPoint centre, double from, double to) {
+  for (int k = 0; k < 9; ++k) {
+    const double angle = (from + (to - from) * k / 9) * std::numbers::pi / 180.0;
+    section.push_back({centre.r + 0.4 * std::cos(angle), centre.z + 0.4 * std::sin(angle)});
+  }
+}
+
+}  // namespace
+
+TriangleMesh flangedHub(int around) {
+  std::vector<SectionPoint> section;
+  addSide(section, {1.0, 0.0}, {3.0, 0.0});
+  addSide(section, {3.0, 0.0}, {3.0, 1.0});
+  addSide(section, {3.0, 1.0}, {1.6, 1.0});
+  addFillet(section, {1.6, 1.4}, 270.0, 180.0);  // foot of the boss, hollow
+  addSide(section, {1.2, 1.4}, {1.2, 2.6});
+  addFillet(section, {0.8, 2.6}, 0.0, 90.0);  // rim of the boss, rounded
+  addSide(section, {0.8, 3.0}, {0.6, 3.0});
+  addSide(section, {0.6, 3.0}, {0.6, 0.5});
+  addSide(section, {0.6, 0.5}, {1.0, 0.5});
+  addSide(section, {1.0, 0.5}, {1.0, 0.0});
+
+  const int count = static_cast<int>(section.size());
+  Points points;
+  Triangles triangles;
+  for (int i = 0; i < around; ++i) {
+    const double angle = 2.0 * std::numbers::pi * i / around;
+    for (int k = 0; k < count; ++k) {
+      const SectionPoint& p = section[static_cast<std::size_t>(k)];
+      points.push_back({static_cast<float>(p.r * std::cos(angle)),
+                        static_cast<float>(p.r * std::sin(angle)), static_cast<float>(p.z)});
+      const int next = (k + 1) % count;
+      const int here = i * count;
+      const int beyond = (i + 1) % around * count;
+      triangles.push_back({here + k, beyond + k, beyond + next});
+      triangles.push_back({here + k, beyond + next, here + next});
+    }
+  }
+  return makeMesh(points, triangles);
+}
+
 TriangleMesh jittered(TriangleMesh mesh, double amplitude) {
   std::minstd_rand random(1);
   for (float& coordinate : mesh.vertices) {

@@ -38,6 +38,11 @@ TriangleMesh icosphere(int level, double radius = 1.0);  ///< closed, 20 x 4^lev
 TriangleMesh torus(int around, int across);              ///< closed, genus 1, radii 3 and 1
 /// Closed, outward, side 2 about the origin, every side cut into n x n squares of two faces.
 TriangleMesh fineCube(int n);
+/// Closed, outward: a turned machine part around the z axis, `around` vertices to a circle. A disc
+/// with a boss, a bore through both and a recess around the bore from below. The foot of the boss
+/// and its outer rim are filleted in steps of 10 degrees; every other corner of the section is a
+/// right angle.
+TriangleMesh flangedHub(int around);
 
 /// The mesh with every coordinate moved by up to `amplitude`, evenly spread and the same each time;
 /// normals are brought up to date.
