@@ -20,8 +20,7 @@ void timeCommand(benchmark::State& state, Scheme scheme) {
     TriangleMesh undo;
     undo.copyGeometryFrom(surface);
     TriangleMesh refined = scheme(surface);
-    refined.computeFaceNormals();
-    refined.computeVertexNormals();
+    refined.computeNormals();
     newFaces = refined.faceCount;
   }
   state.SetItemsProcessed(state.iterations() * newFaces);

@@ -40,8 +40,7 @@ void findCreasesAgain(CGravlinDoc& doc) {
 /// In the order in which they run: a row may use the data of the rows above it.
 const std::vector<Recomputation>& recomputations() {
   static const std::vector<Recomputation> table = {
-      {{}, [](CGravlinDoc& doc) { doc.currentMesh->computeFaceNormals(); }},
-      {{}, [](CGravlinDoc& doc) { doc.currentMesh->computeVertexNormals(); }},
+      {{}, [](CGravlinDoc& doc) { doc.currentMesh->computeNormals(); }},
       {{DirectionMax, DirectionMin, TensorMax, TensorMin, CurvatureMax, CurvatureMin, CurvatureMean,
         CurvatureGauss, CurvatureTotal},
        [](CGravlinDoc& doc) { computeCurvatureTensor(*doc.currentMesh); }},

@@ -34,8 +34,7 @@ class UnsmoothedPositions {
     if (!positions) return;
     mesh.vertices = std::move(*positions);
     positions.reset();
-    mesh.computeVertexNormals();
-    mesh.computeFaceNormals();
+    mesh.computeNormals();
   }
 
  private:
@@ -132,8 +131,7 @@ void CGravlinDoc::OnEdgeDetectionFaceAngle() {
     unsmoothed.keep();
     displayMode = FeatureLines;
     OnSmoothingShapeAdaptive();
-    mesh.computeVertexNormals();
-    mesh.computeFaceNormals();
+    mesh.computeNormals();
   }
   detectCreases();
   unsmoothed.restore();

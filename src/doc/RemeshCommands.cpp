@@ -30,8 +30,7 @@ std::unique_ptr<TriangleMesh> compacted(const TriangleMesh& mesh) {
   auto compact = std::make_unique<TriangleMesh>(mesh.compactCopy());
   compact->buildAdjacency();
   compact->buildFaceAdjacency();
-  compact->computeFaceNormals();
-  compact->computeVertexNormals();
+  compact->computeNormals();
   return compact;
 }
 

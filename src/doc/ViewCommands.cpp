@@ -23,8 +23,7 @@ void CGravlinDoc::OnSmoothShading() {
 
 void CGravlinDoc::OnWireFrame() {
   if (!currentMesh) return;
-  currentMesh->computeFaceNormals();
-  currentMesh->computeVertexNormals();
+  currentMesh->computeNormals();
   show(WireFrame);
 }
 

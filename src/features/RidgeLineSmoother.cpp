@@ -88,8 +88,7 @@ void RidgeLineSmoother::smooth(int iterations, float step) {
   if (!anyLine) return;
   std::vector<Vec3> work(links.size());
   for (int iteration = 0; iteration < iterations; ++iteration) {
-    mesh->computeFaceNormals();
-    mesh->computeVertexNormals();
+    mesh->computeNormals();
     moveLines(*mesh, links, step, work);
     fairBand(*mesh, level, step, work);
   }

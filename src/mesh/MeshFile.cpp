@@ -114,8 +114,7 @@ OpenResult openMeshFile(const std::string& path) {
   const std::string reason = reasonOfFailure([&] {
     const Stream stream = openForReading(path);
     oddities = readMesh({stream.get(), path, extensionOf(path)}, *mesh);
-    mesh->computeFaceNormals();
-    mesh->computeVertexNormals();
+    mesh->computeNormals();
   });
   result.error = sentence("Cannot open ", path, reason);
   if (!result.error.empty()) return result;

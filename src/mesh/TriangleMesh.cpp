@@ -8,6 +8,7 @@
 #include "mesh/Ring.h"
 #include "mesh/RingWalk.h"
 #include "numeric/Index.h"
+#include "numeric/LargeVector.h"
 
 namespace gravlin {
 namespace {
@@ -46,19 +47,29 @@ struct VectorBlock {
 /// Fills `normals` with the unit vectors of direction(0) .. direction(count - 1).
 template <class Direction>
 void storeUnits(std::vector<float>& normals, int count, Direction direction) {
-  normals.resize(3 * toIndex(count));
+  reserveLarge(normals, 3 * toIndex(count));
+  normals.clear();
+  std::array<float, 3 * VectorBlock::capacity> rounded = {};
   VectorBlock block = {};
   for (int first = 0; first < count; first += VectorBlock::capacity) {
     const int size = std::min(count - first, VectorBlock::capacity);
     for (int k = 0; k < size; ++k) block.set(k, direction(first + k));
     block.normalize();
-    float* out = normals.data() + 3 * toIndex(first);
+    float* out = rounded.data();
     for (std::size_t k = 0; k < toIndex(size); ++k) {
       *out++ = static_cast<float>(block.x[k]);
       *out++ = static_cast<float>(block.y[k]);
       *out++ = static_cast<float>(block.z[k]);
     }
+    normals.insert(normals.end(), rounded.data(), out);
   }
+}
+
+std::vector<Vec3> zeroSums(int count) {
+  std::vector<Vec3> sums;
+  reserveLarge(sums, toIndex(count));
+  sums.resize(toIndex(count));
+  return sums;
 }
 
 void makeUnusableFacesInvalid(std::vector<int>& faces, int vertexCount) {
@@ -246,7 +257,7 @@ void TriangleMesh::computeFaceNormals() {
 }
 
 void TriangleMesh::computeVertexNormals() {
-  std::vector<Vec3> sums(toIndex(vertexCount));
+  std::vector<Vec3> sums = zeroSums(vertexCount);
   for (int f = 0; f < faceCount; ++f) {
     if (!validFace(f)) continue;
     const auto c = corners(f);
@@ -254,6 +265,21 @@ void TriangleMesh::computeVertexNormals() {
     const Vec3 normal = cross(a - position(c[1]), a - position(c[2]));
     for (const int corner : c) sums[toIndex(corner)] += normal;
   }
+  storeUnits(vertexNormals, vertexCount, [&sums](int i) { return sums[toIndex(i)]; });
+}
+
+void TriangleMesh::computeNormals() {
+  std::vector<Vec3> sums = zeroSums(vertexCount);
+  storeUnits(faceNormals, faceCount, [&](int f) {
+    if (!validFace(f)) return Vec3{};
+    const auto c = corners(f);
+    const Vec3 a = position(c[0]);
+    // With both edges turned round the product is the same but for the sign of a zero, which is
+    // lost in a sum.
+    const Vec3 normal = cross(position(c[1]) - a, position(c[2]) - a);
+    for (const int corner : c) sums[toIndex(corner)] += normal;
+    return normal;
+  });
   storeUnits(vertexNormals, vertexCount, [&sums](int i) { return sums[toIndex(i)]; });
 }
 

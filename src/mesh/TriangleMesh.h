@@ -137,6 +137,8 @@ class TriangleMesh {
   void computeFaceNormals();
   /// Sum of (pa - pb) x (pa - pc) over the incident faces in face order, normalised.
   void computeVertexNormals();
+  /// Both in one pass over the faces, with the same results as one after the other.
+  void computeNormals();
   /// Mean of the ring minus the vertex; 0 for an empty ring. Does not look at the kind.
   Vec3 umbrellaLaplacian(int i) const;
   /// -4 / (ring area) x the sum over the ring of (cot alpha + cot beta) (x_j - x_i): points outward

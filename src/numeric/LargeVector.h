@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -8,6 +9,26 @@
 #include <vector>
 
 namespace gravlin {
+
+constexpr std::size_t hugePage = std::size_t{2} << 20;  ///< in bytes
+
+/// Asks the system for huge pages for the whole ones among `bytes` of memory, not yet written. Only
+/// a hint: without it the memory is the same, only slower.
+inline void preferHugePages(void* memory, std::size_t bytes) {
+  const std::size_t before = (0 - reinterpret_cast<std::uintptr_t>(memory)) % hugePage;
+  if (bytes < before + hugePage) return;
+  const std::size_t whole = (bytes - before) / hugePage * hugePage;
+  ::madvise(static_cast<char*>(memory) + before, whole, MADV_HUGEPAGE);
+}
+
+/// Makes room for `count` elements in a vector that will soon hold as many, maybe very many: the
+/// system then interrupts its first filling every 2 MB instead of every 4 kB.
+template <class T>
+void reserveLarge(std::vector<T>& values, std::size_t count) {
+  if (values.capacity() >= count) return;
+  values.reserve(count);
+  preferHugePages(values.data() + values.size(), sizeof(T) * (count - values.size()));
+}
 
 /// Takes long arrays from the system in huge pages where it offers them: sweeps over hundreds of
 /// megabytes then seldom wait for an address to be translated. Short arrays come from the heap.
@@ -23,21 +44,17 @@ class LargeAllocator {
   T* allocate(std::size_t count) {
     if (count > std::numeric_limits<std::size_t>::max() / (2 * sizeof(T))) throw std::bad_alloc();
     const std::size_t bytes = count * sizeof(T);
-    const bool large = bytes >= 2 * pageSize;
+    const bool large = bytes >= 2 * hugePage;
     void* memory = large
-                       ? std::aligned_alloc(pageSize, (bytes + pageSize - 1) / pageSize * pageSize)
+                       ? std::aligned_alloc(hugePage, (bytes + hugePage - 1) / hugePage * hugePage)
                        : std::malloc(bytes);
     if (memory == nullptr) throw std::bad_alloc();
-    // A hint: without it the array is the same, only slower.
-    if (large) ::madvise(memory, bytes, MADV_HUGEPAGE);
+    if (large) preferHugePages(memory, bytes);
     return static_cast<T*>(memory);
   }
   void deallocate(T* memory, std::size_t /*count*/) noexcept { std::free(memory); }
 
   friend bool operator==(const LargeAllocator&, const LargeAllocator&) { return true; }
-
- private:
-  static constexpr std::size_t pageSize = std::size_t{2} << 20;  ///< of a huge page, in bytes
 };
 
 /// A vector that may become very long.

@@ -467,6 +467,17 @@ TEST(TriangleMesh, NormalsHaveTheBitsOfThePlainFormulas) {
   }
 }
 
+TEST(TriangleMesh, BothNormalsAtOnceAreThoseOfOneAfterTheOther) {
+  for (const auto& [name, mesh] : allMeshes()) {
+    TriangleMesh atOnce = mesh;
+    std::ranges::fill(atOnce.faceNormals, 7.0F);
+    atOnce.vertexNormals.clear();
+    atOnce.computeNormals();
+    EXPECT_TRUE(sameFloats(atOnce.faceNormals, mesh.faceNormals)) << name;
+    EXPECT_TRUE(sameFloats(atOnce.vertexNormals, mesh.vertexNormals)) << name;
+  }
+}
+
 TEST(TriangleMesh, InvalidFacesHaveNoNormal) {
   TriangleMesh mesh = test::tetrahedron();
   mesh.setFace(1, std::array{-1, -1, -1});

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <limits>
 #include <numeric>
@@ -23,6 +24,30 @@ TEST(LargeVector, RefusesWhatNoMemoryHolds) {
   LargeAllocator<double> allocator;
   EXPECT_THROW(static_cast<void>(allocator.allocate(std::numeric_limits<std::size_t>::max() / 8)),
                std::bad_alloc);
+}
+
+TEST(LargeVector, ReservesRoomInAPlainVectorAndKeepsWhatIsThere) {
+  for (const std::size_t count : {0, 1, 1000, 600'000, 3'000'000}) {
+    std::vector<int> values = {1, 2, 3};
+    reserveLarge(values, count);
+    ASSERT_GE(values.capacity(), count);
+    const std::size_t size = std::max<std::size_t>(count, 3);
+    const int* data = values.data();
+    values.resize(size, 7);
+    EXPECT_EQ(values.data(), data) << "no second allocation";
+    EXPECT_EQ(std::accumulate(values.begin(), values.end(), std::size_t{0}), 6 + 7 * (size - 3));
+  }
+}
+
+TEST(LargeVector, HintForAnyPlaceAndSizeLeavesTheMemoryAlone) {
+  constexpr std::size_t megabyte = std::size_t{1} << 20;
+  std::vector<char> memory(10 * megabyte, 'x');
+  for (const std::size_t begin : {std::size_t{0}, std::size_t{1}, 2 * megabyte - 1, 5 * megabyte}) {
+    for (const std::size_t bytes : {std::size_t{0}, std::size_t{1}, 2 * megabyte, 5 * megabyte}) {
+      preferHugePages(memory.data() + begin, bytes);
+    }
+  }
+  EXPECT_EQ(std::ranges::count(memory, 'x'), 10L * long{megabyte});
 }
 
 }  // namespace
