@@ -1,5 +1,6 @@
 #include "remesh/LoopSubdivision.h"
 
+#include <array>
 #include <cmath>
 
 #include "remesh/FaceSplit.h"
@@ -15,17 +16,31 @@ double neighbourWeight(std::size_t n) {
   return (0.625 - root * root) / count;
 }
 
-Vec3 interiorPoint(const TriangleMesh& mesh, int i) {
+/// The weights of the usual valences, computed once.
+class NeighbourWeights {
+ public:
+  NeighbourWeights() {
+    for (std::size_t n = 1; n < usual.size(); ++n) usual[n] = neighbourWeight(n);
+  }
+  double operator()(std::size_t n) const {
+    return n < usual.size() ? usual[n] : neighbourWeight(n);
+  }
+
+ private:
+  std::array<double, 32> usual = {};
+};
+
+Vec3 interiorPoint(const TriangleMesh& mesh, const NeighbourWeights& weights, int i) {
   const auto ring = mesh.vertexNeighbours[i];
-  const double weight = neighbourWeight(ring.size());
+  const double weight = weights(ring.size());
   Vec3 sum;
   for (const int j : ring) sum += mesh.position(j);
   return (1.0 - static_cast<double>(ring.size()) * weight) * mesh.position(i) + weight * sum;
 }
 
-Vec3 vertexPoint(const TriangleMesh& mesh, int i) {
+Vec3 vertexPoint(const TriangleMesh& mesh, const NeighbourWeights& weights, int i) {
   const int kind = mesh.vertexKind[toIndex(i)];
-  if (kind == InteriorVertex) return interiorPoint(mesh, i);
+  if (kind == InteriorVertex) return interiorPoint(mesh, weights, i);
   const Vec3 x = mesh.position(i);
   if (kind != BoundaryVertex) return x;
   const auto ring = mesh.vertexNeighbours[i];
@@ -42,8 +57,9 @@ Vec3 edgePoint(const TriangleMesh& mesh, const SplitEdge& edge) {
 }  // namespace
 
 TriangleMesh loopSubdivision(const TriangleMesh& mesh) {
+  const NeighbourWeights weights;
   return splitEveryFace(
-      mesh, [&](int i) { return vertexPoint(mesh, i); },
+      mesh, [&](int i) { return vertexPoint(mesh, weights, i); },
       [&](const SplitEdge& edge) { return edgePoint(mesh, edge); });
 }
 

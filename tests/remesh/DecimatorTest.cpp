@@ -7,6 +7,7 @@
 #include <set>
 
 #include "mesh/MeshMeasures.h"
+#include "mesh/MeshTopology.h"
 #include "numeric/Index.h"
 #include "remesh/DecimationParameters.h"
 #include "remesh/Decimator.h"
@@ -158,6 +159,21 @@ TEST(Decimator, KeepsAClosedMeshClosedAndItsEulerCharacteristic) {
         EXPECT_EQ(mesh.vertexKind[toIndex(i)], InteriorVertex);
       }
     }
+  }
+}
+
+TEST(Decimator, KeepsTheEulerCharacteristicAndTheHolesOfAnOpenMesh) {
+  const TriangleMesh before =
+      withHoles(test::jittered(test::icosphere(3), 0.01), {0, 3, 40, 90, 300});
+  for (const float rate : {0.3F, 0.6F, 0.8F}) {
+    TriangleMesh mesh = before;
+    decimate(mesh, rate);
+    const MeshTopology wanted = measureTopology(before);
+    const MeshTopology found = measureTopology(mesh);
+    EXPECT_EQ(found.eulerCharacteristic(), wanted.eulerCharacteristic()) << rate;
+    EXPECT_EQ(found.boundaryLoops, wanted.boundaryLoops) << rate;
+    EXPECT_EQ(found.components, 1) << rate;
+    EXPECT_EQ(found.nonManifoldEdges, 0) << rate;
   }
 }
 
