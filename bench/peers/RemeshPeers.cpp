@@ -156,7 +156,14 @@ void compareDecimation(const TriangleMesh& surface, float rate) {
         decimater.initialize();
         decimater.decimate_to(static_cast<std::size_t>(left * surface.vertexCount));
       },
-      [&] { openMesh = openMeshOf(surface); }};
+      [&] {
+        openMesh = openMeshOf(surface);
+        // The decimater asks for these and gives them back; what it removed is told by them later.
+        openMesh.request_vertex_status();
+        openMesh.request_halfedge_status();
+        openMesh.request_edge_status();
+        openMesh.request_face_status();
+      }};
 
   const std::string job = "Removing " + std::to_string(static_cast<int>(100.0F * rate + 0.5F)) +
                           "% of " + std::to_string(surface.vertexCount) + " vertices";
