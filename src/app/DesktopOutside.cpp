@@ -6,6 +6,7 @@
 #include "doc/dialogs/CMessageDlg.h"
 #include "doc/dialogs/ParameterDialog.h"
 #include "doc/dialogs/QtText.h"
+#include "mesh/MeshWriter.h"
 #include "view/LineSvg.h"
 
 namespace gravlin {
@@ -21,6 +22,12 @@ QString titleOf(FileDialog kind) {
       return "Export";
   }
   return {};
+}
+
+/// The file's own name, or one like it if meshes are not written with its extension.
+QString nameToSave(const QString& file) {
+  if (file.isEmpty() || hasWriter(extensionOf(toPath(file)))) return file;
+  return QFileInfo(file).completeBaseName() + ".ply2";
 }
 
 }  // namespace
@@ -57,7 +64,8 @@ std::optional<std::string> DesktopOutside::chooseFile(FileDialog kind) {
   const CommandDialog waiting(desktop.lock);
   chosenFile.clear();
   if (kind == FileDialog::Open && !mayDropChanges()) return std::nullopt;
-  chosenFile = askForFile(desktop, kind, kind == FileDialog::Save ? currentFile : QString());
+  chosenFile =
+      askForFile(desktop, kind, kind == FileDialog::Save ? nameToSave(currentFile) : QString());
   if (chosenFile.isEmpty()) return std::nullopt;
   return toPath(chosenFile);
 }

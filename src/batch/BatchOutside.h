@@ -34,7 +34,7 @@ class BatchOutside : public Outside {
   void forgetAnswers() { answers.clear(); }
 
   // --- What the commands said ---
-  bool failed = false;  ///< a message was shown
+  bool failed = false;  ///< later steps must not run: a message was shown, or a file not read
   Histogram histogram;  ///< of the values last given
 
   /// The document whose counts the view prints.

@@ -163,11 +163,11 @@ constexpr Paragraph notes[] = {
      "runs before every word has been understood and every value is in its range."},
     {"Files",
      "are opened and saved by their extension: data, ply, ply2 and plyR are read, ply2 and plyR "
-     "are "
-     "written. A file with any other extension opens as an empty mesh and is saved as an empty "
-     "file, each with a warning. Lengths in options are those of the mesh in memory, whose largest "
-     "extent "
-     "is 20."},
+     "are written. A file with any other extension opens as an empty mesh and is saved as an empty "
+     "file, each with a warning. A damaged file opens up to the damage, with a warning. The file "
+     "that a mesh was opened from is not overwritten when that would lose what could not be read "
+     "or written. Lengths in options are those of the mesh in memory, whose largest extent is "
+     "20."},
     {"Exit status",
      "0 when all is well, 1 when a file could not be read or written (later steps do not run), 2 "
      "when something could not be understood."},

@@ -7,6 +7,7 @@
 #include "batch/Step.h"
 #include "batch/ViewSteps.h"
 #include "doc/CommandTable.h"
+#include "mesh/MeshReader.h"
 
 namespace gravlin {
 namespace {
@@ -26,6 +27,15 @@ std::string menuPathOf(const Command& row) {
   return path + " > " + spokenText(row.text);
 }
 
+/// A window shows the empty mesh of a file that it could make nothing of; a chain ends there, so
+/// that no later step takes it for the mesh. An extension without a reader is no such file: the
+/// mesh is meant to be empty then.
+void endAtUnreadableFile(Session& session, const std::string& path) {
+  const bool unreadable =
+      session.document.readExtent == ReadExtent::Nothing && hasReader(extensionOf(path));
+  if (unreadable) session.outside.failed = true;
+}
+
 Step stepOf(const Command& row) {
   Step step;
   step.name = row.step;
@@ -43,6 +53,7 @@ Step stepOf(const Command& row) {
     }
     (session.document.*row.handler)();
     session.outside.forgetAnswers();
+    if (row.file == FileDialog::Open) endAtUnreadableFile(session, call.operands[0]);
   };
   return step;
 }

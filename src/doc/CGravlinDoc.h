@@ -18,6 +18,7 @@
 #include "features/RidgeParameters.h"
 #include "features/SilhouetteLines.h"
 #include "mesh/FacePicking.h"
+#include "mesh/MeshFile.h"
 #include "mesh/TriangleMesh.h"
 #include "remesh/DecimationParameters.h"
 #include "remesh/Decimator.h"
@@ -47,9 +48,11 @@ class CGravlinDoc {
   int displayMode = FlatShading;           ///< a DisplayMode
   bool needsRecompute = false;             ///< derived data is stale; redraw clears it
   std::uint64_t revision =
-      0;                  ///< raised by every redraw: whatever is cached of an older one is stale
-  bool modified = false;  ///< the geometry changed since it was opened or saved
-  std::string path;       ///< the file last opened or saved; empty for a new document
+      0;                   ///< raised by every redraw: whatever is cached of an older one is stale
+  bool modified = false;   ///< the geometry changed since it was opened or saved
+  std::string path;        ///< the file last opened or saved; empty for a new document
+  std::string openedPath;  ///< the file last opened
+  ReadExtent readExtent = ReadExtent::Whole;  ///< how much of that file was read
 
   bool showsColourLegend = false;  ///< the scale's values beside a picture that has colours of it
 
@@ -138,7 +141,8 @@ class CGravlinDoc {
   /// left as it is.
   bool openFile(const std::string& filePath);
   /// Writes the current mesh; a name without an extension gets ".ply2". On failure the old file
-  /// stands, a message is shown, and the result is false.
+  /// stands, a message is shown, and the result is false. So it is with the file that the mesh came
+  /// from when writing would lose what this file alone holds.
   bool saveFile(const std::string& filePath);
   /// Writes the feature lines of the current mesh, which must exist, as .obj, .vtk or .svg. On
   /// failure the old file stands, a message is shown, and the result is false.
@@ -169,6 +173,8 @@ class CGravlinDoc {
   void replaceMesh(std::unique_ptr<TriangleMesh> mesh);
   /// Forgets the lines that the document keeps beside those of the mesh.
   void dropLines();
+  /// Why saving under this name would lose what only the file there holds; empty when it would not.
+  std::string lossBySaving(const std::string& filePath) const;
   bool hasMeshToSave();  ///< shows a message when there is none
   std::unique_ptr<TriangleMesh> geometryCopy() const;
   void bringBack(std::unique_ptr<TriangleMesh> before);

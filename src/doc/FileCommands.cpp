@@ -1,9 +1,26 @@
 // The commands of the menu File.
 
+#include <filesystem>
+#include <system_error>
+
 #include "doc/CGravlinDoc.h"
-#include "mesh/MeshFile.h"
+#include "mesh/MeshWriter.h"
 
 namespace gravlin {
+namespace {
+
+/// Whether both names lead to one file that exists.
+bool isSameFile(const std::string& a, const std::string& b) {
+  std::error_code error;
+  return std::filesystem::equivalent(a, b, error) && !error;
+}
+
+bool isEmptyFile(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::file_size(path, error) == 0 && !error;
+}
+
+}  // namespace
 
 void CGravlinDoc::OnFileOpen() {
   if (const std::optional<std::string> chosen = outside.chooseFile(FileDialog::Open)) {
@@ -19,6 +36,8 @@ bool CGravlinDoc::openFile(const std::string& filePath) {
   }
   replaceMesh(std::move(opened.mesh));
   path = filePath;
+  openedPath = filePath;
+  readExtent = opened.extent;
   modified = false;
   undoIsModified = true;   // what is kept for undo belongs to another file
   needsRecompute = false;  // both normals came with the mesh
@@ -39,8 +58,26 @@ bool CGravlinDoc::hasMeshToSave() {
   return currentMesh != nullptr;
 }
 
+std::string CGravlinDoc::lossBySaving(const std::string& filePath) const {
+  const std::string target = pathToSave(filePath);
+  if (!isSameFile(target, openedPath) || isEmptyFile(target)) return {};
+  const std::string extension = extensionOf(target);
+  if (!hasWriter(extension)) {
+    return "the mesh was opened from it, and the extension \"" + extension +
+           "\" has no writer, so it would become empty";
+  }
+  if (readExtent == ReadExtent::Whole) return {};
+  return "not all of it could be read, and what is missing in the mesh would be lost";
+}
+
 bool CGravlinDoc::saveFile(const std::string& filePath) {
   if (!hasMeshToSave()) return false;
+  const std::string loss = lossBySaving(filePath);
+  if (!loss.empty()) {
+    outside.showMessage("Cannot save " + pathToSave(filePath) + ": " + loss +
+                        ". Save under another name that ends in .ply2 or .plyR.");
+    return false;
+  }
   const SaveResult saved = saveMeshFile(filePath, *currentMesh);
   if (!saved.error.empty()) {
     outside.showMessage(saved.error);

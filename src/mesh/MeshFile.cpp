@@ -110,22 +110,29 @@ std::string extensionOf(const std::string& path) {
 OpenResult openMeshFile(const std::string& path) {
   OpenResult result;
   auto mesh = std::make_unique<TriangleMesh>();
-  std::string oddities;
+  ReadReport report;
   const std::string reason = reasonOfFailure([&] {
     const Stream stream = openForReading(path);
-    oddities = readMesh({stream.get(), path, extensionOf(path)}, *mesh);
+    report = readMesh({stream.get(), path, extensionOf(path)}, *mesh);
     mesh->computeNormals();
   });
   result.error = sentence("Cannot open ", path, reason);
   if (!result.error.empty()) return result;
   result.mesh = std::move(mesh);
-  result.notice = sentence("Opened ", path, oddities);
+  const bool unreadable = report.extent == ReadExtent::Nothing && hasReader(extensionOf(path));
+  result.notice =
+      sentence(unreadable ? "Nothing was read from " : "Opened ", path, report.oddities);
+  result.extent = report.extent;
   return result;
+}
+
+std::string pathToSave(const std::string& path) {
+  return extensionOf(path).empty() ? path + ".ply2" : path;
 }
 
 SaveResult saveMeshFile(const std::string& path, TriangleMesh& mesh) {
   SaveResult result;
-  result.path = extensionOf(path).empty() ? path + ".ply2" : path;
+  result.path = pathToSave(path);
   std::string oddities;
   const std::string reason = reasonOfFailure([&] { oddities = save(result.path, mesh); });
   result.error = sentence("Cannot save ", result.path, reason);

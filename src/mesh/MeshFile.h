@@ -27,11 +27,19 @@ struct MeshFile {
 /// What follows the last dot of the file name in `path`; empty without a dot.
 std::string extensionOf(const std::string& path);
 
+/// How much of what a file was to hold has been read.
+enum class ReadExtent {
+  Whole,
+  Partial,  ///< it ended early, or a number on the way could not be read
+  Nothing   ///< not even its first number, or nothing reads its extension
+};
+
 /// A file opened from disk.
 struct OpenResult {
   std::unique_ptr<TriangleMesh> mesh;  ///< with topology and both normals; null on failure
   std::string error;                   ///< the sentence to show on failure, else empty
   std::string notice;                  ///< what was odd about the file, in one sentence, or empty
+  ReadExtent extent = ReadExtent::Whole;
 };
 
 /// Opens and reads a mesh file. Changes nothing but its result.
@@ -44,8 +52,11 @@ struct SaveResult {
   std::string notice;  ///< why the file does not hold the mesh, in one sentence, or empty
 };
 
-/// Writes `mesh` in the units of the file it came from; a name without an extension gets ".ply2",
-/// and one whose extension has no writer becomes an empty file. Positions go to the file's units
+/// Where a mesh goes that is to be saved under a name: without an extension it gets ".ply2".
+std::string pathToSave(const std::string& path);
+
+/// Writes `mesh` in the units of the file it came from to `pathToSave`; a name whose extension
+/// has no writer becomes an empty file. Positions go to the file's units
 /// and back and the box is found anew, so they may differ in their last bits afterwards. On failure
 /// the file that was there stands and `mesh` is as it was.
 SaveResult saveMeshFile(const std::string& path, TriangleMesh& mesh);

@@ -1,12 +1,14 @@
 #include "mesh/MeshReader.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <new>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "mesh/Scanner.h"
@@ -31,6 +33,27 @@ std::string counted(int count, const Noun& noun) {
   return std::to_string(count) + " " + (count == 1 ? noun.one : noun.many);
 }
 
+/// A count of things as it stands in a file.
+struct WrittenCount {
+  int value = 0;       ///< what the scanner makes of it
+  bool wraps = false;  ///< it does not fit into an int, and `value` is only its lowest bits
+  std::string text;    ///< its digits, of too many only the first
+};
+
+/// Of a number that the scanner has consumed, with the blanks before it.
+WrittenCount writtenCount(std::string_view consumed, int value) {
+  constexpr std::size_t longestText = 24;
+  const std::size_t start = consumed.find_first_of("-0123456789");
+  if (start == std::string_view::npos) return {.value = value, .text = std::to_string(value)};
+  const std::string_view digits = consumed.substr(start);
+  int whole = 0;
+  const std::errc error = std::from_chars(digits.data(), digits.data() + digits.size(), whole).ec;
+  std::string text(digits.substr(0, longestText));
+  if (digits.size() > longestText) text += "...";
+  return {
+      .value = value, .wraps = error == std::errc::result_out_of_range, .text = std::move(text)};
+}
+
 /// A small file may hold huge counts.
 void requireMemoryFor(int vertexCount, int faceCount) {
   // Positions or corners, rings, adjacency and normals of one vertex or one face together.
@@ -51,6 +74,10 @@ class RecordReader {
   void readPlyR();
 
   std::vector<std::string> oddities;
+  ReadExtent extent() const {
+    if (!flawed) return ReadExtent::Whole;
+    return started ? ReadExtent::Partial : ReadExtent::Nothing;
+  }
 
  private:
   struct Counts {
@@ -58,7 +85,9 @@ class RecordReader {
     int faces = 0;
   };
   Counts readCounts();
+  WrittenCount readWrittenCount(const Noun& noun);
   int readCount(const Noun& noun);
+  int usable(const WrittenCount& count, const Noun& noun);
   int readArrayCount(const Noun& noun);
   void readVertices(int count);
   void readVerticesOfFiveNumbers(int count);
@@ -75,6 +104,8 @@ class RecordReader {
   TriangleMesh& mesh;
   bool failed = false;  ///< a number of the current record could not be read
   bool failureNoted = false;
+  bool started = false;  ///< a first number has been read
+  bool flawed = false;   ///< something that the file was to hold has not been read
   int ignoredMarks = 0;
 };
 
@@ -118,20 +149,36 @@ RecordReader::Counts RecordReader::readCounts() {
   return counts;
 }
 
-int RecordReader::readCount(const Noun& noun) {
+WrittenCount RecordReader::readWrittenCount(const Noun& noun) {
+  const std::size_t before = scanner.position();
   failed = false;
-  const int count = takeInt();
+  const int value = takeInt();
   if (failed) noteFailureIn(std::string("the number of ") + noun.many);
-  if (count < 0) oddities.push_back(counted(count, noun) + " taken as none");
-  return std::max(count, 0);
+  started |= !failed;
+  return writtenCount(scanner.consumedSince(before), value);
+}
+
+/// The count to go on with.
+int RecordReader::usable(const WrittenCount& count, const Noun& noun) {
+  if (count.value >= 0 && !count.wraps) return count.value;
+  const int used = count.text.starts_with('-') ? 0 : std::max(count.value, 0);
+  oddities.push_back(count.text + " " + noun.many + " taken as " +
+                     (used == 0 ? "none" : std::to_string(used)));
+  flawed = true;
+  return used;
+}
+
+int RecordReader::readCount(const Noun& noun) {
+  return usable(readWrittenCount(noun), noun);
 }
 
 /// A count of what takes three entries of an array.
 int RecordReader::readArrayCount(const Noun& noun) {
   constexpr int largest = maxArrayEntries / 3;
-  const int count = readCount(noun);
-  if (count <= largest) return count;
-  throw std::length_error("it asks for " + counted(count, noun) + " and " +
+  const WrittenCount count = readWrittenCount(noun);
+  const bool tooLarge = count.wraps ? !count.text.starts_with('-') : count.value > largest;
+  if (!tooLarge) return usable(count, noun);
+  throw std::length_error("it asks for " + count.text + " " + noun.many + " and " +
                           std::to_string(largest) + " is the most that can be held");
 }
 
@@ -214,6 +261,7 @@ float RecordReader::takeFloat() {
 void RecordReader::noteFailureIn(const std::string& record) {
   if (failureNoted) return;
   failureNoted = true;
+  flawed = true;
   oddities.push_back(scanner.atEnd() ? "the file ended in " + record
                                      : record + " could not be read");
 }
@@ -231,36 +279,43 @@ Reader readerOf(std::string_view extension) {
   return nullptr;
 }
 
-/// Reads positions, faces and marks; returns what was odd.
-std::vector<std::string> readRecords(const MeshFile& file, TriangleMesh& mesh) {
-  const Reader reader = readerOf(file.extension);
-  if (reader == nullptr) {
-    return {"the extension \"" + file.extension + "\" has no reader, so the mesh is empty"};
-  }
-  const StreamText text = readToEnd(file.stream);
-  if (text.errorNumber != 0) throw std::system_error(text.errorNumber, std::generic_category());
-  RecordReader records(text.view(), mesh);
-  (records.*reader)();
-  return std::move(records.oddities);
-}
-
 std::string joined(const std::vector<std::string>& pieces) {
   std::string text;
   for (const std::string& piece : pieces) text += (text.empty() ? "" : "; ") + piece;
   return text;
 }
 
+/// Reads positions, faces and marks.
+ReadReport readRecords(const MeshFile& file, TriangleMesh& mesh) {
+  const Reader reader = readerOf(file.extension);
+  if (reader == nullptr) {
+    return {"the extension \"" + file.extension + "\" has no reader, so the mesh is empty",
+            ReadExtent::Nothing};
+  }
+  const StreamText text = readToEnd(file.stream);
+  if (text.errorNumber != 0) throw std::system_error(text.errorNumber, std::generic_category());
+  RecordReader records(text.view(), mesh);
+  (records.*reader)();
+  return {joined(records.oddities), records.extent()};
+}
+
 }  // namespace
 
-std::string readMesh(const MeshFile& file, TriangleMesh& mesh) {
-  std::vector<std::string> oddities = readRecords(file, mesh);
+bool hasReader(std::string_view extension) {
+  return readerOf(extension) != nullptr;
+}
+
+ReadReport readMesh(const MeshFile& file, TriangleMesh& mesh) {
+  ReadReport report = readRecords(file, mesh);
   mesh.normalize();
   mesh.buildAdjacency();
   mesh.buildFaceAdjacency();
   const int invalid = mesh.faceCount - mesh.countValidFaces();
-  if (invalid > 0)
-    oddities.push_back(counted(invalid, faceNoun) + " with unusable corners left out");
-  return joined(oddities);
+  if (invalid > 0) {
+    report.oddities += (report.oddities.empty() ? "" : "; ") + counted(invalid, faceNoun) +
+                       " with unusable corners left out";
+  }
+  return report;
 }
 
 }  // namespace gravlin

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "mesh/MeshFile.h"
 
@@ -9,14 +10,22 @@ namespace gravlin {
 /// No array of a mesh that is read may have more entries.
 inline constexpr int maxArrayEntries = 500'000'000;
 
+/// How a file was read.
+struct ReadReport {
+  std::string oddities;  ///< "the file ended in face 3 of 8"; empty when nothing was odd
+  ReadExtent extent = ReadExtent::Whole;
+};
+
+/// Whether meshes of this extension can be read.
+bool hasReader(std::string_view extension);
+
 /// Reads the rest of the stream into `mesh`, which must be empty, then normalises it and builds
-/// rings and face adjacency; an extension without a reader leaves no vertices and no faces. Returns
-/// what was odd about the file ("the file ended in face 3 of 8"), or nothing for an ordinary one.
+/// rings and face adjacency; an extension without a reader leaves no vertices and no faces.
 ///
 /// Numbers are taken as fscanf takes "%d" and "%f" in the "C" locale. One that cannot be read is 0,
 /// a negative count too, and marks out of range are ignored. Throws std::length_error, with the
 /// reason as its text, for counts whose arrays would pass `maxArrayEntries`, std::bad_alloc when
 /// memory does not suffice, and std::system_error when the stream cannot be read.
-std::string readMesh(const MeshFile& file, TriangleMesh& mesh);
+ReadReport readMesh(const MeshFile& file, TriangleMesh& mesh);
 
 }  // namespace gravlin

@@ -80,15 +80,18 @@ void writeMarks(NumberWriter& writer, const TriangleMesh& mesh,
 
 }  // namespace
 
+bool hasWriter(std::string_view extension) {
+  return extension == "ply2" || extension == "plyR";
+}
+
 std::string writeMesh(const MeshFile& file, const TriangleMesh& mesh) {
-  const bool withMarks = file.extension == "plyR";
-  if (file.extension != "ply2" && !withMarks) {
+  if (!hasWriter(file.extension)) {
     return "the extension \"" + file.extension + "\" has no writer, so the file is empty";
   }
   const std::vector<int> newIndices = mesh.usedVertexIndices();
   NumberWriter writer(file.stream);
   writeGeometry(writer, mesh, newIndices);
-  if (withMarks) writeMarks(writer, mesh, newIndices);
+  if (file.extension == "plyR") writeMarks(writer, mesh, newIndices);
   return {};
 }
 

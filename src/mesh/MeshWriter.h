@@ -1,10 +1,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "mesh/MeshFile.h"
 
 namespace gravlin {
+
+/// Whether meshes are written with this extension.
+bool hasWriter(std::string_view extension);
 
 /// Writes used vertices and valid faces, renumbered in index order, with six decimals; nothing for
 /// an extension without a writer. A mark on an unused vertex is written as -1. Requires

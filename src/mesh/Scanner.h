@@ -26,6 +26,10 @@ class Scanner {
   /// Characters consumed so far.
   std::size_t position() const { return static_cast<std::size_t>(current - begin); }
   bool atEnd() const { return current == end; }
+  /// What has been consumed since an earlier `position`.
+  std::string_view consumedSince(std::size_t earlier) const {
+    return {begin + earlier, position() - earlier};
+  }
 
  private:
   std::optional<float> scanUnusualFloat();

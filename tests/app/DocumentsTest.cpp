@@ -35,6 +35,7 @@ class DocumentsTest : public QObject {
   void undoTwiceTheSecondDoesNothing();
   void saveAsksForAFileLikeSaveAs();
   void aNameWithoutAnExtensionIsSavedAsPly2();
+  void saveOffersANameUnderWhichMeshesAreWritten();
   void changesAreMarkedInTheTitleUntilTheyAreSaved();
   void closingAsksAboutChanges();
   void savingBeforeClosingCanBeCancelled();
@@ -282,6 +283,24 @@ void DocumentsTest::aNameWithoutAnExtensionIsSavedAsPly2() {
   QVERIFY(choose.answered());
   QVERIFY(QFile::exists(program.file("out.ply2")));
   QVERIFY(!QFile::exists(program.file("out")));
+}
+
+void DocumentsTest::saveOffersANameUnderWhichMeshesAreWritten() {
+  Program program;
+  for (const auto& [file, offered] : {std::pair("cloud.one.data", "cloud.one.ply2"),
+                                      {"scan.ply", "scan.ply2"},
+                                      {"model.obj", "model.ply2"},
+                                      {"marked.plyR", "marked.plyR"}}) {
+    program.open(file, "1 0 0 0 0 0 0");
+    QString name;
+    NextDialog look("saveFile", [&](QDialog& dialog) {
+      name = control<QLineEdit>(dialog, "fileNameEdit").text();
+      dialog.reject();
+    });
+    program.step("save").trigger();
+    QVERIFY(look.answered());
+    QCOMPARE(name, offered);
+  }
 }
 
 void DocumentsTest::changesAreMarkedInTheTitleUntilTheyAreSaved() {

@@ -83,6 +83,33 @@ TEST_F(Program, AFileThatCannotBeReadEndsTheChain) {
   EXPECT_FALSE(exists("out.ply2"));
 }
 
+TEST_F(Program, AFileOfWhichNothingCanBeReadEndsTheChainAndStaysAsItIs) {
+  for (const std::string content : {"", "garbage", "ply\nformat ascii 1.0\n"}) {
+    const std::string bad = folder.write("bad.ply2", content);
+    for (const std::string target : {"bad.ply2", "out.ply2"}) {
+      const test::RunResult result = run("open '" + bad + "' save " + in(target));
+      EXPECT_EQ(result.status, 1);
+      EXPECT_THAT(result.errors, StartsWith("gravlin-batch: Nothing was read from " + bad + ": "));
+      EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1);
+    }
+    EXPECT_EQ(test::contentOf(bad), content);
+    EXPECT_FALSE(exists("out.ply2"));
+  }
+}
+
+TEST_F(Program, ADamagedFileIsNotOverwrittenWithThePartThatWasRead) {
+  const std::string damaged = folder.write("damaged.ply2", "3 1 0 0 0 1 0 0 0 1 x 3 0 1 2");
+  const test::RunResult elsewhere = run("open '" + damaged + "' save " + in("out.ply2"));
+  EXPECT_EQ(elsewhere.status, 0);
+  EXPECT_THAT(elsewhere.errors, HasSubstr("vertex 3 of 3 could not be read"));
+  const test::RunResult result =
+      run("open '" + damaged + "' save " + in("damaged.ply2") + " save " + in("later.ply2"));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.errors, HasSubstr("Cannot save " + damaged));
+  EXPECT_EQ(test::contentOf(damaged), "3 1 0 0 0 1 0 0 0 1 x 3 0 1 2");
+  EXPECT_FALSE(exists("later.ply2"));
+}
+
 TEST_F(Program, AFileThatCannotBeWrittenEndsTheChain) {
   for (const std::string step : {"save ", "dump "}) {
     const test::RunResult result =

@@ -179,6 +179,43 @@ TEST_F(FileCommands, AFormatThatHoldsNothingDoesNotCountAsSaved) {
   EXPECT_THAT(outside.messages, IsEmpty());
 }
 
+TEST_F(FileCommands, SavingDoesNotLoseWhatCouldNotBeReadFromTheFile) {
+  std::filesystem::create_symlink(folder.file("broken.ply2"), folder.file("link.ply2"));
+  for (const std::string content : {"ply\nformat binary_little_endian 1.0\n", "no mesh", "-4 1",
+                                    "4 2\n0 0 0\n4 0 0\n4 2 x\n0 2 0\n3 0 1 2\n3 0 2 3\n"}) {
+    open(folder.write("broken.ply2", content));
+    for (const char* name : {"broken.ply2", "link.ply2"}) {
+      outside.forget();
+      EXPECT_FALSE(doc.saveFile(folder.file(name))) << content;
+      ASSERT_EQ(outside.messages.size(), 1U) << content;
+      EXPECT_THAT(outside.messages[0], StartsWith("Cannot save " + folder.file(name) + ": "));
+      EXPECT_EQ(test::contentOf(folder.file("broken.ply2")), content);
+    }
+    EXPECT_TRUE(doc.saveFile(folder.file("copy.ply2"))) << content;
+    EXPECT_FALSE(doc.saveFile(folder.file("broken.ply2"))) << "still only there: " << content;
+  }
+}
+
+TEST_F(FileCommands, SavingDoesNotEmptyTheFileThatTheMeshCameFrom) {
+  for (const char* name : {"cloud.data", "scan.ply", "model.obj", "mesh.PLY2"}) {
+    open(folder.write(name, "3 0\n0 0 0 0 0\n"));
+    outside.forget();
+    EXPECT_FALSE(doc.saveFile(folder.file(name)));
+    ASSERT_EQ(outside.messages.size(), 1U) << name;
+    EXPECT_THAT(outside.messages[0], HasSubstr("no writer")) << name;
+    EXPECT_EQ(test::contentOf(folder.file(name)), "3 0\n0 0 0 0 0\n");
+  }
+}
+
+TEST_F(FileCommands, AnEmptyFileHasNothingToLose) {
+  for (const char* name : {"new.ply2", "new.data", "new.obj"}) {
+    open(folder.write(name, ""));
+    EXPECT_TRUE(doc.saveFile(folder.file(name))) << name;
+  }
+  EXPECT_EQ(test::contentOf(folder.file("new.ply2")), "0\n0\n");
+  EXPECT_THAT(outside.messages, IsEmpty());
+}
+
 TEST_F(FileCommands, ASaveThatFailsShowsOneMessageAndChangesNothing) {
   open(squarePath);
   moveVertexZero(1.0F);
