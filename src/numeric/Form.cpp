@@ -4,6 +4,7 @@
 #include <limits>
 #include <locale>
 #include <sstream>
+#include <type_traits>
 
 namespace gravlin {
 namespace {
@@ -66,6 +67,7 @@ std::string storeNumber(const Field& field, Number& member, std::string_view tex
   const Range range = rangeOf<Number>(field);
   const double wide = static_cast<double>(value);
   if (overflow || wide < range.least || wide > range.largest) {
+    if (std::is_same_v<Number, float> && !field.range) return "Enter any finite number.";
     const RangeTexts ends = rangeTexts(field);
     return "Enter " + std::string(kindOfNumber(Number{})) + " between " + ends.least + " and " +
            ends.largest + ".";

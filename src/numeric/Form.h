@@ -67,11 +67,12 @@ RangeTexts rangeTexts(const Field& field);
 
 /// Parses `text` as the field's control does on OK and stores it. On failure nothing is stored and
 /// the result is the sentence to show: "Enter an integer.", "Enter a number.",
-/// "Enter an integer between A and B." or "Enter a number between A and B.", where a field without
-/// a range has that of its type. On success it is empty. Blanks around the number are ignored;
-/// anything else behind it makes the text no number, and so are "nan" and "inf". A decimal point is
-/// a point in every locale. A check box takes "0" or "1", a radio group the index or the word of a
-/// button; one shown disabled cannot be clicked, but a script may still name it.
+/// "Enter an integer between A and B.", "Enter a number between A and B." or, for a number too
+/// large for a field without a range, "Enter any finite number."; an integer without one has that
+/// of its type. On success it is empty. Blanks around the number are ignored; anything else behind
+/// it makes the text no number, and so are "nan" and "inf". A decimal point is a point in every
+/// locale. A check box takes "0" or "1", a radio group the index or the word of a button; one shown
+/// disabled cannot be clicked, but a script may still name it.
 std::string storeText(const Field& field, std::string_view text);
 
 }  // namespace gravlin
