@@ -25,12 +25,21 @@ class Summary {
   void row(std::string_view name, const Parts&... parts) {
     constexpr std::size_t column = 22;
     text << name << std::string(column - name.size(), ' ');
-    (text << ... << parts) << '\n';
+    (add(parts), ...);
+    text << '\n';
   }
 
   std::string str() const { return text.str(); }
 
  private:
+  template <class Part>
+  void add(const Part& part) {
+    text << part;
+  }
+  void add(double number) {
+    text << number + 0.0;  // so that there is no "-0"
+  }
+
   std::ostringstream text;
 };
 
@@ -38,7 +47,8 @@ struct Point {
   Vec3 at;
 };
 std::ostream& operator<<(std::ostream& text, const Point& point) {
-  return text << '(' << point.at.x << ", " << point.at.y << ", " << point.at.z << ')';
+  const Vec3 p = point.at + Vec3{};  // so that there is no "-0"
+  return text << '(' << p.x << ", " << p.y << ", " << p.z << ')';
 }
 
 void addCounts(Summary& summary, const TriangleMesh& mesh, const MeshTopology& topology) {

@@ -1,5 +1,8 @@
 #include "view/Legend.h"
 
+#include <cmath>
+#include <string>
+
 #include "view/ValueText.h"
 
 namespace gravlin {
@@ -13,6 +16,11 @@ constexpr double lastPlace = 2.1;  // of the scale, on either side of the mean
 
 double valueAt(double place, const Spread& spread) {
   return spread.mean + place / 1.5 * spread.deviation;
+}
+
+/// A field without values, or with one that is not finite, has no scale to name values of.
+std::string labelOf(double value) {
+  return std::isnan(value) ? "-" : shortText(value, 4);
 }
 
 }  // namespace
@@ -31,7 +39,7 @@ LegendLayout legendOf(const FieldColours& colours, const ViewSize& size) {
     const int middle = margin + part * (barHeight - 1) / 2;
     layout.labels.push_back({.x = left - margin / 2,
                              .y = middle - (part == 0 ? 0 : labelHeight * part / 2),
-                             .text = shortText(value, 4),
+                             .text = labelOf(value),
                              .rightAligned = true});
   }
   return layout;

@@ -22,7 +22,8 @@ std::string fixedText(double value) {
 }
 
 std::string shortText(double value, int digits) {
-  return text(value, std::chars_format::general, digits);
+  const double withoutNegativeZero = value + 0.0;
+  return text(withoutNegativeZero, std::chars_format::general, digits);
 }
 
 }  // namespace gravlin

@@ -61,6 +61,20 @@ TEST(Report, HoldsStatisticsOfTheCurvaturesThatArePresent) {
               HasSubstr("edge curvature        from -1 to -1, mean -1, deviation 0\n"));
 }
 
+TEST(Report, HasNoNegativeZerosAndNoNansForAMeshWithoutFaces) {
+  for (const auto& [name, mesh] : test::hostileMeshes()) {
+    if (mesh.countValidFaces() != 0) continue;
+    TriangleMesh measured = mesh;
+    measured.normalize();  // which leaves a negative unit where no box could be found
+    measured.maxCurvature.assign(static_cast<std::size_t>(mesh.vertexCount), 0.0);
+    measured.minCurvature = measured.maxCurvature;
+    const std::string text = summarize(measured);
+    EXPECT_THAT(text, Not(HasSubstr("-0"))) << name;
+    EXPECT_THAT(text, Not(HasSubstr("nan"))) << name;
+    EXPECT_THAT(text, HasSubstr("volume                0\n")) << name;
+  }
+}
+
 TEST(Report, CountsAndMeasuresLines) {
   TriangleMesh mesh = test::grid(3, 3);  // lattice points four to a row
   mesh.extentTolerance = 0.5;

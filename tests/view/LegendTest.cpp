@@ -1,3 +1,4 @@
+#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -44,6 +45,13 @@ TEST(Legend, IsBlackForAFieldOfEqualValues) {
   const LegendLayout layout = legendOf({equal, false}, {300, 300});
   EXPECT_THAT(layout.bar.rows, Each(Eq(Colour{0, 0, 0})));
   EXPECT_THAT(textsOf(layout), ElementsAre("3", "3", "3"));
+}
+
+TEST(Legend, NamesNoValuesWhereThereAreNone) {
+  const std::vector<double> notANumber = {1.0, std::nan("")};
+  for (const std::vector<double>& values : {std::vector<double>(), notANumber}) {
+    EXPECT_THAT(textsOf(legendOf({values, false}, {300, 300})), ElementsAre("-", "-", "-"));
+  }
 }
 
 TEST(Legend, StandsInTheUpperRightCorner) {

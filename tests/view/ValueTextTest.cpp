@@ -21,6 +21,7 @@ TEST(ValueText, ShortTextHasSixSignificantDigitsOrAsManyAsAsked) {
   EXPECT_EQ(shortText(-1234567.0), "-1.23457e+06");
   EXPECT_EQ(shortText(4.0), "4");
   EXPECT_EQ(shortText(0.123456, 4), "0.1235");
+  EXPECT_EQ(shortText(-0.0), "0");
 }
 
 TEST(ValueText, NamesWhatIsNotFiniteWithoutASignOfNan) {
