@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "batch/Session.h"
+#include "mesh/MeshFile.h"
 #include "view/HistogramDrawing.h"
 
 namespace gravlin {
@@ -52,6 +53,14 @@ void checkSize(const std::string& text) {
   if (parseSize(text)) return;
   throw UsageError("--size: Enter a size such as 800x600, of at most " +
                    std::to_string(longestSide) + " pixels each way.");
+}
+
+/// A picture is a PNG file, and no other program shall be told that it is something else.
+void checkPictureFile(const StepCall& call) {
+  std::string extension = extensionOf(call.operands[0]);
+  for (char& c : extension) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  if (extension.empty() || extension == "png") return;
+  throw UsageError(call.operands[0] + ": Pictures are written as .png files.");
 }
 
 void runRender(Session& session, const StepCall& call) {
@@ -159,23 +168,30 @@ Step renderStep() {
                 session.render = {};
                 return session.render.form();
               },
-          .check = [](Session& session, const StepCall&) { checkSize(session.render.size); },
+          .check =
+              [](Session& session, const StepCall& call) {
+                checkSize(session.render.size);
+                checkPictureFile(call);
+              },
           .run = runRender};
 }
 
 Step renderHistogramStep() {
-  return {
-      .name = "render-histogram",
-      .menu = "Chain",
-      .summary = "draw what the histogram window shows into a PNG file",
-      .operands = {"FILE"},
-      .form =
-          [](Session& session) {
-            session.renderHistogram = {};
-            return session.renderHistogram.form();
-          },
-      .check = [](Session& session, const StepCall&) { checkSize(session.renderHistogram.size); },
-      .run = runRenderHistogram};
+  return {.name = "render-histogram",
+          .menu = "Chain",
+          .summary = "draw what the histogram window shows into a PNG file",
+          .operands = {"FILE"},
+          .form =
+              [](Session& session) {
+                session.renderHistogram = {};
+                return session.renderHistogram.form();
+              },
+          .check =
+              [](Session& session, const StepCall& call) {
+                checkSize(session.renderHistogram.size);
+                checkPictureFile(call);
+              },
+          .run = runRenderHistogram};
 }
 
 std::optional<ViewSize> parseSize(std::string_view text) {

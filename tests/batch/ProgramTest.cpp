@@ -259,6 +259,24 @@ TEST_F(Program, TellsWhatIsWrongWithAPicture) {
   }
 }
 
+TEST_F(Program, WritesNoPictureUnderTheNameOfAnotherFormat) {
+  for (const std::string step : {"render ", "render-histogram "}) {
+    for (const std::string name : {"a.jpg", "a.png.svg", "a.ply2"}) {
+      const test::RunResult result =
+          run("open " + mesh + " save " + in("b.ply2") + " " + step + in(name));
+      EXPECT_EQ(result.status, 2) << step << name;
+      EXPECT_THAT(result.errors, HasSubstr(".png")) << step << name;
+      EXPECT_FALSE(exists(name)) << step << name;
+      EXPECT_FALSE(exists("b.ply2")) << step << name;
+    }
+    for (const std::string name : {"A.PNG", "picture"}) {
+      EXPECT_EQ(run("open " + mesh + " " + step + in(name) + " --size 8x8").status, 0)
+          << step << name;
+      EXPECT_EQ(readPng(folder.file(name)).width, 8) << step << name;
+    }
+  }
+}
+
 TEST_F(Program, HelpGoesToStandardOutputAndSucceeds) {
   const test::RunResult all = run("--help");
   EXPECT_EQ(all.status, 0);

@@ -50,7 +50,7 @@ class ChainMaker {
   std::string operandOf(const Step& step, const std::string& operand) {
     if (operand != "FILE") return std::to_string(below(900) - 50);
     if (step.name == "open") return anyOf(meshes);
-    if (step.name == "render") return folder.file("last.png");
+    if (step.name.starts_with("render")) return folder.file("last.png");
     return folder.file(anyOf(
         std::vector<std::string>{"a.ply2", "b.plyR", "c.obj", "d", "lines.vtk", "lines.svg"}));
   }
