@@ -86,7 +86,8 @@ GuideWindow::GuideWindow(const QString& pagesFolder)
   contents->setCurrentRow(0);
   const int letter = fontMetrics().averageCharWidth();
   resize(130 * letter, 45 * fontMetrics().lineSpacing());
-  splitter->setSizes({30 * letter, 100 * letter});
+  const int widestTitle = contents->sizeHintForColumn(0) + 2 * contents->frameWidth() + 2 * letter;
+  splitter->setSizes({widestTitle, width() - widestTitle});
 }
 
 void GuideWindow::listPages() {

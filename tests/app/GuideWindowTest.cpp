@@ -45,6 +45,8 @@ void GuideWindowTest::everyPageIsListedByItsTitleTheIndexFirst() {
   QVERIFY(contents.item(0)->data(Qt::UserRole).toUrl().path().endsWith("index.md"));
   QCOMPARE(contents.currentRow(), 0);
   for (int i = 0; i < contents.count(); ++i) QVERIFY(!contents.item(i)->text().isEmpty());
+  QVERIFY(test::showActive(guide));
+  QVERIFY(contents.viewport()->width() >= contents.sizeHintForColumn(0));
 }
 
 void GuideWindowTest::choosingATitleShowsItsPage() {
