@@ -64,7 +64,8 @@ QMenu& CommandMenus::submenu(std::string_view path) {
 void CommandMenus::update(const CGravlinDoc* document) {
   for (const Command& command : commandTable()) {
     QAction& item = action(command.id);
-    item.setEnabled(document != nullptr && command.handler != nullptr);
+    const bool usable = document != nullptr && command.handler != nullptr;
+    item.setEnabled(usable && (command.hasWork == nullptr || command.hasWork(*document)));
     if (command.ticked != nullptr) {
       item.setChecked(document != nullptr && document->*command.ticked);
     }

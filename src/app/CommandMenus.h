@@ -24,8 +24,8 @@ class CommandMenus {
   QAction& action(int id) { return *actions.at(id); }
   /// The same by the command's step in scripts.
   QAction& action(std::string_view step) { return action(findStep(step)->id); }
-  /// Enables every item that has a handler if there is a document to command, and ticks what is
-  /// ticked in it.
+  /// Enables every item that has a handler and work if there is a document to command, and ticks
+  /// what is ticked in it.
   void update(const CGravlinDoc* document);
 
  private:

@@ -13,6 +13,10 @@ Form formOf(Doc& doc) {
   return (doc.*parameters).form();
 }
 
+bool canUndo(const Doc& doc) {
+  return doc.undoMesh != nullptr;
+}
+
 // The texts are the program's vocabulary, odd spellings included: users, scripts and manuals know
 // the items by them. A row without a handler is a command that does not exist yet.
 constexpr Command commands[] = {
@@ -22,7 +26,8 @@ constexpr Command commands[] = {
     {"File", "Export Lines...", 32820, &Doc::OnExportLines, "export-lines", nullptr,
      FileDialog::Export},
 
-    {"Edit", "Undo (1 history only)", 57643, &Doc::OnEditUndo, "undo"},
+    {"Edit", "Undo (1 history only)", 57643, &Doc::OnEditUndo, "undo", nullptr, std::nullopt,
+     nullptr, canUndo},
     {"Edit/Smoothing", "Shape", 32772, &Doc::OnSmoothingShape, "smooth-shape",
      formOf<&Doc::smoothingParameters>},
     {"Edit/Smoothing", "Shape(Adaptive)", 32773, &Doc::OnSmoothingShapeAdaptive, "smooth-adaptive",

@@ -18,6 +18,7 @@ struct Command {
   Form (*form)(CGravlinDoc&) = nullptr;      ///< the dialog that the handler shows first, if any
   std::optional<FileDialog> file = {};       ///< the file dialog that the handler shows, if any
   bool CGravlinDoc::*ticked = nullptr;       ///< what a tick beside the item shows, if it has one
+  bool (*hasWork)(const CGravlinDoc&) = nullptr;  ///< disabled while this is false; null: never
 };
 
 /// Every menu item of a document, in menu order: the menus File, Edit, Visualization, Option and

@@ -242,9 +242,11 @@ void DocumentsTest::undoBelongsToItsDocument() {
   change(program);
   QVERIFY(program.document().currentMesh->vertices != before);
   program.action("fileNew").trigger();
+  QVERIFY(!program.step("undo").isEnabled());
   program.step("undo").trigger();
   program.action("fileClose").trigger();
   QTRY_COMPARE(program.opened().title(), "t.ply2");
+  QVERIFY(program.step("undo").isEnabled());
   QVERIFY(program.document().currentMesh->vertices != before);
   QTest::keyClick(program.frame().windowHandle(), Qt::Key_Z, Qt::ControlModifier);
   QVERIFY(program.document().currentMesh->vertices == before);
@@ -253,11 +255,15 @@ void DocumentsTest::undoBelongsToItsDocument() {
 void DocumentsTest::undoTwiceTheSecondDoesNothing() {
   Program program;
   program.open("t.ply2", tetrahedronText);
+  QVERIFY(!program.step("undo").isEnabled());
   change(program);
+  QVERIFY(program.step("undo").isEnabled());
   program.step("undo").trigger();
+  QVERIFY(!program.step("undo").isEnabled());
   const auto revision = program.document().revision;
   const auto vertices = program.document().currentMesh->vertices;
   program.step("undo").trigger();
+  program.opened().run(&CGravlinDoc::OnEditUndo);
   QCOMPARE(program.document().revision, revision);
   QVERIFY(program.document().currentMesh->vertices == vertices);
 }
