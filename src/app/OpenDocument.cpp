@@ -19,7 +19,8 @@ std::string complaintOf(CGravlinDoc& document, const std::function<void(CGravlin
     command(document);
     return {};
   } catch (const std::bad_alloc&) {
-    return "There is not enough memory for this command, so it has ended early.";
+    return "There is not enough memory to finish this command. What it has done so far stands, and "
+           "the mesh can be saved.";
   } catch (const std::exception& error) {
     return std::string("The command has ended early: ") + error.what();
   }

@@ -88,6 +88,7 @@ void CGravlinDoc::replaceMesh(std::unique_ptr<TriangleMesh> mesh) {
   decimator.attach(currentMesh.get());
   ridgeDetector.attach(currentMesh.get());
   ridgeLineSmoother.attach(currentMesh.get());
+  outside.markHistogramOutdated();
   dropLines();
 }
 
@@ -130,6 +131,8 @@ void CGravlinDoc::OnEnhancement() {
 
 void CGravlinDoc::geometryChanged() {
   needsRecompute = true;
+  outside.markHistogramOutdated();
+  if (std::exchange(tellsOfFace, false)) outside.showStatus("");
   if (!allFinite(currentMesh->vertices)) {
     outside.showStatus(
         "Some positions are no longer finite numbers; Edit > Undo brings back the shape before.");
@@ -145,15 +148,18 @@ void CGravlinDoc::recompute() {
 }
 
 void CGravlinDoc::redraw() {
-  if (std::exchange(needsRecompute, false) && currentMesh) recompute();
-  ++revision;
+  ++revision;  // whatever comes of the rest
+  if (needsRecompute && currentMesh) recompute();
+  needsRecompute = false;  // not before: without memory for it now, the next redraw tries again
   outside.redraw();
 }
 
 void CGravlinDoc::pickFace(int face) {
   TriangleMesh& mesh = *currentMesh;
+  if (mesh.faceNormals.size() != mesh.faces.size()) mesh.computeFaceNormals();
   mesh.pickedFace = face;
   outside.showStatus(describeFace(mesh, face));
+  tellsOfFace = true;
   show(PickedFace);
 }
 

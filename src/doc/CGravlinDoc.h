@@ -160,8 +160,9 @@ class CGravlinDoc {
   /// The same with a copy that was made before the geometry changed, for commands that may fail on
   /// the way and must not lose the undo copy then.
   void keepUndoCopy(std::unique_ptr<TriangleMesh> copy);
-  /// Called after vertices moved or faces changed: marks derived data as stale and tells in the
-  /// status bar when positions are not finite. A mesh must exist.
+  /// Called after vertices moved or faces changed: marks derived data and the histogram as stale,
+  /// takes the sentence about a picked face out of the status bar, and tells there when positions
+  /// are not finite. A mesh must exist.
   void geometryChanged();
   /// Gives the histogram window a copy of the scalar that is shown.
   void fillHistogram();
@@ -191,6 +192,7 @@ class CGravlinDoc {
   void showError(DisplayMode mode);
 
   Outside& outside;
+  bool tellsOfFace = false;    ///< the status bar has the sentence about a picked face
   bool undoIsModified = true;  ///< what `modified` becomes when the undo copy comes back
 };
 

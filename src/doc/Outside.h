@@ -59,6 +59,8 @@ class Outside {
   virtual void showHistogram(std::string_view field) = 0;
   /// Gives the histogram window, shown or not, a copy of the values.
   virtual void setHistogramValues(const std::vector<double>& values) = 0;
+  /// The shape that the histogram's values were found on is no longer there. The window keeps them.
+  virtual void markHistogramOutdated() = 0;
 
   virtual void setLightingMode(LightingMode mode) = 0;
   virtual void setLineWidthAndPointSize(float width, float size) = 0;

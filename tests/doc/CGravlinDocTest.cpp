@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <new>
 
 #include "doc/CGravlinDoc.h"
 #include "support/Meshes.h"
@@ -12,6 +13,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 class Document : public ::testing::Test {
  protected:
@@ -245,6 +247,95 @@ TEST_F(Document, PickingAgainReplacesTheMark) {
   doc.pickFace(0);
   doc.pickFace(1);
   EXPECT_EQ(doc.currentMesh->pickedFace, 1);
+}
+
+TEST_F(Document, TheSentenceAboutAFaceGoesWhenTheShapeChanges) {
+  load(test::cube());
+  doc.pickFace(0);
+  moveVertexZero(0.5F);
+  EXPECT_THAT(outside.statuses, ElementsAre(HasSubstr("Face 0"), ""));
+  moveVertexZero(0.25F);
+  EXPECT_THAT(outside.statuses, SizeIs(2));
+}
+
+// --- The histogram window ---
+
+TEST_F(Document, TheHistogramIsOutdatedFromAChangeOfShapeUntilItGetsValues) {
+  load(test::bumpyGrid(6, 6));
+  doc.OnCurvatureMax();
+  EXPECT_FALSE(outside.histogramOutdated);
+  const std::vector<double> values = outside.histogramValues;
+  doc.OnFlatShading();
+  EXPECT_FALSE(outside.histogramOutdated);
+  moveVertexZero(0.5F);
+  EXPECT_TRUE(outside.histogramOutdated);
+  EXPECT_EQ(outside.histogramValues, values) << "deliberate: the window keeps what it has";
+  doc.OnCurvatureMean();
+  EXPECT_FALSE(outside.histogramOutdated);
+  moveVertexZero(0.25F);
+  EXPECT_FALSE(outside.histogramOutdated) << "a field on show comes anew";
+  doc.OnFlatShading();
+  doc.OnEditUndo();
+  EXPECT_TRUE(outside.histogramOutdated);
+}
+
+// --- Without memory for a redraw ---
+
+TEST_F(Document, ARedrawThatFailsBehindACommandLosesNothing) {
+  for (const auto& [name, command] :
+       {std::pair<const char*, void (CGravlinDoc::*)()>{"noise", &CGravlinDoc::OnSmoothingNoise},
+        {"smoothing", &CGravlinDoc::OnSmoothingShape},
+        {"adaptive", &CGravlinDoc::OnSmoothingShapeAdaptive},
+        {"subdivision", &CGravlinDoc::OnSubdivision},
+        {"simplification", &CGravlinDoc::OnSimplification}}) {
+    SCOPED_TRACE(name);
+    load(test::bumpyGrid(6, 6));
+    doc.modified = false;
+    doc.undoMesh = nullptr;
+    const std::vector<float> before = doc.currentMesh->vertices;
+    outside.dialogAnswers = {test::ok()};
+    outside.whenRedrawn = [] { throw std::bad_alloc(); };
+    try {
+      (doc.*command)();
+    } catch (const std::bad_alloc&) {
+      // Some commands tell about it themselves and go on to the next redraw.
+    }
+    outside.whenRedrawn = nullptr;
+    EXPECT_TRUE(doc.modified);
+    EXPECT_NE(doc.currentMesh->vertices, before);
+    doc.redraw();
+    EXPECT_FALSE(doc.needsRecompute);
+    EXPECT_EQ(doc.currentMesh->faceNormals.size(), doc.currentMesh->faces.size());
+    doc.OnEditUndo();
+    EXPECT_EQ(doc.currentMesh->vertices, before);
+    EXPECT_FALSE(doc.modified);
+  }
+}
+
+TEST(DocumentWithoutMemory, FindsDerivedDataAtTheNextRedrawAndHasViewsDrawAnew) {
+  struct FullOutside : test::ScriptedOutside {
+    bool full = false;
+    void setHistogramValues(const std::vector<double>& values) override {
+      if (full) throw std::bad_alloc();
+      ScriptedOutside::setHistogramValues(values);
+    }
+  };
+  FullOutside outside;
+  CGravlinDoc doc(outside);
+  doc.currentMesh = std::make_unique<TriangleMesh>(test::bumpyGrid(6, 6));
+  doc.OnCurvatureMax();
+  const std::vector<double> before = outside.histogramValues;
+  doc.currentMesh->vertices[0] += 1.0F;
+  doc.geometryChanged();
+  outside.full = true;
+  const auto revision = doc.revision;
+  EXPECT_THROW(doc.redraw(), std::bad_alloc);
+  EXPECT_TRUE(doc.needsRecompute);
+  EXPECT_GT(doc.revision, revision);
+  outside.full = false;
+  doc.redraw();
+  EXPECT_FALSE(doc.needsRecompute);
+  EXPECT_NE(outside.histogramValues, before);
 }
 
 TEST_F(Document, PickingIsSafeOnHostileMeshes) {

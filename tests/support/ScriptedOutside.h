@@ -40,6 +40,7 @@ class ScriptedOutside : public Outside {
   std::vector<std::string> messages;
   std::vector<std::string> statuses;
   std::vector<double> histogramValues;  ///< as last given
+  bool histogramOutdated = false;       ///< since then
 
   /// How many recorded calls equal `call`.
   int count(const std::string& call) const;
@@ -58,6 +59,7 @@ class ScriptedOutside : public Outside {
   void redraw() override;
   void showHistogram(std::string_view field) override;
   void setHistogramValues(const std::vector<double>& values) override;
+  void markHistogramOutdated() override { histogramOutdated = true; }
   void setLightingMode(LightingMode mode) override;
   void setLineWidthAndPointSize(float width, float size) override;
   ViewAngles viewAngles() const override { return angles; }

@@ -21,6 +21,7 @@ QColor penColour(const Colour& colour) {
 
 GraphWindow::GraphWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
   setObjectName("GraphWindow");
+  setAttribute(Qt::WA_ShowWithoutActivating);  // the keys still belong to the mesh
   // Dark text on white in every colour scheme: the ramp of the scale goes through black and white.
   setPalette(QPalette(Qt::white));
   setBackgroundRole(QPalette::Base);
@@ -29,8 +30,15 @@ GraphWindow::GraphWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
   updateTitle();
 }
 
+void GraphWindow::markOutdated() {
+  isOutdated = true;
+  updateTitle();
+}
+
 void GraphWindow::setValues(std::span<const double> values) {
   shown.setValues(values);
+  isOutdated = false;
+  updateTitle();
   repaint();
 }
 
@@ -45,7 +53,7 @@ void GraphWindow::setDocumentTitle(const QString& name) {
 }
 
 void GraphWindow::updateTitle() {
-  setWindowTitle(field + " - " + documentTitle);
+  setWindowTitle(field + (isOutdated ? " of an earlier shape - " : " - ") + documentTitle);
 }
 
 QSize GraphWindow::sizeHint() const {

@@ -16,6 +16,9 @@ class GraphWindow : public QWidget {
  public:
   explicit GraphWindow(QWidget* parent = nullptr);
 
+  /// The title tells from now on that the values are those of an earlier shape, until new ones
+  /// come.
+  void markOutdated();
   /// Bins and draws new values before it returns.
   void setValues(std::span<const double> values);
   /// The two halves of the title, "Maximum curvature" and "bunny.ply2".
@@ -34,6 +37,7 @@ class GraphWindow : public QWidget {
   void updateTitle();
 
   Histogram shown;
+  bool isOutdated = false;
   QString field;
   QString documentTitle;
 };

@@ -52,6 +52,10 @@ void GraphWindowTest::theTitleNamesTheFieldAndTheDocument() {
   window.setField("Maximum curvature");
   window.setDocumentTitle("bunny.ply2");
   QCOMPARE(window.windowTitle(), "Maximum curvature - bunny.ply2");
+  window.markOutdated();
+  QCOMPARE(window.windowTitle(), "Maximum curvature of an earlier shape - bunny.ply2");
+  window.setValues(someValues());
+  QCOMPARE(window.windowTitle(), "Maximum curvature - bunny.ply2");
 }
 
 void GraphWindowTest::barsHaveThePlacesLengthsAndColoursOfTheDrawing() {
