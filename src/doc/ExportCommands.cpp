@@ -10,7 +10,7 @@
 namespace gravlin {
 
 void CGravlinDoc::OnExportLines() {
-  if (!currentMesh) return;
+  if (!currentMesh) return outside.showMessage("There is no mesh whose lines could be exported.");
   const std::optional<std::string> filePath = outside.chooseFile(FileDialog::Export);
   if (filePath) exportLines(*filePath);
 }

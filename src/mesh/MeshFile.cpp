@@ -134,7 +134,10 @@ SaveResult saveMeshFile(const std::string& path, TriangleMesh& mesh) {
   SaveResult result;
   result.path = pathToSave(path);
   std::string oddities;
-  const std::string reason = reasonOfFailure([&] { oddities = save(result.path, mesh); });
+  const std::string reason = reasonOfFailure([&] {
+    if (path.empty() || path.ends_with('/')) throw std::runtime_error("a file name is missing");
+    oddities = save(result.path, mesh);
+  });
   result.error = sentence("Cannot save ", result.path, reason);
   result.notice = sentence("Saved ", result.path, oddities);
   return result;

@@ -292,14 +292,16 @@ TEST(ExportLinesCommand, AnotherExtensionOrAFolderThatIsNotThereGetsAMessage) {
   EXPECT_EQ(desk.outside.messages.size(), 2U);
 }
 
-TEST(ExportLinesCommand, CancelAndNoMeshWriteNothing) {
+TEST(ExportLinesCommand, CancelWritesNothingAndSoDoesNoMeshWithAMessage) {
   Desk desk(cube());
   desk.outside.fileAnswers.push_back(std::nullopt);
   desk.doc.OnExportLines();
   EXPECT_THAT(desk.outside.statuses, IsEmpty());
+  EXPECT_THAT(desk.outside.messages, IsEmpty());
   desk.doc.currentMesh.reset();
   desk.doc.OnExportLines();
   EXPECT_EQ(desk.outside.count("save file"), 1);
+  EXPECT_EQ(desk.outside.messages.size(), 1U);
 }
 
 TEST(SilhouetteCommand, PreparesStrokesCoherentFacesAndStrongLines) {

@@ -424,6 +424,15 @@ TEST(MeshFile, ANameWithoutExtensionGetsOne) {
   EXPECT_EQ(folder.entryCount(), 2);
 }
 
+TEST(MeshFile, WithoutANameNothingIsSaved) {
+  const TemporaryFolder folder;
+  TriangleMesh mesh = test::tetrahedron();
+  for (const std::string& path : {std::string(), folder.file("") + "/"}) {
+    EXPECT_THAT(saveMeshFile(path, mesh).error, EndsWith(": a file name is missing.")) << path;
+  }
+  EXPECT_EQ(folder.entryCount(), 0);
+}
+
 TEST(MeshFile, AnExtensionWithoutWriterLeavesAnEmptyFile) {
   const TemporaryFolder folder;
   TriangleMesh mesh = test::tetrahedron();
