@@ -43,11 +43,14 @@ class WordReader {
 
   /// Takes what is for this reader from the front of the words.
   void read(Words& words) {
+    const Words all = words;
     std::reverse(words.begin(), words.end());
     try {
       app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
       throw UsageError(beginning + error.what());
+    } catch (const std::logic_error&) {  // --switch=word, where the parser expects a number
+      throw UsageError(beginning + firstSwitchWithValue(all) + ": a switch takes no value");
     }
     words = app.remaining();
     if (!words.empty() && words.front() == "--") words.erase(words.begin());
@@ -57,13 +60,29 @@ class WordReader {
   }
 
  private:
+  std::string firstSwitchWithValue(const Words& words) const {
+    for (const std::string& word : words) {
+      const CLI::Option* option = app.get_option_no_throw(word.substr(0, word.find('=')));
+      if (option != nullptr && option->get_expected_max() == 0) return word;
+    }
+    return {};
+  }
+
   std::string beginning;
 };
+
+/// The step of this name, or null.
+const Step* stepCalled(const std::string& name) {
+  const auto steps = allSteps();
+  const auto step =
+      std::find_if(steps.begin(), steps.end(), [&](const Step& each) { return each.name == name; });
+  return step == steps.end() ? nullptr : &*step;
+}
 
 /// Reads the operands and options of one step.
 class StepReader {
  public:
-  StepReader(const Step& step, Session& trial) : reader(step.name + ": ") {
+  StepReader(const Step& step, Session& trial) : name(step.name), reader(step.name + ": ") {
     reader.addRequest("--help,-h", HelpRequest{&step});
     for (const std::string& operand : step.operands) {
       const auto note = [this](const std::string& text) { call.operands.push_back(text); };
@@ -77,17 +96,31 @@ class StepReader {
 
   StepCall read(Words& words) {
     call = {};
+    const Words all = words;
     reader.read(words);
+    const std::size_t taken = all.size() - words.size();
+    if (!words.empty() && taken > 0) refuseValue(all[taken - 1], words.front());
     return std::move(call);
   }
 
  private:
+  /// A word behind a switch that is no step was meant as its value.
+  void refuseValue(const std::string& option, const std::string& word) const {
+    const auto named = std::find_if(switches.begin(), switches.end(), [&](const auto& each) {
+      return option == "--" + each || option == "--no-" + each;
+    });
+    if (named == switches.end() || stepCalled(word) != nullptr) return;
+    throw UsageError(name + ": " + option + " takes no value such as " + word + "; choose --" +
+                     *named + " or --no-" + *named);
+  }
+
   void addOption(const Field& field) {
     const std::string option = kebabCase(field.name);
     const auto note = [this, member = std::string(field.name)](const std::string& text) {
       call.settings.push_back({member, text});
     };
     if (std::holds_alternative<bool*>(field.value)) {
+      switches.push_back(option);
       reader.app.add_flag_function("--" + option + ",!--no-" + option,
                                    [note](std::int64_t count) { note(count > 0 ? "1" : "0"); });
     } else {
@@ -96,8 +129,10 @@ class StepReader {
     }
   }
 
+  std::string name;
   WordReader reader;
   StepCall call;
+  Words switches;  ///< without "--" and "--no-"
 };
 
 /// Reads chains of steps. What a step takes is looked up when it is first named.
@@ -132,10 +167,8 @@ class ChainReader {
  private:
   static const Step& takeStep(Words& words) {
     const std::string word = words.front();
-    const auto steps = allSteps();
-    const auto step = std::find_if(steps.begin(), steps.end(),
-                                   [&](const Step& each) { return each.name == word; });
-    if (step == steps.end()) {
+    const Step* step = stepCalled(word);
+    if (step == nullptr) {
       throw UsageError((word.starts_with('-') ? "unknown option " : "unknown step ") + word);
     }
     words.erase(words.begin());

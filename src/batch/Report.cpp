@@ -146,16 +146,16 @@ void addLines(Summary& summary, const TriangleMesh& mesh, std::string_view name,
 
 }  // namespace
 
-std::string summarize(const TriangleMesh& mesh) {
+std::string summarize(const TriangleMesh& mesh, LineOrigin origin) {
   Summary summary;
   const MeshTopology topology = measureTopology(mesh);
   addCounts(summary, mesh, topology);
   addMeasures(summary, mesh, topology);
   addBox(summary, mesh);
   addCurvatures(summary, mesh);
-  // Creases by angle are kept in the same two fields: convex ones as ridges, concave as valleys.
-  addLines(summary, mesh, "ridge lines", mesh.ridgeLinks);
-  addLines(summary, mesh, "valley lines", mesh.valleyLinks);
+  const bool creases = origin == LineOrigin::Creases;
+  addLines(summary, mesh, creases ? "convex creases" : "ridge lines", mesh.ridgeLinks);
+  addLines(summary, mesh, creases ? "concave creases" : "valley lines", mesh.valleyLinks);
   return summary.str();
 }
 
@@ -164,8 +164,10 @@ Step reportStep() {
           .menu = "Chain",
           .summary = "print a readable summary of the mesh",
           .run = [](Session& session, const StepCall&) {
-            const TriangleMesh* mesh = session.document.currentMesh.get();
-            const std::string text = mesh == nullptr ? "no mesh\n" : summarize(*mesh);
+            const CGravlinDoc& document = session.document;
+            const TriangleMesh* mesh = document.currentMesh.get();
+            const std::string text =
+                mesh == nullptr ? "no mesh\n" : summarize(*mesh, document.lineOrigin());
             std::fputs(text.c_str(), session.streams.output);
           }};
 }

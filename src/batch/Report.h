@@ -3,6 +3,7 @@
 #include <string>
 
 #include "batch/Step.h"
+#include "features/LineExport.h"
 #include "mesh/TriangleMesh.h"
 
 namespace gravlin {
@@ -11,7 +12,8 @@ namespace gravlin {
 Step reportStep();
 
 /// The summary: counts, kinds, topology, area, volume, box, curvatures and lines, as far as they
-/// are there. Lengths are in the units of the file that the mesh came from. Requires topology.
-std::string summarize(const TriangleMesh& mesh);
+/// are there. `origin` tells ridges and valleys from creases. Lengths are in the units of the file
+/// that the mesh came from. Requires topology.
+std::string summarize(const TriangleMesh& mesh, LineOrigin origin);
 
 }  // namespace gravlin

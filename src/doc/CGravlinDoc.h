@@ -79,6 +79,9 @@ class CGravlinDoc {
   /// What the links of the mesh stand for and whether a redraw may find them again.
   enum class LinesFrom { Nothing, LocalMax, FaceAngle, SmoothedFaceAngle };
   LinesFrom linesFrom = LinesFrom::Nothing;
+  LineOrigin lineOrigin() const {
+    return linesFrom == LinesFrom::LocalMax ? LineOrigin::RidgesAndValleys : LineOrigin::Creases;
+  }
   SilhouetteLines silhouetteLines;  ///< of the last pen drawing
 
   std::vector<double> vertexErrors;  ///< [V] distance to the undo copy, see ShapeError.h
@@ -144,8 +147,9 @@ class CGravlinDoc {
   /// stands, a message is shown, and the result is false. So it is with the file that the mesh came
   /// from when writing would lose what this file alone holds.
   bool saveFile(const std::string& filePath);
-  /// Writes the feature lines of the current mesh, which must exist, as .obj, .vtk or .svg. On
-  /// failure the old file stands, a message is shown, and the result is false.
+  /// Writes the feature lines of the current mesh, which must exist, as .obj, .vtk or .svg. When
+  /// none were looked for, and on failure, the old file stands, a message is shown, and the result
+  /// is false. When none were found the file has none.
   bool exportLines(const std::string& filePath);
   /// Finds the creases anew with the values of the "Angle" dialog. A mesh must exist.
   void detectCreases();

@@ -17,9 +17,13 @@ void CGravlinDoc::OnExportLines() {
 
 bool CGravlinDoc::exportLines(const std::string& filePath) {
   const TriangleMesh& mesh = *currentMesh;
-  const LineOrigin origin =
-      linesFrom == LinesFrom::LocalMax ? LineOrigin::RidgesAndValleys : LineOrigin::Creases;
-  const std::vector<ExportedLine> lines = linesToExport(mesh, origin);
+  if (linesFrom == LinesFrom::Nothing && mesh.ridgeLinks.empty() && mesh.valleyLinks.empty()) {
+    outside.showMessage(
+        "There are no lines to export yet. Edit > Edge Detection finds some: Face Angle, or Local "
+        "Max with \"Edge\".");
+    return false;
+  }
+  const std::vector<ExportedLine> lines = linesToExport(mesh, lineOrigin());
   const std::string extension = extensionOf(filePath);
   std::string text;
   if (extension == "obj") {
@@ -40,6 +44,10 @@ bool CGravlinDoc::exportLines(const std::string& filePath) {
     outside.showMessage("The lines could not be written to " + filePath + ": " + file.error() +
                         ".");
     return false;
+  }
+  if (lines.empty()) {
+    outside.showStatus("No lines were found on this mesh; " + filePath + " holds none.");
+    return true;
   }
   const std::string count = std::to_string(lines.size()) + (lines.size() == 1 ? " line" : " lines");
   outside.showStatus(count + " written to " + filePath + ".");

@@ -106,6 +106,22 @@ TEST(CommandLine, NamesWhatItDoesNotUnderstand) {
   EXPECT_THAT(refusalOf({"--script"}), HasSubstr("--script"));
 }
 
+TEST(CommandLine, ASwitchIsToldThatItTakesNoValue) {
+  EXPECT_EQ(
+      refusalOf({"face-angle", "--pre-smoothing", "adaptive"}),
+      "face-angle: --pre-smoothing takes no value such as adaptive; choose --pre-smoothing or "
+      "--no-pre-smoothing");
+  EXPECT_THAT(refusalOf({"preset", "face-angle", "--no-pre-smoothing", "1"}),
+              StartsWith("face-angle: --no-pre-smoothing takes no value such as 1"));
+  EXPECT_EQ(refusalOf({"face-angle", "--angle", "9", "--pre-smoothing=adaptive", "points"}),
+            "face-angle: --pre-smoothing=adaptive: a switch takes no value");
+  EXPECT_EQ(refusalOf({"smooth-shape", "--no-animate=99999999999999999999"}),
+            "smooth-shape: --no-animate=99999999999999999999: a switch takes no value");
+  EXPECT_THAT(callsOf({"face-angle", "--pre-smoothing", "points"}),
+              ElementsAre(StartsWith("face-angle"), "points"));
+  EXPECT_EQ(refusalOf({"face-angle", "--angle", "9", "frobnicate"}), "unknown step frobnicate");
+}
+
 TEST(CommandLine, AnswersHelpAndVersionInsteadOfCalls) {
   for (const std::vector<std::string>& words : {std::vector<std::string>{"--help"},
                                                 {"-h"},

@@ -10,12 +10,16 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::Not;
 
+std::string summary(const TriangleMesh& mesh) {
+  return summarize(mesh, LineOrigin::RidgesAndValleys);
+}
+
 TEST(Report, SumsUpACubeInTheUnitsOfItsFile) {
   TriangleMesh cube = test::cube();  // side 2 in memory
   cube.extentTolerance = 0.5;        // side 1 in the file, about (5, 6, 7)
   cube.boxMin = {4.5F, 5.5F, 6.5F};
   cube.boxMax = {5.5F, 6.5F, 7.5F};
-  EXPECT_EQ(summarize(cube),
+  EXPECT_EQ(summary(cube),
             "vertices              8 used: 8 interior, 0 boundary, 0 non-manifold; 0 unused\n"
             "faces                 12 valid; 0 invalid\n"
             "edges                 18: 0 boundary, 0 with more than two faces\n"
@@ -28,28 +32,28 @@ TEST(Report, SumsUpACubeInTheUnitsOfItsFile) {
 }
 
 TEST(Report, CountsKindsUnusedVerticesAndInvalidFaces) {
-  EXPECT_THAT(summarize(test::bowTie()),
+  EXPECT_THAT(summary(test::bowTie()),
               HasSubstr("5 used: 0 interior, 4 boundary, 1 non-manifold; 0 unused"));
   const TriangleMesh mesh =
       test::makeMesh({{9, 9, 9}, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{1, 2, 3}, {1, 1, 2}});
-  const std::string text = summarize(mesh);
+  const std::string text = summary(mesh);
   EXPECT_THAT(text, HasSubstr("3 used: 0 interior, 3 boundary, 0 non-manifold; 1 unused"));
   EXPECT_THAT(text, HasSubstr("1 valid; 1 invalid"));
   EXPECT_THAT(text, HasSubstr("box                   (0, 0, 0) to (1, 1, 0)"));
 }
 
 TEST(Report, TellsThatTheVolumeOfAnOpenSurfaceIsTakenAsItStands) {
-  EXPECT_THAT(summarize(test::grid(3, 2)), HasSubstr("(the surface is open)"));
-  EXPECT_THAT(summarize(test::icosphere(1)), Not(HasSubstr("open")));
+  EXPECT_THAT(summary(test::grid(3, 2)), HasSubstr("(the surface is open)"));
+  EXPECT_THAT(summary(test::icosphere(1)), Not(HasSubstr("open")));
 }
 
 TEST(Report, HoldsStatisticsOfTheCurvaturesThatArePresent) {
   TriangleMesh mesh = test::twoTriangles();
   mesh.extentTolerance = 2.0;
-  EXPECT_THAT(summarize(mesh), Not(HasSubstr("curvature")));
+  EXPECT_THAT(summary(mesh), Not(HasSubstr("curvature")));
   mesh.maxCurvature = {2, 4, 6, 8};
   mesh.minCurvature = {-2, 0, 2, 4};
-  const std::string text = summarize(mesh);
+  const std::string text = summary(mesh);
   EXPECT_THAT(text, HasSubstr("maximum curvature     from 1 to 4, mean 2.5, deviation 1.11803\n"));
   EXPECT_THAT(text, HasSubstr("minimum curvature     from -1 to 2, mean 0.5, deviation 1.11803\n"));
   EXPECT_THAT(text, HasSubstr("mean curvature        from 0 to 3, mean 1.5"));
@@ -57,7 +61,7 @@ TEST(Report, HoldsStatisticsOfTheCurvaturesThatArePresent) {
   EXPECT_THAT(text, HasSubstr("total curvature       from 2 to 6, mean 3.5"));
   EXPECT_THAT(text, Not(HasSubstr("edge curvature")));
   mesh.edgeCurvatures.assign(6, -2.0);
-  EXPECT_THAT(summarize(mesh),
+  EXPECT_THAT(summary(mesh),
               HasSubstr("edge curvature        from -1 to -1, mean -1, deviation 0\n"));
 }
 
@@ -78,7 +82,7 @@ TEST(Report, HasNoNegativeZerosAndNoNansForAMeshWithoutFaces) {
 TEST(Report, CountsAndMeasuresLines) {
   TriangleMesh mesh = test::grid(3, 3);  // lattice points four to a row
   mesh.extentTolerance = 0.5;
-  EXPECT_THAT(summarize(mesh), Not(HasSubstr("lines")));
+  EXPECT_THAT(summary(mesh), Not(HasSubstr("lines")));
   mesh.ridgeLinks.resize(16);
   mesh.valleyLinks.resize(16);
   const auto link = [](std::vector<IndexList>& links, int a, int b) {
@@ -88,13 +92,17 @@ TEST(Report, CountsAndMeasuresLines) {
   link(mesh.ridgeLinks, 0, 1);
   link(mesh.ridgeLinks, 1, 2);
   link(mesh.ridgeLinks, 12, 13);
-  EXPECT_THAT(summarize(mesh), HasSubstr("ridge lines           2, length 1.5\n"));
-  EXPECT_THAT(summarize(mesh), HasSubstr("valley lines          0, length 0\n"));
+  EXPECT_THAT(summary(mesh), HasSubstr("ridge lines           2, length 1.5\n"));
+  EXPECT_THAT(summary(mesh), HasSubstr("valley lines          0, length 0\n"));
+  const std::string creases = summarize(mesh, LineOrigin::Creases);
+  EXPECT_THAT(creases, HasSubstr("convex creases        2, length 1.5\n"));
+  EXPECT_THAT(creases, HasSubstr("concave creases       0, length 0\n"));
+  EXPECT_THAT(creases, Not(HasSubstr("lines")));
 }
 
 TEST(Report, IsSafeOnHostileMeshes) {
   for (const test::NamedMesh& hostile : test::hostileMeshes()) {
-    EXPECT_THAT(summarize(hostile.mesh), HasSubstr("Euler characteristic")) << hostile.name;
+    EXPECT_THAT(summary(hostile.mesh), HasSubstr("Euler characteristic")) << hostile.name;
   }
 }
 

@@ -285,6 +285,27 @@ TEST(ExportLinesCommand, WritesTheLinesInTheFormatOfTheExtension) {
   EXPECT_THAT(desk.outside.messages, IsEmpty());
 }
 
+TEST(ExportLinesCommand, BeforeAnyLinesWereLookedForThereIsAMessageAndNoFile) {
+  Desk desk(bumpyGrid(12, 12));
+  const std::string path = ::testing::TempDir() + "gravlin-no-lines-yet.obj";
+  EXPECT_FALSE(desk.doc.exportLines(path));
+  desk.findLines({{"extractOn", "vertex"}});
+  EXPECT_FALSE(desk.doc.exportLines(path)) << "marks alone make no lines";
+  EXPECT_EQ(desk.outside.messages.size(), 2U);
+  EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST(ExportLinesCommand, WhenNoneWereFoundTheFileHasNoneAndTheStatusSaysSo) {
+  const std::string path = ::testing::TempDir() + "gravlin-no-lines.obj";
+  for (const TriangleMesh& mesh : {icosphere(2), emptyMesh()}) {
+    Desk desk(mesh);
+    desk.findCreases({{"thresholdMode", "angle"}, {"angle", "100"}});
+    EXPECT_TRUE(desk.doc.exportLines(path));
+    EXPECT_EQ(take(path), "");
+    EXPECT_THAT(desk.outside.statuses.back(), ::testing::StartsWith("No lines were found"));
+  }
+}
+
 TEST(ExportLinesCommand, AnotherExtensionOrAFolderThatIsNotThereGetsAMessage) {
   Desk desk(cube());
   EXPECT_FALSE(desk.doc.exportLines(::testing::TempDir() + "lines.ply2"));
