@@ -3,7 +3,6 @@
 #include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
-#include <QRadioButton>
 
 #include "app/Program.h"
 
@@ -22,26 +21,7 @@ class EditCommandsTest : public QObject {
   void noiseAndAdaptiveSmoothingRunFromTheirDialogs();
   void subdivisionIsUndone();
   void simplificationIsUndone();
-  void localMaxAsksItsNestedDialogsAndShowsLines();
-  void aCancelInANestedDialogSkipsOnlyThatStage();
-  void everyChoiceOfTheRidgeDialogCanBeClicked();
-  void faceAngleShowsCreases();
 };
-
-/// The bundled closed example with ridges and valleys.
-void openGourd(Program& program) {
-  program.frame().openFile(GRAVLIN_SOURCE_DIR "/examples/gourd.ply2");
-}
-
-auto fillIn(std::vector<std::pair<const char*, const char*>> texts) {
-  return [texts](QDialog& dialog) {
-    for (const auto& [name, text] : texts) type(control<QLineEdit>(dialog, name), text);
-    click(dialog, "ok");
-  };
-}
-
-const auto pressOk = [](QDialog& dialog) { click(dialog, "ok"); };
-const auto pressCancel = [](QDialog& dialog) { click(dialog, "cancel"); };
 
 void EditCommandsTest::smoothingRunsWithWhatIsTypedAndIsUndone() {
   Program program;
@@ -138,69 +118,6 @@ void EditCommandsTest::simplificationIsUndone() {
   QCOMPARE(program.document().currentMesh->vertexCount, vertices / 4);
   program.step("undo").trigger();
   QCOMPARE(program.document().currentMesh->vertexCount, vertices);
-}
-
-/// A radio button of a dialog by the text beside it.
-void choose(QDialog& dialog, const QString& text) {
-  for (auto* button : dialog.findChildren<QRadioButton*>()) {
-    if (button->text() == text && button->isEnabled()) return button->click();
-  }
-  qFatal("no radio button %s", qPrintable(text));
-}
-
-void EditCommandsTest::localMaxAsksItsNestedDialogsAndShowsLines() {
-  Program program;
-  openGourd(program);
-  const auto positions = program.document().currentMesh->vertices;
-  NextDialog smoothing("CSmoothingDlg", fillIn({{"iterationCount", "2"}}));
-  NextDialog tensor("CTensorSmoothDlg", pressOk);
-  NextDialog ridges("CRidgeDlg", [](QDialog& dialog) {
-    choose(dialog, "Common");
-    choose(dialog, "Edge");
-    click(dialog, "ok");
-  });
-  program.step("local-max").trigger();
-  QVERIFY(ridges.answered() && smoothing.answered() && tensor.answered());
-  QCOMPARE(program.document().displayMode, static_cast<int>(FeatureLines));
-  QVERIFY(program.document().currentMesh->vertices == positions);
-}
-
-void EditCommandsTest::aCancelInANestedDialogSkipsOnlyThatStage() {
-  Program program;
-  openGourd(program);
-  NextDialog tensor("CTensorSmoothDlg", pressCancel);
-  NextDialog ridges("CRidgeDlg", pressOk);
-  program.step("local-max").trigger();
-  QVERIFY(ridges.answered() && tensor.answered());
-  QCOMPARE(program.document().displayMode, static_cast<int>(RidgeVertices));
-}
-
-void EditCommandsTest::everyChoiceOfTheRidgeDialogCanBeClicked() {
-  Program program;
-  openGourd(program);
-  NextDialog ridges("CRidgeDlg", [](QDialog& dialog) {
-    for (const char* text : {"Common", "Adaptive", "Constant", "Histgram", "Edge", "Vertex"}) {
-      choose(dialog, text);
-    }
-    click(dialog, "cancel");
-  });
-  program.step("local-max").trigger();
-  QVERIFY(ridges.answered());
-  QCOMPARE(program.document().ridgeParameters.preSmoothing, 0);
-  QCOMPARE(program.document().displayMode, static_cast<int>(FlatShading));
-}
-
-void EditCommandsTest::faceAngleShowsCreases() {
-  Program program;
-  program.open("t.ply2", tetrahedronText);
-  NextDialog dialog("CAngleDlg", [](QDialog& d) {
-    choose(d, "Constant Angle (0-180)");
-    click(d, "ok");
-  });
-  program.step("face-angle").trigger();
-  QVERIFY(dialog.answered());
-  QCOMPARE(program.document().displayMode, static_cast<int>(FeatureLines));
-  QCOMPARE(program.document().currentMesh->ridgeLinks[0].size(), 3);
 }
 
 }  // namespace

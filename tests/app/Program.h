@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 #include <QWheelEvent>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/CGravlinApp.h"
@@ -81,6 +82,22 @@ inline void chooseFile(QDialog& dialog, const QString& path) {
   type(name, path);
   QTest::keyClick(&name, Qt::Key_Return);
 }
+
+/// The bundled closed example with ridges and valleys.
+inline void openGourd(Program& program) {
+  program.frame().openFile(GRAVLIN_SOURCE_DIR "/examples/gourd.ply2");
+}
+
+/// Types texts into the fields of these names and confirms the dialog.
+inline auto fillIn(std::vector<std::pair<const char*, const char*>> texts) {
+  return [texts](QDialog& dialog) {
+    for (const auto& [name, text] : texts) type(control<QLineEdit>(dialog, name), text);
+    click(dialog, "ok");
+  };
+}
+
+inline const auto pressOk = [](QDialog& dialog) { click(dialog, "ok"); };
+inline const auto pressCancel = [](QDialog& dialog) { click(dialog, "cancel"); };
 
 /// Turns the mouse wheel over the middle of a widget.
 inline void turnWheel(QWidget& widget, int delta) {
