@@ -76,6 +76,8 @@ void CGravlinDoc::OnEdgeDetectionLocalMax() {
   ridgeDetector.attach(&mesh);
   ridgeLineSmoother.attach(&mesh);
 
+  // Pre-smoothing draws the smoothed shape, and with it finds creases on show again there.
+  const bool creasesFollow = displayMode == FeatureLines && linesFrom == LinesFrom::FaceAngle;
   UnsmoothedPositions unsmoothed(mesh);
   if (parameters.preSmoothing != RidgeParameters::NoPreSmoothing) unsmoothed.keep();
   if (parameters.preSmoothing == RidgeParameters::Common) OnSmoothingShape();
@@ -98,6 +100,7 @@ void CGravlinDoc::OnEdgeDetectionLocalMax() {
     displayMode = parameters.showRidgeDirection ? RidgeDirections : RidgeVertices;
   }
   unsmoothed.restore();
+  if (creasesFollow && linesFrom == LinesFrom::FaceAngle) detectCreases();
   if (parameters.extractOn == RidgeParameters::OnEdge && parameters.smoothRidgeEdges) {
     modified = true;
     ridgeLineSmoother.smooth(parameters.ridgeSmoothIterations, ridgeSmoothingStep);

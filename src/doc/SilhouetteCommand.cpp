@@ -34,6 +34,7 @@ void CGravlinDoc::OnSilhouette() {
   ridgeDetector.fillGaps();
   ridgeDetector.buildLineGraph();
   linesFrom = LinesFrom::LocalMax;
+  decimator.creaseLinks.clear();
 
   computeCurvatureDerivatives(mesh);
   curvatureTensorSmoother.mesh = &mesh;

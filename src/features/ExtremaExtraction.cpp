@@ -44,12 +44,13 @@ double interpolate(const std::vector<double>& field, const RingEnd& j, const Rin
   return (areaJ * atL + areaL * atJ) / (areaJ + areaL);
 }
 
-/// Records where the plane meets the ring edge j-l, if it does.
+/// Records where the plane meets the ring edge j-l, if it does. What is not a number is recorded as
+/// well: a vertex with such a side is on no line, whatever the record held before.
 void cutRingEdge(const TriangleMesh& mesh, const Vec3& p, const RingEnd& j, const RingEnd& l,
                  Section& section) {
   const double a = dot(j.toVertex, section.planeNormal);
   const double b = dot(l.toVertex, section.planeNormal);
-  if (!(a * b <= 0.0)) return;
+  if (a * b > 0.0) return;
   const double weightJ = std::abs(b);
   const double weightL = std::abs(a);
   const Vec3 e = (weightJ * j.toVertex + weightL * l.toVertex) / (weightL + weightJ);

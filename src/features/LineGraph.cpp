@@ -44,10 +44,36 @@ std::vector<int> markedByStrength(const TriangleMesh& mesh, const LineFields& li
   return order;
 }
 
+/// The cost that stands for a child that has its place in the queue.
+constexpr double queuedCost = 1e8;
+
 struct Child {
   double cost;
   int vertex;
 };
+
+/// Appends as many vertices to the queue as there are children, cheapest first, equal ones in the
+/// order found. A queued child competes on with `queuedCost`: where no other is cheaper, the first
+/// such child takes all places that are left, and what hangs at the others grows from seeds of its
+/// own. Costs that are not numbers are above all others.
+void enqueue(std::vector<int>& queue, std::vector<Child>& children) {
+  const auto cheaper = [](const Child& a, const Child& b) {
+    if (b.cost != b.cost) return a.cost == a.cost;
+    return a.cost < b.cost;
+  };
+  if (children.empty()) return;
+  const std::size_t places = queue.size() + children.size();
+  const auto cheapest = std::min_element(children.begin(), children.end(), cheaper);
+  if (!(cheapest->cost < queuedCost)) cheapest->cost = queuedCost;
+  const auto contender = std::find_if(children.begin(), children.end(),
+                                      [](const Child& c) { return c.cost <= queuedCost; });
+  const int everyOtherPlace = contender->vertex;
+  std::stable_sort(children.begin(), children.end(), cheaper);
+  for (const Child& child : children) {
+    if (child.cost < queuedCost) queue.push_back(child.vertex);
+  }
+  queue.resize(places, everyOtherPlace);
+}
 
 /// A breadth-first tree from `seed` over marked vertices without links.
 void growTree(const TriangleMesh& mesh, const LineFields& line, int seed) {
@@ -62,12 +88,7 @@ void growTree(const TriangleMesh& mesh, const LineFields& line, int seed) {
       children.push_back({deviationCost(mesh, line, u, w, seedCurvature), w});
       line.link(u, w);
     }
-    std::stable_sort(children.begin(), children.end(), [](const Child& a, const Child& b) {
-      // Costs that are not numbers come last, so that the order stays a strict one.
-      if (b.cost != b.cost) return a.cost == a.cost;
-      return a.cost < b.cost;
-    });
-    for (const Child& child : children) queue.push_back(child.vertex);
+    enqueue(queue, children);
   }
 }
 

@@ -14,6 +14,7 @@ namespace {
 constexpr int finer = 2;            // depth buffer cells per pixel and axis
 constexpr double step = 0.5;        // pixels between two points of a line that are tested
 constexpr double tolerance = 0.02;  // how far behind the surface a line on it may seem to lie
+constexpr double farOut = 1e15;  // pixels; farther out a double no longer tells one from the next
 
 /// The nearest depth of the surface at each cell, stored as 1 / depth, which is linear on screen.
 class DepthBuffer {
@@ -91,7 +92,7 @@ Projected projectVertices(const TriangleMesh& mesh, const Camera& camera, ViewSi
   Projected seen(static_cast<std::size_t>(mesh.vertexCount));
   for (int i = 0; i < mesh.vertexCount; ++i) {
     const auto point = camera.project(mesh.position(i), size);
-    if (point && std::isfinite(point->x) && std::isfinite(point->y)) {
+    if (point && std::abs(point->x) < farOut && std::abs(point->y) < farOut) {
       seen[static_cast<std::size_t>(i)] = point;
     }
   }
@@ -139,10 +140,13 @@ class PathWriter {
     const auto part = clipped(a, b, size);
     if (!part) return endPiece();
     const auto [from, to] = *part;
-    const double pixels = std::hypot(b.x - a.x, b.y - a.y) * (to - from);
+    if (from > 0.0) endPiece();  // it comes in from outside the view
+    const SeenPoint first = within(between(a, b, from));
+    const SeenPoint end = within(between(a, b, to));
+    const double pixels = std::hypot(end.x - first.x, end.y - first.y);
     const int pieces = std::max(1, static_cast<int>(std::ceil(pixels / step)));
     for (int k = 0; k <= pieces; ++k) {
-      const SeenPoint p = between(a, b, from + (to - from) * k / pieces);
+      const SeenPoint p = between(first, end, static_cast<double>(k) / pieces);
       if (!buffer.visible(p)) {
         endPiece();
       } else if (!drawing || k == pieces) {
@@ -151,6 +155,7 @@ class PathWriter {
         last = p;
       }
     }
+    if (to < 1.0) endPiece();
   }
 
   void endPiece() {
@@ -166,6 +171,12 @@ class PathWriter {
   }
 
  private:
+  /// The point, which cutting may have left beyond the edge of the view by a rounding.
+  SeenPoint within(const SeenPoint& p) const {
+    return {std::clamp(p.x, 0.0, static_cast<double>(size.width)),
+            std::clamp(p.y, 0.0, static_cast<double>(size.height)), p.depth};
+  }
+
   void addPoint(const SeenPoint& p) {
     text += drawing ? "L" : "<path d=\"M";
     append(p.x);

@@ -263,6 +263,31 @@ TEST(FaceAngleCommand, CreasesOfASmoothedShapeAreNotFoundAgainByARedraw) {
   EXPECT_EQ(desk.mesh().ridgeLinks, links);
 }
 
+// Pre-smoothing draws the smoothed shape in mode 12, so the creases on show are found there; marks
+// of vertices do not take their place.
+TEST(FaceAngleCommand, CreasesBelongToTheRestoredShapeAfterLocalMaxLookedAtASmoothedOne) {
+  for (const char* mode : {"angle", "histogram"}) {
+    for (const bool adaptive : {false, true}) {
+      SCOPED_TRACE(std::string(mode) + (adaptive ? ", adaptive" : ", common"));
+      Desk desk(jittered(bumpyGrid(16, 16), 0.1));
+      desk.findCreases({{"thresholdMode", mode}});
+      const auto ridges = desk.mesh().ridgeLinks;
+      const auto valleys = desk.mesh().valleyLinks;
+      const auto creases = desk.doc.decimator.creaseLinks;
+      int foundElsewhere = 0;
+      desk.outside.whenRedrawn = [&] {
+        if (desk.mesh().ridgeLinks != ridges) ++foundElsewhere;
+      };
+      desk.answer(adaptive ? fewAdaptiveSteps() : fewLaplacianSteps());
+      desk.findLines({{"preSmoothing", adaptive ? "adaptive" : "common"}});
+      EXPECT_GT(foundElsewhere, 0) << "the smoothed shape has other creases";
+      EXPECT_EQ(desk.mesh().ridgeLinks, ridges);
+      EXPECT_EQ(desk.mesh().valleyLinks, valleys);
+      EXPECT_EQ(desk.doc.decimator.creaseLinks, creases);
+    }
+  }
+}
+
 /// What the file of this name holds; it is removed.
 std::string take(const std::string& path) {
   std::ifstream file(path);
@@ -346,6 +371,14 @@ TEST(SilhouetteCommand, KeepsCurvatureThatIsThereAndTheShape) {
   desk.doc.OnSilhouette();
   EXPECT_THAT(desk.mesh().maxCurvature, Each(1.0));
   EXPECT_EQ(desk.mesh().vertices, positions);
+}
+
+TEST(SilhouetteCommand, ForgetsTheCreasesThatItsLinesReplace) {
+  Desk desk(bumpyGrid(12, 12));
+  desk.findCreases({{"thresholdMode", "angle"}});
+  ASSERT_GT(linkCount(desk.doc.decimator.creaseLinks), 0);
+  desk.doc.OnSilhouette();
+  EXPECT_THAT(desk.doc.decimator.creaseLinks, IsEmpty());
 }
 
 TEST(SilhouetteCommand, WithoutAMeshNothingHappens) {

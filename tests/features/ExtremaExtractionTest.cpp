@@ -129,6 +129,39 @@ TEST(ExtremaExtraction, APlaneThatMissesTheRingKeepsTheCutOfAnEarlierVertex) {
   EXPECT_EQ(markOfSecond(9.0, 8.0), 0) << "8 is not above the 9 that was cut at the first apex";
 }
 
+// The last interior vertex peaks above all others; only the side that is not a number keeps it off.
+TEST(ExtremaExtraction, ACutThatIsNotANumberReplacesTheOneOfAnEarlierVertex) {
+  TriangleMesh mesh = gridAlongAxes(4, 4);
+  const auto peak = static_cast<std::size_t>(GridIndex{4}(3, 3));
+  mesh.maxCurvature[peak] = 1.0;
+  extractExtrema(mesh);
+  ASSERT_EQ(mesh.ridgeMarks[peak], 1);
+  mesh.maxDirection[3 * peak] = std::nan("");
+  extractExtrema(mesh);
+  EXPECT_EQ(mesh.ridgeMarks[peak], 0);
+}
+
+TEST(ExtremaExtraction, APositionThatIsNotANumberMarksNeitherItsVertexNorThoseBesideIt) {
+  const GridIndex at{8};
+  const auto peaked = [&] {
+    TriangleMesh mesh = gridAlongAxes(8, 6);
+    for (int i = 0; i < mesh.vertexCount; ++i) {
+      mesh.maxCurvature[static_cast<std::size_t>(i)] = -std::abs(mesh.position(i).x - 4.0);
+    }
+    return mesh;
+  };
+  TriangleMesh mesh = peaked();
+  const int broken = at(4, 3);
+  mesh.vertices[3 * static_cast<std::size_t>(broken)] = std::nanf("");
+  extractExtrema(mesh);
+  const auto mark = [&](int column, int row) {
+    return mesh.ridgeMarks[static_cast<std::size_t>(at(column, row))];
+  };
+  EXPECT_EQ(mark(4, 3), 0);
+  EXPECT_EQ(mark(4, 1), 1) << "its ring has only numbers";
+  EXPECT_EQ(mark(4, 5), 1) << "its ring has only numbers, and new cuts on every side";
+}
+
 TEST(ExtremaExtraction, BoundaryAndNonManifoldVerticesGetNoMark) {
   for (auto meshes : {openMeshes(), hostileMeshes(), closedMeshes()}) {
     for (auto& [name, mesh] : meshes) {

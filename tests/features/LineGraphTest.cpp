@@ -217,5 +217,62 @@ TEST(LineGraph, HostileMeshesPass) {
   }
 }
 
+/// A row of seven marked vertices about the seed in the middle, one and a half units apart. A drop
+/// of the curvature by d from the seed to its neighbour costs d^2 (1/2 + 1/6) 1.5 = d^2; the outer
+/// vertices lie lower still.
+TriangleMesh rowAboutASeed(double dropToTheLeft, double dropToTheRight) {
+  TriangleMesh mesh = grid(6, 2);
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    const Vec3 p = mesh.position(i);
+    mesh.setPosition(i, {1.5 * p.x, p.y, p.z});
+  }
+  prepareLines(mesh, -1e6, 0.0);
+  const GridIndex at{6};
+  for (int c = 0; c <= 6; ++c) markRidge(mesh, {at(c, 1)});
+  curvature(mesh, at(3, 1)) = 0.0;
+  curvature(mesh, at(2, 1)) = -dropToTheLeft;
+  curvature(mesh, at(4, 1)) = -dropToTheRight;
+  return mesh;
+}
+
+bool linked(TriangleMesh& mesh, int a, int b) {
+  const IndexList& links = ridge(mesh, a);
+  return std::find(links.begin(), links.end(), b) != links.end();
+}
+
+// A child that costs more than the mark of those queued already is never taken from the list: the
+// cheap one is queued again in its place, and what lies behind it grows from a seed of its own.
+TEST(LineGraph, AChildDearerThanTheQueuedMarkIsNotServed) {
+  const GridIndex at{6};
+  TriangleMesh mesh = rowAboutASeed(20000.0, 100.0);
+  buildLineGraph(mesh);
+  EXPECT_TRUE(linked(mesh, at(3, 1), at(2, 1))) << "a child all the same";
+  EXPECT_FALSE(linked(mesh, at(2, 1), at(1, 1)));
+  EXPECT_TRUE(linked(mesh, at(1, 1), at(0, 1)));
+  EXPECT_TRUE(linked(mesh, at(4, 1), at(5, 1)));
+}
+
+TEST(LineGraph, OfChildrenThatAreAllDearTheCheapestIsServed) {
+  const GridIndex at{6};
+  TriangleMesh mesh = rowAboutASeed(20000.0, 30000.0);
+  buildLineGraph(mesh);
+  EXPECT_TRUE(linked(mesh, at(2, 1), at(1, 1)));
+  EXPECT_FALSE(linked(mesh, at(4, 1), at(5, 1)));
+}
+
+TEST(LineGraph, AChildAsDearAsTheQueuedMarkIsServedWhenItWasFoundBeforeTheCheapOne) {
+  const GridIndex at{6};
+  constexpr double exactly = 10000.0;
+  TriangleMesh left = rowAboutASeed(exactly, 100.0);
+  TriangleMesh right = rowAboutASeed(100.0, exactly);
+  buildLineGraph(left);
+  buildLineGraph(right);
+  const auto ring = left.getNeighbours(at(3, 1));
+  const bool leftFoundFirst =
+      std::find(ring.begin(), ring.end(), at(2, 1)) < std::find(ring.begin(), ring.end(), at(4, 1));
+  EXPECT_EQ(linked(left, at(2, 1), at(1, 1)), leftFoundFirst);
+  EXPECT_EQ(linked(right, at(4, 1), at(5, 1)), !leftFoundFirst);
+}
+
 }  // namespace
 }  // namespace gravlin

@@ -1,5 +1,6 @@
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <gtest/gtest.h>
 
 #include "support/Meshes.h"
@@ -90,12 +91,50 @@ TEST(LineSvg, LinesBeyondTheEdgesOfTheViewAreCutOff) {
   EXPECT_EQ(text.find('-', text.find("<path")), std::string::npos) << "no negative coordinate";
 }
 
+// Across the screen at the centre, one unit of the mesh is 150 / (|eye| tan(11.25 degrees)), about
+// 11.1 pixels: the view ends 13.5 units away from its middle.
+TEST(LineSvg, ALineThatLeavesTheViewAndComesBackIsTwoPaths) {
+  const auto at = [](double right, double up) {
+    const Vec3 p = right * Camera::rightward() + up * Camera::up();
+    return std::array{static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)};
+  };
+  const TriangleMesh mesh = test::makeMesh({at(0, 5), at(40, 5), at(40, -5), at(0, -5)}, {});
+  const std::string outAndBack = svgOf(mesh, {{0, 1, 2, 3}, false});
+  EXPECT_EQ(count(outAndBack, "<path"), 2);
+  EXPECT_EQ(count(outAndBack, "L"), 2);
+  // With one corner outside: the line leaves at the height 5 and comes back at -1.6.
+  EXPECT_EQ(count(svgOf(mesh, {{0, 1, 3}, false}), "<path"), 2);
+}
+
+TEST(LineSvg, CoordinatesStayWithinTheViewHoweverCloseItLooks) {
+  for (const float fieldOfView : {1e-3F, 1e-6F, 1e-9F, 1e-12F, 1e-20F, 1e-30F, 1e-38F}) {
+    SCOPED_TRACE(fieldOfView);
+    Camera camera;
+    camera.fieldOfView = fieldOfView;
+    camera.translation = {0.0F, 0.0F, -1.0F};  // the middle of the upper side to the centre
+    const std::string text =
+        linesAsSvg(test::cube(), {{"ridge", 0, {{4, 6, 7}, false}, 0.0}}, camera, size);
+    EXPECT_EQ(text.substr(text.size() - 7), "</svg>\n");
+    for (auto path = text.find("d=\"M"); path != std::string::npos;
+         path = text.find("d=\"M", path)) {
+      path += 4;
+      for (const char* next = text.c_str() + path; *next != '"';) {
+        char* end = nullptr;
+        const double value = std::strtod(next, &end);
+        EXPECT_TRUE(value >= 0.0 && value <= 300.0) << value;
+        next = *end == '"' ? end : end + 1;
+      }
+    }
+  }
+}
+
 TEST(LineSvg, HostileMeshesAndViewsPass) {
   for (const auto& [name, mesh] : test::hostileMeshes()) {
     SCOPED_TRACE(name);
     Polyline line;
     for (int v = 0; v < mesh.vertexCount; ++v) line.vertices.push_back(v);
-    for (const float fieldOfView : {22.5F, 0.0F, -5.0F, 180.0F, 1e30F, std::nanf("")}) {
+    for (const float fieldOfView :
+         {22.5F, 0.0F, -5.0F, 1e-6F, 1e-30F, 180.0F, 1e30F, std::nanf("")}) {
       Camera camera;
       camera.fieldOfView = fieldOfView;
       const std::string text = linesAsSvg(mesh, {{"ridge", 0, line, 0.0}}, camera, size);

@@ -155,6 +155,9 @@ void FormBuilder::addCheckBox(QGridLayout& grid, std::size_t index) {
   box->setChecked(textOf(field) == "1");
   identify(*box, field);
   grid.addWidget(box, grid.rowCount(), LabelColumn, 1, ColumnCount);
+  if (!field.unit.empty()) {  // a caption below the box
+    grid.addWidget(createLabel(field.unit), grid.rowCount(), LabelColumn, 1, ColumnCount);
+  }
   controls[index] = {[box] { return std::string(box->isChecked() ? "1" : "0"); },
                      [box] { box->setFocus(); }};
 }
