@@ -7,10 +7,15 @@
 #include <fstream>
 #include <numbers>
 
+#include "numeric/ParallelLoop.h"
+
 namespace gravlin::bench {
 namespace {
 
 constexpr double fullTurn = 2.0 * std::numbers::pi;
+
+// Figures are given for one thread.
+[[maybe_unused]] const bool onOneThread = (setThreadCount(1), true);
 
 /// Coordinates and corners of the formats that other programs read as well.
 std::string numbersOf(const TriangleMesh& mesh) {

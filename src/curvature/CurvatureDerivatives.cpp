@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "mesh/FaceGeometry.h"
+#include "numeric/ParallelLoop.h"
 #include "numeric/Vec3.h"
 
 namespace gravlin {
@@ -128,12 +129,12 @@ bool isInterior(const TriangleMesh& mesh, int i) {
 DerivativeFields differentiate(const TriangleMesh& mesh) {
   const auto V = static_cast<std::size_t>(mesh.vertexCount);
   DerivativeFields result = {std::vector<double>(V, 0.0), std::vector<double>(V, 0.0)};
-  for (int i = 0; i < mesh.vertexCount; ++i) {
-    if (!isInterior(mesh, i)) continue;
+  parallelFor(mesh.vertexCount, [&](int i) {
+    if (!isInterior(mesh, i)) return;
     const auto k = static_cast<std::size_t>(i);
     result.ofMax[k] = ownDerivative(mesh, i, mesh.maxCurvature, mesh.maxDirection);
     result.ofMin[k] = ownDerivative(mesh, i, mesh.minCurvature, mesh.minDirection);
-  }
+  });
   return result;
 }
 
@@ -171,8 +172,8 @@ void computeCurvatureDerivatives(TriangleMesh& mesh) {
   const auto size = 3 * static_cast<std::size_t>(mesh.vertexCount);
   mesh.maxDerivativeGradient.assign(size, 0.0);
   mesh.minDerivativeGradient.assign(size, 0.0);
-  for (int i = 0; i < mesh.vertexCount; ++i) {
-    if (!isInterior(mesh, i)) continue;
+  parallelFor(mesh.vertexCount, [&](int i) {
+    if (!isInterior(mesh, i)) return;
     const Line maxLine = lineAt(mesh, i, mesh.maxDirection, fields);
     const Line minLine = lineAt(mesh, i, mesh.minDirection, fields);
     const Vec3 maxDirection = vectorAt(mesh.maxDirection, i);
@@ -187,7 +188,7 @@ void computeCurvatureDerivatives(TriangleMesh& mesh) {
     const Vec3 ofMin = negatedDerivative(maxLine.section, maxLine.ofMin, centre) * minDirection -
                        negatedDerivative(minLine.section, minLine.ofMin, centre) * maxDirection;
     storeVectorAt(mesh.minDerivativeGradient, i, unitOrZero(ofMin));
-  }
+  });
 }
 
 }  // namespace gravlin

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <span>
 
+#include "numeric/ParallelLoop.h"
 #include "numeric/Vec3.h"
 
 namespace gravlin {
@@ -166,14 +167,14 @@ void computeCurvatureTensor(TriangleMesh& mesh) {
   mesh.minCurvature.assign(V, 0.0);
   mesh.maxDirection.assign(3 * V, 0.0);
   mesh.minDirection.assign(3 * V, 0.0);
-  for (int i = 0; i < mesh.vertexCount; ++i) {
+  parallelFor(mesh.vertexCount, [&mesh](int i) {
     const PrincipalCurvatures at = curvatureAt(mesh, i);
     const auto k = static_cast<std::size_t>(i);
     mesh.maxCurvature[k] = at.max;
     mesh.minCurvature[k] = at.min;
     storeVectorAt(mesh.maxDirection, i, at.maxDirection);
     storeVectorAt(mesh.minDirection, i, at.minDirection);
-  }
+  });
 }
 
 }  // namespace gravlin

@@ -6,6 +6,7 @@
 
 #include "mesh/FaceGeometry.h"
 #include "mesh/SurfaceIndex.h"
+#include "numeric/ParallelLoop.h"
 #include "numeric/Vec3.h"
 
 namespace gravlin {
@@ -29,14 +30,14 @@ std::vector<double> vertexErrors(const TriangleMesh& mesh, const TriangleMesh& i
   std::vector<double> errors(static_cast<std::size_t>(mesh.vertexCount), 0.0);
   std::optional<SurfaceIndex> surface;
   if (mesh.vertexCount != ideal.vertexCount) surface.emplace(ideal);
-  for (int i = 0; i < mesh.vertexCount; ++i) {
+  parallelFor(mesh.vertexCount, [&](int i) {
     double& error = errors[static_cast<std::size_t>(i)];
     if (!surface) {
       error = length(mesh.position(i) - ideal.position(i));
     } else if (const auto nearest = surface->nearest(mesh.position(i))) {
       error = nearest->distance;
     }
-  }
+  });
   return errors;
 }
 
@@ -46,16 +47,16 @@ std::vector<double> faceErrors(const TriangleMesh& mesh, const TriangleMesh& ide
   if (mesh.vertexCount != ideal.vertexCount || mesh.faceCount != ideal.faceCount) {
     surface.emplace(ideal);
   }
-  for (int f = 0; f < mesh.faceCount; ++f) {
-    if (!mesh.validFace(f)) continue;
+  parallelFor(mesh.faceCount, [&](int f) {
+    if (!mesh.validFace(f)) return;
     int other = f;
     if (surface) {
       const auto nearest = surface->nearest(faceCentroid(mesh, f));
-      if (!nearest) continue;
+      if (!nearest) return;
       other = nearest->face;
     }
     errors[static_cast<std::size_t>(f)] = angleBetween(mesh.faceNormal(f), normalOf(ideal, other));
-  }
+  });
   return errors;
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "curvature/DirectionTransport.h"
+#include "numeric/ParallelLoop.h"
 #include "numeric/Vec3.h"
 
 namespace gravlin {
@@ -88,9 +89,9 @@ void smoothLineFields(const TriangleMesh& mesh, std::vector<double>& max, std::v
   }
   std::vector<DirectionPair> next(current.size());
   for (int n = 0; n < iterations; ++n) {
-    for (int i = 0; i < mesh.vertexCount; ++i) {
+    parallelFor(mesh.vertexCount, [&](int i) {
       next[toIndex(i)] = smoothedDirections(mesh, i, squaredSigma, current);
-    }
+    });
     std::swap(current, next);
   }
   for (int i = 0; i < mesh.vertexCount; ++i) {

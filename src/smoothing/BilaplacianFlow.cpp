@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "numeric/Index.h"
+#include "numeric/ParallelLoop.h"
 #include "smoothing/JacobiSweep.h"
 
 namespace gravlin {
@@ -24,11 +25,11 @@ class Reciprocals {
 };
 
 void computeUmbrellas(const TriangleMesh& mesh, std::vector<Vec3>& umbrellas) {
-  for (int i = 0; i < mesh.vertexCount; ++i) {
+  parallelFor(mesh.vertexCount, [&](int i) {
     if (mesh.vertexKind[toIndex(i)] == InteriorVertex) {
       umbrellas[toIndex(i)] = mesh.umbrellaLaplacian(i);
     }
-  }
+  });
 }
 
 /// The displacement of interior vertices from the umbrella vectors of all.

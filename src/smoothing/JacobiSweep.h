@@ -4,16 +4,18 @@
 
 #include "mesh/TriangleMesh.h"
 #include "numeric/Index.h"
+#include "numeric/ParallelLoop.h"
 
 namespace gravlin {
 
-/// Writes next(i) into the positions of every interior vertex i and leaves those of all others.
+/// Writes next(i) into the positions of every interior vertex i and leaves those of all others, in
+/// a parallel loop.
 template <class Next>
 void setInteriorPositions(const TriangleMesh& mesh, std::vector<float>& positions, Next next) {
-  for (int i = 0; i < mesh.vertexCount; ++i) {
-    if (mesh.vertexKind[toIndex(i)] != InteriorVertex) continue;
-    storeVec3(positions.data() + 3 * toIndex(i), next(i));
-  }
+  float* out = positions.data();
+  parallelFor(mesh.vertexCount, [&mesh, out, next](int i) {
+    if (mesh.vertexKind[toIndex(i)] == InteriorVertex) storeVec3(out + 3 * toIndex(i), next(i));
+  });
 }
 
 /// Moves the interior vertices of a mesh by simultaneous updates: every new position is computed
@@ -27,7 +29,7 @@ class JacobiSweep {
 
   /// x_i += factor x displacement(i) for every interior vertex i, in double precision and rounded
   /// when stored. Vertices of any other kind keep their bits. `displacement` maps a vertex index to
-  /// a Vec3 and must not change the mesh.
+  /// a Vec3, for several vertices at the same time, and must not change the mesh.
   template <class Displacement>
   void run(double factor, Displacement displacement) {
     setInteriorPositions(mesh, moved,

@@ -9,17 +9,19 @@
 
 #include "mesh/FaceGeometry.h"
 #include "numeric/Index.h"
+#include "numeric/ParallelLoop.h"
 
 namespace gravlin {
 namespace {
 
-/// Replaces every normal by what `filter` gives for its face, all of them from the old normals.
+/// Replaces every normal by what `filter` gives for its face, all of them from the old normals, in
+/// a parallel loop.
 template <class Filter>
-void replaceFaceNormals(TriangleMesh& mesh, const Filter& filter) {
+void replaceFaceNormals(TriangleMesh& mesh, Filter filter) {
   std::vector<float> filtered = mesh.faceNormals;
-  for (int f = 0; f < mesh.faceCount; ++f) {
+  parallelFor(mesh.faceCount, [&mesh, &filtered, filter](int f) mutable {
     if (mesh.validFace(f)) storeVec3(filtered.data() + 3 * toIndex(f), filter(f));
-  }
+  });
   mesh.faceNormals = std::move(filtered);
 }
 
@@ -194,8 +196,9 @@ void averageNormalsVertexWeighted(TriangleMesh& mesh, const NormalWeight& weight
 }
 
 void averageNormalsMedian(TriangleMesh& mesh, const MedianFilter& filter) {
-  MedianSearch median(mesh, filter);
-  replaceFaceNormals(mesh, [&](int f) { return mesh.faceNormal(median(f)); });
+  replaceFaceNormals(mesh, [&mesh, median = MedianSearch(mesh, filter)](int f) mutable {
+    return mesh.faceNormal(median(f));
+  });
 }
 
 }  // namespace gravlin

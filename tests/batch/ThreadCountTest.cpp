@@ -1,0 +1,55 @@
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "batch/BatchRun.h"
+#include "support/Meshes.h"
+#include "support/ThreadCounts.h"
+
+namespace gravlin {
+namespace {
+
+/// Steps whose loops run in parallel, on a mesh with enough vertices for several ranges.
+class ThreadCount : public ::testing::TestWithParam<std::vector<std::string>> {};
+
+TEST_P(ThreadCount, ChangesNoBit) {
+  const test::TemporaryFolder folder;
+  const std::string path = test::writeMeshFile(folder, "torus.ply2", test::torus(130, 80));
+  std::vector<std::string> arguments = {"--quiet", "open", path, "noise"};
+  arguments.insert(arguments.end(), GetParam().begin(), GetParam().end());
+  arguments.insert(arguments.end(), {"dump", "-"});
+  const auto runOn = [&](int threads) {
+    const test::ScopedThreadCount scope(threads);
+    return test::runBatchHere(arguments);
+  };
+  const test::RunResult alone = runOn(1);
+  ASSERT_EQ(alone.status, 0) << alone.errors;
+  for (const int threads : {2, 5}) EXPECT_TRUE(runOn(threads).output == alone.output) << threads;
+}
+
+std::vector<std::string> flow(const std::string& method) {
+  return {"smooth-shape", "--method", method, "--iteration-count", "2", "--step-size", "0.05"};
+}
+
+std::vector<std::string> adaptive(std::vector<std::string> options) {
+  options.insert(options.begin(), {"smooth-adaptive", "--outer-iterations", "1"});
+  return options;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Steps, ThreadCount,
+    ::testing::Values(flow("Laplacian Flow"), flow("Mean Curvature Flow (Desbrun)"),
+                      flow("Modified Mean Curvature Flow (Curvature along Median)"),
+                      flow("Taubin Smoothing (k=0.1)"), flow("Taubin Smoothing (k=0.1, w = 1/d)"),
+                      flow("Taubin Smoothing (k=0.1, w = Desbrun)"), flow("Bilaplacian (Kobbelt)"),
+                      flow("Mean Curvature Flow (Desbrun, implicit)"), adaptive({}),
+                      adaptive({"--averaging-kind", "weight", "--integration-error", "distance"}),
+                      adaptive({"--averaging-kind", "weight", "--meet-at-vertex", "0",
+                                "--derivative-variant", "2"}),
+                      std::vector<std::string>{"smooth-tensor"},
+                      std::vector<std::string>{"local-max"},
+                      std::vector<std::string>{"smooth-shape", "show-vertex-error",
+                                               "show-face-error"}));
+
+}  // namespace
+}  // namespace gravlin
