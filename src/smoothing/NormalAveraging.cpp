@@ -49,9 +49,16 @@ double centroidDistance(const TriangleMesh& mesh, int f, int g) {
   return length(singleFaceCentroid(mesh, g) - singleFaceCentroid(mesh, f));
 }
 
-/// The weight of neighbour g; without `anyDistance` a neighbour at no distance has none.
-double weightOf(const TriangleMesh& mesh, const NormalWeight& weight, int f, int g,
-                bool anyDistance) {
+/// A face whose normal is averaged in, its area counting `factor` times.
+struct Candidate {
+  int face;
+  double factor = 1.0;
+};
+
+/// The weight of a candidate; without `anyDistance` one at no distance has none.
+double weightOf(const TriangleMesh& mesh, const NormalWeight& weight, int f,
+                const Candidate& candidate, bool anyDistance) {
+  const int g = candidate.face;
   double k = std::acos(cosineBetween(mesh, f, g));
   if (!anyDistance) {
     const double distance = centroidDistance(mesh, f, g);
@@ -59,7 +66,7 @@ double weightOf(const TriangleMesh& mesh, const NormalWeight& weight, int f, int
     if (weight.difference == CurvatureDifference) k /= distance;
   }
   const double exponent = weight.threshold * (k * k);
-  const double area = faceArea(mesh, g);
+  const double area = candidate.factor * faceArea(mesh, g);
   return weight.shape == ExponentialWeight ? area * std::exp(-exponent) : area / (exponent + 1.0);
 }
 
@@ -176,7 +183,7 @@ void averageNormalsWeighted(TriangleMesh& mesh, const NormalWeight& weight) {
   replaceFaceNormals(mesh, [&](int f) {
     NormalMean mean;
     visitEdgeNeighbours(mesh, f, [&](int g) {
-      mean.add(weightOf(mesh, weight, f, g, anyDistance), mesh.faceNormal(g));
+      mean.add(weightOf(mesh, weight, f, {g}, anyDistance), mesh.faceNormal(g));
     });
     return mean.normalOr(mesh.faceNormal(f));
   });
@@ -186,10 +193,11 @@ void averageNormalsVertexWeighted(TriangleMesh& mesh, const NormalWeight& weight
                                   double meetAtVertex) {
   replaceFaceNormals(mesh, [&](int f) {
     NormalMean mean;
-    visitEdgeNeighbours(
-        mesh, f, [&](int g) { mean.add(weightOf(mesh, weight, f, g, false), mesh.faceNormal(g)); });
+    visitEdgeNeighbours(mesh, f, [&](int g) {
+      mean.add(weightOf(mesh, weight, f, {g}, false), mesh.faceNormal(g));
+    });
     visitCornerNeighbours(mesh, f, [&](int g) {
-      mean.add(meetAtVertex * weightOf(mesh, weight, f, g, false), mesh.faceNormal(g));
+      mean.add(weightOf(mesh, weight, f, {g, meetAtVertex}, false), mesh.faceNormal(g));
     });
     return mean.normalOr(mesh.faceNormal(f));
   });

@@ -222,6 +222,16 @@ TEST_F(SmoothingCommands, KeepTheVolumeAtEveryRedraw) {
   }
 }
 
+TEST_F(SmoothingCommands, KeepTheVolumeAfterTheRestOfTheIterationsToo) {
+  // Three chunks of three, and one iteration more that only the last redraw shows.
+  const double volume = enclosedVolume(before);
+  outside.whenRedrawn = [&] {
+    EXPECT_NEAR(enclosedVolume(*doc.currentMesh), volume, 2e-6 * volume);  // as above
+  };
+  smooth({{"iterationCount", "10"}, {"animateEvery", "3"}});
+  EXPECT_EQ(rhythm(), "sprprprhr");
+}
+
 TEST_F(SmoothingCommands, ScaleOnlyAtTheEndWithoutAnimation) {
   smooth({{"iterationCount", "5"}, {"animate", "0"}});
   TriangleMesh expected = before;
@@ -338,6 +348,13 @@ TEST_F(SmoothingCommands, NoiseOfSizeZeroKeepsPositionsAndReplacesTheUndoCopy) {
   EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
   ASSERT_NE(doc.undoMesh, nullptr);
   EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
+}
+
+TEST_F(SmoothingCommands, NoiseOfSizeZeroRecomputesTheNormals) {
+  doc.currentMesh->faceNormals.assign(before.faceNormals.size(), 0.5F);
+  addNoise({{"noiseSize", "0"}});
+  EXPECT_EQ(doc.currentMesh->faceNormals, before.faceNormals);
+  EXPECT_EQ(doc.currentMesh->vertexNormals, before.vertexNormals);
 }
 
 TEST_F(SmoothingCommands, NoiseIsUndoneBitForBit) {

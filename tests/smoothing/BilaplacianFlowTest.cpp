@@ -58,6 +58,21 @@ TEST(BilaplacianFlow, FixesABandTwoVerticesWideAlongABoundary) {
   }
 }
 
+TEST(BilaplacianFlow, FixesTheNeighboursOfANonManifoldVertex) {
+  TriangleMesh mesh = test::touchingOctahedra();
+  ASSERT_EQ(mesh.vertexKind[0], NonManifoldVertex);
+  mesh.setPosition(5, {0.5, 0.25, 3});
+  const TriangleMesh before = mesh;
+  bilaplacianFlow(mesh, {.iterations = 5, .step = 0.5F});
+  for (const int tip : {5, 10}) {
+    EXPECT_EQ(mesh.vertexKind[static_cast<std::size_t>(tip)], InteriorVertex);
+    EXPECT_NE(mesh.position(tip), before.position(tip)) << tip;
+  }
+  for (const int fixed : {0, 1, 2, 3, 4, 6, 7, 8, 9}) {
+    EXPECT_EQ(mesh.position(fixed), before.position(fixed)) << fixed;
+  }
+}
+
 TEST(BilaplacianFlow, LeavesAPlaneEvenlyCoveredAsItIs) {
   TriangleMesh mesh = test::grid(8, 8);
   const TriangleMesh before = mesh;

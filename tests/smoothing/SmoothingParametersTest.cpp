@@ -29,6 +29,17 @@ TEST(SmoothingParameters, MethodsAreFoundByTheirExactTextOnly) {
   }
 }
 
+TEST(SmoothingParameters, HaveTheDialogsTexts) {
+  SmoothingParameters parameters;
+  std::vector<std::string> shown;
+  for (const Field& field : parameters.form().fields) {
+    shown.push_back(std::string(field.label) + "|" + std::string(field.unit));
+  }
+  EXPECT_EQ(shown,
+            (std::vector<std::string>{"Method|", "Iteration|", "Step Size|", "Animate flow|",
+                                      "per|interations", "Volume prevervation by re-scaling|"}));
+}
+
 TEST(SmoothingParameters, StartWithTheirDefaults) {
   SmoothingParameters parameters;
   std::vector<std::string> texts;

@@ -134,6 +134,22 @@ TriangleMesh bowTie() {
                   {{0, 1, 2}, {0, 3, 4}});
 }
 
+TriangleMesh touchingOctahedra() {
+  const std::vector<std::array<float, 3>> points = {
+      {0, 0, 0},  {1, 0, 1},   {0, 1, 1},   {-1, 0, 1}, {0, -1, 1}, {0, 0, 2},
+      {1, 0, -1}, {0, -1, -1}, {-1, 0, -1}, {0, 1, -1}, {0, 0, -2}};
+  std::vector<std::array<int, 3>> faces;
+  for (const auto& [first, tip] : {std::array{1, 5}, std::array{6, 10}}) {
+    for (int k = 0; k < 4; ++k) {
+      const int a = first + k;
+      const int b = first + (k + 1) % 4;
+      faces.push_back({a, b, tip});
+      faces.push_back({b, a, 0});
+    }
+  }
+  return makeMesh(points, faces);
+}
+
 TriangleMesh threeFacesOnAnEdge() {
   return makeMesh({{0, 0, 0}, {0, 0, 1}, {1, 0, 0}, {-1, 1, 0}, {-1, -1, 0}},
                   {{0, 1, 2}, {1, 0, 3}, {0, 1, 4}});

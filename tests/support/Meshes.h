@@ -25,6 +25,7 @@ TriangleMesh cube();                ///< closed, outward, side 2 about the origi
 TriangleMesh insideOutCube();       ///< the cube with its faces turned inward
 TriangleMesh octahedron();          ///< closed, outward, radius 1
 TriangleMesh bowTie();              ///< two triangles that share vertex 0 only
+TriangleMesh touchingOctahedra();   ///< two closed surfaces that share one vertex, number 0
 TriangleMesh threeFacesOnAnEdge();  ///< edge 0-1 used by three faces
 TriangleMesh hexagonFan();          ///< interior vertex 0 with six neighbours in the plane z = 0
 TriangleMesh degenerateFace();      ///< collinear corners beside a proper triangle
