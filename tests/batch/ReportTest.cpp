@@ -72,7 +72,7 @@ TEST(Report, HasNoNegativeZerosAndNoNansForAMeshWithoutFaces) {
     measured.normalize();  // which leaves a negative unit where no box could be found
     measured.maxCurvature.assign(static_cast<std::size_t>(mesh.vertexCount), 0.0);
     measured.minCurvature = measured.maxCurvature;
-    const std::string text = summarize(measured);
+    const std::string text = summary(measured);
     EXPECT_THAT(text, Not(HasSubstr("-0"))) << name;
     EXPECT_THAT(text, Not(HasSubstr("nan"))) << name;
     EXPECT_THAT(text, HasSubstr("volume                0\n")) << name;
