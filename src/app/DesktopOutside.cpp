@@ -119,11 +119,10 @@ void DesktopOutside::setViewAngles(const ViewAngles& angles) {
   if (activeView != nullptr) activeView->state.camera.setAngles(angles);
 }
 
-std::string DesktopOutside::linesAsSvg(const TriangleMesh& mesh,
-                                       const std::vector<ExportedLine>& lines) const {
+std::string DesktopOutside::linesAsSvg(const TriangleMesh& mesh, const LinesToDraw& drawing) const {
   if (activeView == nullptr) return {};
   const ViewSize size = {activeView->width(), activeView->height()};
-  return gravlin::linesAsSvg(mesh, lines, activeView->state.camera, size);
+  return gravlin::linesAsSvg(mesh, drawing, activeView->state.camera, size);
 }
 
 void DesktopOutside::setShownCounts(int usedVertices, int validFaces) {

@@ -58,8 +58,7 @@ class DesktopOutside : public Outside {
   void setLineWidthAndPointSize(float width, float size) override;
   ViewAngles viewAngles() const override;
   void setViewAngles(const ViewAngles& angles) override;
-  std::string linesAsSvg(const TriangleMesh& mesh,
-                         const std::vector<ExportedLine>& lines) const override;
+  std::string linesAsSvg(const TriangleMesh& mesh, const LinesToDraw& drawing) const override;
   void setShownCounts(int usedVertices, int validFaces) override;
 
  private:

@@ -59,9 +59,8 @@ class BatchOutside : public Outside {
   }
   ViewAngles viewAngles() const override { return view.camera.angles(); }
   void setViewAngles(const ViewAngles& angles) override { view.camera.setAngles(angles); }
-  std::string linesAsSvg(const TriangleMesh& mesh,
-                         const std::vector<ExportedLine>& lines) const override {
-    return gravlin::linesAsSvg(mesh, lines, view.camera, viewSize);
+  std::string linesAsSvg(const TriangleMesh& mesh, const LinesToDraw& drawing) const override {
+    return gravlin::linesAsSvg(mesh, drawing, view.camera, viewSize);
   }
   void setShownCounts(int usedVertices, int validFaces) override;
 

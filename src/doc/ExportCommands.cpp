@@ -23,15 +23,18 @@ bool CGravlinDoc::exportLines(const std::string& filePath) {
         "Max with \"Edge\".");
     return false;
   }
-  const std::vector<ExportedLine> lines = linesToExport(mesh, lineOrigin());
   const std::string extension = extensionOf(filePath);
+  // A picture has the lines that the view shows; a pen drawing leaves the weak ones out.
+  const bool penDrawing = extension == "svg" && displayMode == Silhouette;
+  const std::vector<ExportedLine> lines =
+      penDrawing ? linesToExport(mesh, silhouetteLines) : linesToExport(mesh, lineOrigin());
   std::string text;
   if (extension == "obj") {
     text = linesAsObj(mesh, lines);
   } else if (extension == "vtk") {
     text = linesAsVtk(mesh, lines);
   } else if (extension == "svg") {
-    text = outside.linesAsSvg(mesh, lines);
+    text = outside.linesAsSvg(mesh, {lines, {visualizationParameters.grayScale, penDrawing}});
   } else {
     outside.showMessage("Lines are written as .obj, .vtk or .svg files; " + filePath +
                         " is none of these.");

@@ -67,8 +67,7 @@ class Outside {
   virtual ViewAngles viewAngles() const = 0;
   virtual void setViewAngles(const ViewAngles& angles) = 0;
   /// The lines as the view shows them, as SVG text.
-  virtual std::string linesAsSvg(const TriangleMesh& mesh,
-                                 const std::vector<ExportedLine>& lines) const = 0;
+  virtual std::string linesAsSvg(const TriangleMesh& mesh, const LinesToDraw& drawing) const = 0;
   /// The numbers of used vertices and valid faces that views print in their corner.
   virtual void setShownCounts(int usedVertices, int validFaces) = 0;
 };

@@ -70,9 +70,9 @@ double meanCurvatureAlong(const TriangleMesh& mesh, const Polyline& line,
   return mesh.extentTolerance == 0.0 ? 0.0 : inMemory / mesh.extentTolerance;
 }
 
-void addLines(const TriangleMesh& mesh, const std::vector<IndexList>& links, int kind,
+void addLines(const TriangleMesh& mesh, std::vector<Polyline> polylines, int kind,
               const std::vector<double>& curvature, std::vector<ExportedLine>& lines) {
-  for (Polyline& line : chainLinks(links)) {
+  for (Polyline& line : polylines) {
     const double mean = meanCurvatureAlong(mesh, line, curvature);
     lines.push_back({kindNames[static_cast<std::size_t>(kind)], kind, std::move(line), mean});
   }
@@ -83,8 +83,15 @@ void addLines(const TriangleMesh& mesh, const std::vector<IndexList>& links, int
 std::vector<ExportedLine> linesToExport(const TriangleMesh& mesh, LineOrigin origin) {
   const int firstKind = origin == LineOrigin::RidgesAndValleys ? 0 : 2;
   std::vector<ExportedLine> lines;
-  addLines(mesh, mesh.ridgeLinks, firstKind, mesh.maxCurvature, lines);
-  addLines(mesh, mesh.valleyLinks, firstKind + 1, mesh.minCurvature, lines);
+  addLines(mesh, chainLinks(mesh.ridgeLinks), firstKind, mesh.maxCurvature, lines);
+  addLines(mesh, chainLinks(mesh.valleyLinks), firstKind + 1, mesh.minCurvature, lines);
+  return lines;
+}
+
+std::vector<ExportedLine> linesToExport(const TriangleMesh& mesh, const SilhouetteLines& drawing) {
+  std::vector<ExportedLine> lines;
+  addLines(mesh, drawing.ridges, 0, mesh.maxCurvature, lines);
+  addLines(mesh, drawing.valleys, 1, mesh.minCurvature, lines);
   return lines;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "features/LineChains.h"
+#include "features/SilhouetteLines.h"
 
 namespace gravlin {
 
@@ -17,11 +18,26 @@ struct ExportedLine {
       meanCurvature;  ///< of the line's own principal curvature, 1/length in file units; 0 unknown
 };
 
+/// How a view draws lines.
+struct LineStyle {
+  bool grayScale = false;   ///< white and black in place of colours
+  bool penDrawing = false;  ///< black, slightly smoothed, and with the contour of the mesh
+};
+
+/// The lines of a picture.
+struct LinesToDraw {
+  std::vector<ExportedLine> lines;
+  LineStyle style = {};
+};
+
 /// What the links of a mesh stand for.
 enum class LineOrigin { RidgesAndValleys, Creases };
 
 /// The chained ridge lines, then the chained valley lines of a mesh.
 std::vector<ExportedLine> linesToExport(const TriangleMesh& mesh, LineOrigin origin);
+
+/// The lines of a pen drawing, ridges first.
+std::vector<ExportedLine> linesToExport(const TriangleMesh& mesh, const SilhouetteLines& drawing);
 
 /// The lines as Wavefront text: one "v" record per line vertex, one "l" record per line, a group
 /// per kind. A closed line repeats its first vertex. Positions in the file's units.

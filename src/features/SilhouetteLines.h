@@ -24,6 +24,9 @@ struct LineSelection {
 /// Needs links and curvatures; without them there are no lines.
 SilhouetteLines selectSilhouetteLines(const TriangleMesh& mesh, const LineSelection& selection);
 
+/// How far the points of a line move when it is drawn with a pen; see smoothedAlong.
+inline constexpr float penSmoothingStep = 0.01F;
+
 /// The points of a line smoothed once along itself: each moves by `step` towards the midpoint of
 /// its two neighbours, the ends of an open line stay. The mesh is not changed.
 std::vector<Vec3> smoothedAlong(const TriangleMesh& mesh, const Polyline& line, float step);

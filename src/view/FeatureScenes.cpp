@@ -163,13 +163,12 @@ void addWeightedLines(Scene& scene, const TriangleMesh& mesh, const DrawnKind& k
 
 /// Lines of a pen drawing, in black as wide as the view's lines.
 Batch penLines(const TriangleMesh& mesh, const SilhouetteLines& lines) {
-  constexpr float step = 0.01F;
   Batch batch = plainBatch(Primitive::Lines, black);
   const auto known = [&mesh](int v) { return v < mesh.vertexCount; };
   for (const auto* kind : {&lines.ridges, &lines.valleys}) {
     for (const Polyline& line : *kind) {
       if (!std::ranges::all_of(line.vertices, known)) continue;  // of an earlier mesh
-      const std::vector<Vec3> points = smoothedAlong(mesh, line, step);
+      const std::vector<Vec3> points = smoothedAlong(mesh, line, penSmoothingStep);
       const std::size_t n = points.size();
       for (std::size_t k = 0; k + (line.closed ? 0 : 1) < n; ++k) {
         addSegment(batch, points[k], points[(k + 1) % n]);

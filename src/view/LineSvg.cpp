@@ -7,6 +7,11 @@
 #include <cstddef>
 #include <limits>
 #include <optional>
+#include <string_view>
+#include <utility>
+
+#include "features/LinkGrowth.h"
+#include "features/SilhouetteLines.h"
 
 namespace gravlin {
 namespace {
@@ -88,13 +93,16 @@ class DepthBuffer {
 
 using Projected = std::vector<std::optional<SeenPoint>>;
 
+std::optional<SeenPoint> projectPoint(const Vec3& p, const Camera& camera, ViewSize size) {
+  const auto point = camera.project(p, size);
+  const bool known = point && std::abs(point->x) < farOut && std::abs(point->y) < farOut;
+  return known ? point : std::nullopt;
+}
+
 Projected projectVertices(const TriangleMesh& mesh, const Camera& camera, ViewSize size) {
   Projected seen(static_cast<std::size_t>(mesh.vertexCount));
   for (int i = 0; i < mesh.vertexCount; ++i) {
-    const auto point = camera.project(mesh.position(i), size);
-    if (point && std::abs(point->x) < farOut && std::abs(point->y) < farOut) {
-      seen[static_cast<std::size_t>(i)] = point;
-    }
+    seen[static_cast<std::size_t>(i)] = projectPoint(mesh.position(i), camera, size);
   }
   return seen;
 }
@@ -201,43 +209,121 @@ class PathWriter {
   std::optional<SeenPoint> last;  ///< reached by the piece being drawn and not yet written
 };
 
-std::string visiblePaths(const Polyline& line, const Projected& seen, const DepthBuffer& buffer,
-                         ViewSize size) {
-  PathWriter paths(buffer, size);
-  const std::size_t n = line.vertices.size();
-  for (std::size_t k = 0; k + (line.closed ? 0 : 1) < n; ++k) {
-    const auto& a = seen[static_cast<std::size_t>(line.vertices[k])];
-    const auto& b = seen[static_cast<std::size_t>(line.vertices[(k + 1) % n])];
-    if (a && b) {
-      paths.addSegment(*a, *b);
-    } else {
-      paths.endPiece();
-    }
+/// Writes lines as one view shows them.
+class LinePicture {
+ public:
+  LinePicture(const TriangleMesh& shownMesh, const Camera& shownBy, ViewSize viewSize)
+      : mesh(shownMesh),
+        camera(shownBy),
+        size(viewSize),
+        seen(projectVertices(mesh, camera, size)),
+        buffer(depthOfSurface(mesh, seen, size)) {}
+
+  /// The visible pieces of a line through vertices.
+  std::string along(const Polyline& line) const {
+    Projected points;
+    for (const int v : line.vertices) points.push_back(seen[static_cast<std::size_t>(v)]);
+    return visiblePaths(points, line.closed);
   }
-  return paths.take();
+
+  /// The same of a line drawn with a pen.
+  std::string penned(const Polyline& line) const {
+    Projected points;
+    for (const Vec3& p : smoothedAlong(mesh, line, penSmoothingStep)) {
+      points.push_back(projectPoint(p, camera, size));
+    }
+    return visiblePaths(points, line.closed);
+  }
+
+  /// The edges between faces that look at the viewer and faces that look away, and those of one
+  /// face only.
+  std::string contour() const {
+    std::vector<IndexList> links(static_cast<std::size_t>(mesh.vertexCount));
+    const auto adjacent = std::min(mesh.faceAdjacency.size(), mesh.faces.size());
+    for (int f = 0; 3 * static_cast<std::size_t>(f) + 2 < adjacent; ++f) {
+      if (!mesh.validFace(f)) continue;
+      const auto corners = mesh.corners(f);
+      for (std::size_t k = 0; k < 3; ++k) {
+        const int g = mesh.faceAdjacency[3 * static_cast<std::size_t>(f) + k];
+        if (g >= 0 && (g < f || looksAtViewer(g) == looksAtViewer(f))) continue;
+        link(links, corners[k], corners[(k + 1) % 3]);
+      }
+    }
+    std::string text;
+    for (const Polyline& line : chainLinks(links)) text += along(line);
+    return text;
+  }
+
+ private:
+  bool looksAtViewer(int face) const {
+    const auto c = mesh.corners(face);
+    const auto at = [&](std::size_t k) { return seen[static_cast<std::size_t>(c[k])]; };
+    const auto p = at(0);
+    const auto q = at(1);
+    const auto r = at(2);
+    // Counter-clockwise, with y running downwards.
+    return p && q && r && (q->x - p->x) * (r->y - p->y) - (q->y - p->y) * (r->x - p->x) < 0.0;
+  }
+
+  std::string visiblePaths(const Projected& points, bool closed) const {
+    PathWriter paths(buffer, size);
+    const std::size_t n = points.size();
+    for (std::size_t k = 0; k + (closed ? 0 : 1) < n; ++k) {
+      const auto& a = points[k];
+      const auto& b = points[(k + 1) % n];
+      if (a && b) {
+        paths.addSegment(*a, *b);
+      } else {
+        paths.endPiece();
+      }
+    }
+    return paths.take();
+  }
+
+  const TriangleMesh& mesh;
+  const Camera& camera;
+  ViewSize size;
+  Projected seen;  ///< [V]
+  DepthBuffer buffer;
+};
+
+std::string_view colourOf(const ExportedLine& line, const LineStyle& style) {
+  const bool first = line.kindNumber % 2 == 0;  // ridges and convex creases
+  if (style.penDrawing) return "black";
+  if (style.grayScale) return first ? "white" : "black";
+  return first ? "red" : "blue";
+}
+
+std::string group(std::string_view id, std::string_view colour, const std::string& paths) {
+  std::string text = "<g id=\"";
+  text.append(id).append("\" stroke=\"").append(colour).append("\">\n");
+  return text.append(paths).append("</g>\n");
 }
 
 }  // namespace
 
-std::string linesAsSvg(const TriangleMesh& mesh, const std::vector<ExportedLine>& lines,
-                       const Camera& camera, ViewSize size) {
-  const Projected seen = projectVertices(mesh, camera, size);
-  const DepthBuffer buffer = depthOfSurface(mesh, seen, size);
+std::string linesAsSvg(const TriangleMesh& mesh, const LinesToDraw& drawing, const Camera& camera,
+                       ViewSize size) {
+  const LinePicture picture(mesh, camera, size);
   const std::string extent = " width=\"" + std::to_string(size.width) + "\" height=\"" +
                              std::to_string(size.height) + "\"";
   std::string text = "<svg xmlns=\"http://www.w3.org/2000/svg\"" + extent +
                      " fill=\"none\" stroke-width=\"1\" stroke-linecap=\"round\">\n";
-  int group = -1;
-  for (const ExportedLine& exported : lines) {
-    if (exported.kindNumber != group) {
-      if (group >= 0) text += "</g>\n";
-      group = exported.kindNumber;
-      text.append("<g id=\"").append(exported.kind);
-      text += group % 2 == 0 ? "\" stroke=\"red\">\n" : "\" stroke=\"blue\">\n";
-    }
-    text += visiblePaths(exported.line, seen, buffer, size);
+  const LineStyle& style = drawing.style;
+  if (style.penDrawing) {
+    text += group("contour", "black", picture.contour());
+  } else if (style.grayScale) {  // white and black are both seen on grey only
+    text += "<rect" + extent + " fill=\"gray\"/>\n";
   }
-  if (group >= 0) text += "</g>\n";
+  const std::vector<ExportedLine>& lines = drawing.lines;
+  for (std::size_t first = 0, end = 0; first < lines.size(); first = end) {
+    std::string paths;
+    for (; end < lines.size() && lines[end].kindNumber == lines[first].kindNumber; ++end) {
+      const Polyline& line = lines[end].line;
+      paths += style.penDrawing ? picture.penned(line) : picture.along(line);
+    }
+    text += group(lines[first].kind, colourOf(lines[first], style), paths);
+  }
   return text + "</svg>\n";
 }
 

@@ -350,6 +350,35 @@ TEST(ExportLinesCommand, CancelWritesNothingAndSoDoesNoMeshWithAMessage) {
   EXPECT_EQ(desk.outside.messages.size(), 1U);
 }
 
+std::string exportedAs(Desk& desk, const std::string& extension) {
+  const std::string path = ::testing::TempDir() + "gravlin-exported-lines" + extension;
+  EXPECT_TRUE(desk.doc.exportLines(path));
+  return take(path);
+}
+
+TEST(ExportLinesCommand, APictureOfAPenDrawingHasOnlyTheLinesThatItShows) {
+  Desk desk(bumpyGrid(30, 30));
+  desk.doc.OnSilhouette();
+  const SilhouetteLines& shown = desk.doc.silhouetteLines;
+  const std::size_t strong = shown.ridges.size() + shown.valleys.size();
+  const std::size_t all = linesToExport(desk.mesh(), LineOrigin::RidgesAndValleys).size();
+  ASSERT_LT(strong, all);
+  EXPECT_EQ(exportedAs(desk, ".svg"), "pen drawing of " + std::to_string(strong) + " lines");
+  std::stringstream obj(exportedAs(desk, ".obj"));
+  std::size_t records = 0;
+  for (std::string line; std::getline(obj, line);) records += line.starts_with("l ") ? 1 : 0;
+  EXPECT_EQ(records, all);
+  desk.doc.OnFlatShading();
+  EXPECT_EQ(exportedAs(desk, ".svg"), "picture of " + std::to_string(all) + " lines");
+}
+
+TEST(ExportLinesCommand, APictureIsInGreyWhenTheViewIs) {
+  Desk desk(cube());
+  desk.findCreases({{"thresholdMode", "angle"}});
+  desk.doc.visualizationParameters.grayScale = true;
+  EXPECT_EQ(exportedAs(desk, ".svg"), "picture of 12 lines in grey");
+}
+
 TEST(SilhouetteCommand, PreparesStrokesCoherentFacesAndStrongLines) {
   Desk desk(bumpyGrid(30, 30));
   desk.doc.OnSilhouette();

@@ -114,9 +114,10 @@ void ScriptedOutside::setViewAngles(const ViewAngles& newAngles) {
   angles = newAngles;
 }
 
-std::string ScriptedOutside::linesAsSvg(const TriangleMesh&,
-                                        const std::vector<ExportedLine>& lines) const {
-  return "picture of " + std::to_string(lines.size()) + " lines";
+std::string ScriptedOutside::linesAsSvg(const TriangleMesh&, const LinesToDraw& drawing) const {
+  const LineStyle& style = drawing.style;
+  return std::string(style.penDrawing ? "pen drawing" : "picture") + " of " +
+         std::to_string(drawing.lines.size()) + " lines" + (style.grayScale ? " in grey" : "");
 }
 
 void ScriptedOutside::setShownCounts(int usedVertices, int validFaces) {

@@ -64,8 +64,7 @@ class ScriptedOutside : public Outside {
   void setLineWidthAndPointSize(float width, float size) override;
   ViewAngles viewAngles() const override { return angles; }
   void setViewAngles(const ViewAngles& newAngles) override;
-  std::string linesAsSvg(const TriangleMesh& mesh,
-                         const std::vector<ExportedLine>& lines) const override;
+  std::string linesAsSvg(const TriangleMesh& mesh, const LinesToDraw& drawing) const override;
   void setShownCounts(int usedVertices, int validFaces) override;
 };
 

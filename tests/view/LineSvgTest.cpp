@@ -18,7 +18,7 @@ int count(const std::string& text, const std::string& word) {
 }
 
 std::string svgOf(const TriangleMesh& mesh, Polyline line) {
-  return linesAsSvg(mesh, {{"ridge", 0, std::move(line), 0.0}}, Camera(), size);
+  return linesAsSvg(mesh, {{{"ridge", 0, std::move(line), 0.0}}}, Camera(), size);
 }
 
 TEST(LineSvg, ProjectionIsTheInverseOfAiming) {
@@ -74,11 +74,61 @@ TEST(LineSvg, AClosedLineOnAVisibleSideIsOnePathThatComesBack) {
 
 TEST(LineSvg, KindsAreGroupsInTheirColours) {
   const std::string text = linesAsSvg(
-      test::cube(), {{"ridge", 0, {{4, 5}, false}, 0.0}, {"valley", 1, {{5, 6}, false}, 0.0}},
+      test::cube(), {{{"ridge", 0, {{4, 5}, false}, 0.0}, {"valley", 1, {{5, 6}, false}, 0.0}}},
       Camera(), size);
   EXPECT_EQ(count(text, "<g id=\"ridge\" stroke=\"red\">"), 1);
   EXPECT_EQ(count(text, "<g id=\"valley\" stroke=\"blue\">"), 1);
   EXPECT_EQ(count(text, "</g>"), 2);
+}
+
+const LinesToDraw twoLines = {
+    {{"ridge", 0, {{4, 5}, false}, 0.0}, {"valley", 1, {{5, 6}, false}, 0.0}}, {}};
+
+TEST(LineSvg, GreyScaleIsWhiteAndBlackOnGrey) {
+  const std::string text =
+      linesAsSvg(test::cube(), {twoLines.lines, {.grayScale = true}}, Camera(), size);
+  EXPECT_EQ(count(text, "<rect width=\"300\" height=\"300\" fill=\"gray\"/>"), 1);
+  EXPECT_EQ(count(text, "<g id=\"ridge\" stroke=\"white\">"), 1);
+  EXPECT_EQ(count(text, "<g id=\"valley\" stroke=\"black\">"), 1);
+}
+
+// The eye sees three sides of the cube: the contour is a hexagon. The edges between those sides,
+// the diagonals in all sides and the three edges behind are no contour.
+TEST(LineSvg, APenDrawingIsBlackAndHasTheContour) {
+  for (const bool grey : {false, true}) {
+    const std::string text = linesAsSvg(
+        test::cube(), {twoLines.lines, {.grayScale = grey, .penDrawing = true}}, Camera(), size);
+    const auto from = text.find("<g id=\"contour\" stroke=\"black\">");
+    ASSERT_NE(from, std::string::npos);
+    const std::string contour = text.substr(from, text.find("</g>", from) - from);
+    EXPECT_EQ(count(contour, "<path"), 1);
+    EXPECT_EQ(count(contour, "L"), 6);
+    EXPECT_EQ(count(text, "<g id=\"ridge\" stroke=\"black\">"), 1);
+    EXPECT_EQ(count(text, "<g id=\"valley\" stroke=\"black\">"), 1);
+    EXPECT_EQ(count(text, "<rect"), 0);
+  }
+}
+
+TEST(LineSvg, TheContourHasTheBoundaryAndNothingThatTheSurfaceHides) {
+  const auto contourPaths = [](double distanceBehind) {
+    return count(linesAsSvg(screenBeforeTriangle(distanceBehind), {{}, {.penDrawing = true}},
+                            Camera(), size),
+                 "<path");
+  };
+  EXPECT_EQ(contourPaths(5.0), 1) << "the large triangle";
+  EXPECT_EQ(contourPaths(-5.0), 2);
+}
+
+// The corner in the middle moves by a hundredth of the way to the midpoint of its neighbours.
+TEST(LineSvg, APenDrawingSmoothsItsLines) {
+  const auto paths = [](float height, bool pen) {
+    const TriangleMesh mesh = test::makeMesh({{-1, 0, 0}, {0, 0, height}, {1, 0, 0}}, {});
+    const std::string text = linesAsSvg(
+        mesh, {{{"ridge", 0, {{0, 1, 2}, false}, 0.0}}, {.penDrawing = pen}}, Camera(), size);
+    return text.substr(text.find("<path"));
+  };
+  EXPECT_EQ(paths(8.0F, true), paths(7.92F, false));
+  EXPECT_NE(paths(8.0F, true), paths(8.0F, false));
 }
 
 TEST(LineSvg, LinesBeyondTheEdgesOfTheViewAreCutOff) {
@@ -86,7 +136,7 @@ TEST(LineSvg, LinesBeyondTheEdgesOfTheViewAreCutOff) {
   camera.fieldOfView = 0.5F;
   camera.translation = {0.0F, 0.0F, -1.0F};  // the middle of the upper side to the centre
   const std::string text =
-      linesAsSvg(test::cube(), {{"ridge", 0, {{4, 6}, false}, 0.0}}, camera, size);
+      linesAsSvg(test::cube(), {{{"ridge", 0, {{4, 6}, false}, 0.0}}}, camera, size);
   EXPECT_EQ(count(text, "<path"), 1);
   EXPECT_EQ(text.find('-', text.find("<path")), std::string::npos) << "no negative coordinate";
 }
@@ -113,7 +163,7 @@ TEST(LineSvg, CoordinatesStayWithinTheViewHoweverCloseItLooks) {
     camera.fieldOfView = fieldOfView;
     camera.translation = {0.0F, 0.0F, -1.0F};  // the middle of the upper side to the centre
     const std::string text =
-        linesAsSvg(test::cube(), {{"ridge", 0, {{4, 6, 7}, false}, 0.0}}, camera, size);
+        linesAsSvg(test::cube(), {{{"ridge", 0, {{4, 6, 7}, false}, 0.0}}}, camera, size);
     EXPECT_EQ(text.substr(text.size() - 7), "</svg>\n");
     for (auto path = text.find("d=\"M"); path != std::string::npos;
          path = text.find("d=\"M", path)) {
@@ -137,8 +187,11 @@ TEST(LineSvg, HostileMeshesAndViewsPass) {
          {22.5F, 0.0F, -5.0F, 1e-6F, 1e-30F, 180.0F, 1e30F, std::nanf("")}) {
       Camera camera;
       camera.fieldOfView = fieldOfView;
-      const std::string text = linesAsSvg(mesh, {{"ridge", 0, line, 0.0}}, camera, size);
-      EXPECT_EQ(text.substr(text.size() - 7), "</svg>\n");
+      for (const bool pen : {false, true}) {
+        const std::string text =
+            linesAsSvg(mesh, {{{"ridge", 0, line, 0.0}}, {.penDrawing = pen}}, camera, size);
+        EXPECT_EQ(text.substr(text.size() - 7), "</svg>\n");
+      }
     }
   }
 }
