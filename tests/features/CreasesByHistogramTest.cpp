@@ -1,7 +1,11 @@
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
+#include <random>
+#include <utility>
 #include <vector>
 
 #include "features/CreasesByHistogram.h"
@@ -95,6 +99,180 @@ TEST(CreasesByHistogram, AWeakerShareNeverLosesAnEdge) {
       EXPECT_THAT(many.ridgeLinks[v], ::testing::Contains(w));
     }
   }
+}
+
+/// The creases found step by step with no regard to time, and why candidates were dropped.
+struct PlainCreases {
+  using Lists = std::vector<std::vector<int>>;
+  const TriangleMesh& mesh;
+  Lists convex;
+  Lists concave;
+  int droppedByFOnly = 0;
+  int droppedByGOnly = 0;
+  int withoutFarFaces = 0;  ///< on exactly one side
+  int grown = 0;
+
+  PlainCreases(const TriangleMesh& m, CreaseShares shares)
+      : mesh(m), convex(size()), concave(size()) {
+    std::vector<float> X;
+    std::vector<float> Y;
+    forEachEdge([&](int f, int, int, int g) {
+      const double s = edgeFold(mesh, f, g).foldSum;
+      if (!edgeFold(mesh, f, g).centroidsDiffer || !(s >= 0.0 && s <= 6.2831853)) return;
+      const float c = std::min(1.0F, std::max(-1.0F, normalCosine(mesh, f, g)));
+      if (s > 3.14159265) X.push_back(c);
+      if (s < 3.14159265) Y.push_back(c);
+    });
+    std::sort(X.begin(), X.end());
+    std::sort(Y.begin(), Y.end());
+    const auto at = [](const std::vector<float>& sorted, float share) {
+      if (sorted.empty()) return 0.0F;
+      const auto n = static_cast<double>(sorted.size());
+      const auto index = static_cast<std::size_t>(n * (1.0 - static_cast<double>(share)));
+      return sorted[std::min(index, sorted.size() - 1)];
+    };
+    Lists weakConvex(size());
+    Lists weakConcave(size());
+    forEachEdge([&](int f, int a, int b, int g) {
+      const double s = edgeFold(mesh, f, g).foldSum;
+      const float c = normalCosine(mesh, f, g);
+      const bool isConvex = s > 3.14159265 && c <= at(X, shares.low);
+      const bool isConcave = s < 3.14159265 && c <= at(Y, shares.low);
+      if (!(isConvex || isConcave) || !sharpest(f, a, b, g, c)) return;
+      link(isConvex ? weakConvex : weakConcave, a, b);
+      if (isConvex && c < at(X, shares.hi)) link(convex, a, b);
+      if (isConcave && c < at(Y, shares.hi)) link(concave, a, b);
+    });
+    grow(convex, weakConvex);
+    grow(concave, weakConcave);
+  }
+
+  std::size_t size() const { return static_cast<std::size_t>(mesh.vertexCount); }
+
+  template <class Visit>
+  void forEachEdge(Visit visit) const {
+    for (int f = 0; f < mesh.faceCount; ++f) {
+      for (std::size_t k = 0; k < 3; ++k) {
+        const int g = mesh.faceAdjacency[3 * static_cast<std::size_t>(f) + k];
+        if (g > f) visit(f, mesh.corners(f)[k], mesh.corners(f)[(k + 1) % 3], g);
+      }
+    }
+  }
+
+  static void link(Lists& lists, int a, int b) {
+    lists[static_cast<std::size_t>(a)].push_back(b);
+    lists[static_cast<std::size_t>(b)].push_back(a);
+  }
+
+  static void grow(Lists& strong, const Lists& weak, int& grown) {
+    for (bool changed = true; changed;) {
+      changed = false;
+      for (std::size_t v = 0; v < strong.size(); ++v) {
+        if (strong[v].empty()) continue;
+        for (const int w : weak[v]) {
+          if (std::count(strong[v].begin(), strong[v].end(), w) != 0) continue;
+          link(strong, static_cast<int>(v), w);
+          changed = true;
+          ++grown;
+        }
+      }
+    }
+  }
+  void grow(Lists& strong, const Lists& weak) { grow(strong, weak, grown); }
+
+  int third(int f, int a, int b) const {
+    for (const int v : mesh.corners(f)) {
+      if (v != a && v != b) return v;
+    }
+    return -1;
+  }
+
+  /// The face across the edge of `f` between two vertices; -1 for none and for no face.
+  int across(int f, int a, int b) const {
+    for (std::size_t k = 0; f >= 0 && k < 3; ++k) {
+      const int p = mesh.corners(f)[k];
+      const int q = mesh.corners(f)[(k + 1) % 3];
+      if ((p == a && q == b) || (p == b && q == a)) {
+        return mesh.faceAdjacency[3 * static_cast<std::size_t>(f) + k];
+      }
+    }
+    return -1;
+  }
+
+  /// The corner of `f` before, or after, the given one.
+  int beside(int f, int corner, std::size_t steps) const {
+    for (std::size_t k = 0; k < 3; ++k) {
+      if (mesh.corners(f)[k] == corner) return mesh.corners(f)[(k + steps) % 3];
+    }
+    return -1;
+  }
+
+  /// The mean cosine on one side, where `o` is the far corner of face f and its corners run
+  /// from, to, o. Nothing without far faces.
+  std::optional<float> average(int f, int from, int to, int o) const {
+    double sum = 0.0;
+    int count = 0;
+    const int f1 = across(f, to, o);
+    const int f2 = across(f, o, from);
+    const int h1 = f1 < 0 ? -1 : across(f1, beside(f1, o, 2), o);
+    const int h2 = f2 < 0 ? -1 : across(f2, o, beside(f2, o, 1));
+    for (const auto& [near, far] : {std::pair{f1, h1}, {f2, h2}}) {
+      if (near < 0 || far < 0) continue;
+      sum += dot(mesh.faceNormal(near), mesh.faceNormal(far));
+      ++count;
+    }
+    if (count == 0) return std::nullopt;
+    return static_cast<float>(sum / count);
+  }
+
+  bool sharpest(int f, int a, int b, int g, float c) {
+    const auto avgF = average(f, a, b, third(f, a, b));
+    const auto avgG = average(g, b, a, third(g, a, b));
+    withoutFarFaces += avgF.has_value() != avgG.has_value() ? 1 : 0;
+    if (!avgF || !avgG) return false;
+    droppedByFOnly += c >= *avgF && !(c >= *avgG) ? 1 : 0;
+    droppedByGOnly += c >= *avgG && !(c >= *avgF) ? 1 : 0;
+    return c < *avgF && c < *avgG;
+  }
+};
+
+TEST(CreasesByHistogram, LinksAreThoseOfThePlainAlgorithm) {
+  std::mt19937 random(5);
+  int droppedByFOnly = 0;
+  int droppedByGOnly = 0;
+  int withoutFarFaces = 0;
+  int grown = 0;
+  for (int round = 0; round < 200; ++round) {
+    SCOPED_TRACE(round);
+    const auto size = static_cast<double>(1 + random() % 8);
+    TriangleMesh mesh = round % 3 == 0   ? jittered(grid(2, 2), 0.3)
+                        : round % 3 == 1 ? jittered(bumpyGrid(6, 5), 0.05 * size)
+                                         : jittered(torus(9, 7), 0.02 * size);
+    for (int i = 0; i < mesh.vertexCount; ++i) {
+      const Vec3 p = mesh.position(i);
+      mesh.setPosition(i, {p.x, p.y, p.z + 0.001 * static_cast<double>(random() % 300)});
+    }
+    mesh.computeNormals();
+    const CreaseShares shares = {static_cast<float>(random() % 101) * 0.01F,
+                                 static_cast<float>(random() % 101) * 0.01F};
+    const PlainCreases plain(mesh, shares);
+    detectCreasesByHistogram(mesh, shares);
+    const auto listsOf = [](const std::vector<IndexList>& links) {
+      PlainCreases::Lists lists;
+      for (const IndexList& list : links) lists.emplace_back(list.begin(), list.end());
+      return lists;
+    };
+    ASSERT_EQ(listsOf(mesh.ridgeLinks), plain.convex);
+    ASSERT_EQ(listsOf(mesh.valleyLinks), plain.concave);
+    droppedByFOnly += plain.droppedByFOnly;
+    droppedByGOnly += plain.droppedByGOnly;
+    withoutFarFaces += plain.withoutFarFaces;
+    grown += plain.grown;
+  }
+  EXPECT_GT(droppedByFOnly, 100);
+  EXPECT_GT(droppedByGOnly, 100);
+  EXPECT_GT(withoutFarFaces, 10);
+  EXPECT_GT(grown, 100);
 }
 
 enum class Side { Convex, Concave };

@@ -1,7 +1,10 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <random>
+#include <vector>
 
 #include "features/ExtremaExtraction.h"
 #include "features/MarkedMeshes.h"
@@ -160,6 +163,191 @@ TEST(ExtremaExtraction, APositionThatIsNotANumberMarksNeitherItsVertexNorThoseBe
   EXPECT_EQ(mark(4, 3), 0);
   EXPECT_EQ(mark(4, 1), 1) << "its ring has only numbers";
   EXPECT_EQ(mark(4, 5), 1) << "its ring has only numbers, and new cuts on every side";
+}
+
+/// The marks found step by step with no regard to time, and how often the rarer steps were taken.
+struct PlainExtraction {
+  struct Record {
+    double K = 0.0;  ///< maximum curvature
+    double k = 0.0;  ///< minimum curvature
+    double D = 0.0;  ///< squared distance
+  };
+  const TriangleMesh& mesh;
+  std::vector<int> ridgeMarks;
+  std::vector<int> valleyMarks;
+  std::array<std::array<Record, 2>, 2> records{};  ///< by plane, then behind and ahead
+  int insideEdges = 0;                             ///< cuts strictly between the ends of an edge
+  int onPlane = 0;                                 ///< second ends exactly on the plane
+  int overwritten = 0;
+
+  explicit PlainExtraction(const TriangleMesh& m) : mesh(m) {
+    for (int i = 0; i < mesh.vertexCount; ++i) visit(i);
+  }
+
+  void visit(int i) {
+    const auto at = static_cast<std::size_t>(i);
+    ridgeMarks.push_back(0);
+    valleyMarks.push_back(0);
+    const auto ring = mesh.getNeighbours(i);
+    if (mesh.vertexKind[at] != InteriorVertex || ring.empty()) return;
+    const Vec3 N = mesh.vertexNormal(i);
+    const std::array planes = {cross(N, loadVec3(&mesh.maxDirection[3 * at])),
+                               cross(N, loadVec3(&mesh.minDirection[3 * at]))};
+    for (std::size_t plane = 0; plane < 2; ++plane) {
+      std::array cuts = {0, 0};
+      for (std::size_t q = 0; q < ring.size(); ++q) {
+        cutEdge(i, ring[q], ring[(q + 1) % ring.size()], planes[plane], records[plane], cuts);
+      }
+      overwritten += (cuts[0] > 1 ? 1 : 0) + (cuts[1] > 1 ? 1 : 0);
+    }
+    const double K = mesh.maxCurvature[at];
+    const double k = mesh.minCurvature[at];
+    const auto& [b1, a1] = records[0];
+    const auto& [b2, a2] = records[1];
+    const double g = (K - b2.K) / std::sqrt(b2.D) + (a2.K - K) / std::sqrt(a2.D) -
+                     (a2.K - b2.K) / (std::sqrt(b2.D) + std::sqrt(a2.D));
+    const double h = (k - b1.k) / std::sqrt(b1.D) + (a1.k - k) / std::sqrt(a1.D) -
+                     (a1.k - b1.k) / (std::sqrt(b1.D) + std::sqrt(a1.D));
+    const double twice = 2.0 * (K - k);
+    if (K > b1.K + g * g * b1.D / twice && K > a1.K + g * g * a1.D / twice) ridgeMarks[at] = 1;
+    if (k < b2.k - h * h * b2.D / twice && k < a2.k - h * h * a2.D / twice) valleyMarks[at] = 1;
+  }
+
+  Vec3 inSingle(int i, int j) const {
+    const Vec3 d = mesh.position(i) - mesh.position(j);
+    return {static_cast<double>(static_cast<float>(d.x)),
+            static_cast<double>(static_cast<float>(d.y)),
+            static_cast<double>(static_cast<float>(d.z))};
+  }
+
+  void cutEdge(int i, int j, int l, const Vec3& B, std::array<Record, 2>& sides,
+               std::array<int, 2>& cuts) {
+    const Vec3 p = mesh.position(i);
+    const Vec3 dj = inSingle(i, j);
+    const Vec3 dl = inSingle(i, l);
+    const double a = dot(dj, B);
+    const double b = dot(dl, B);
+    if (a * b > 0.0) return;
+    insideEdges += a != 0.0 && b != 0.0 ? 1 : 0;
+    onPlane += b == 0.0 ? 1 : 0;
+    const Vec3 e = (std::abs(b) * dj + std::abs(a) * dl) / (std::abs(a) + std::abs(b));
+    const Vec3 X = p - e;
+    const double Aj = 0.5 * length(cross(-dj, X - p));
+    const double Al = 0.5 * length(cross(-dl, X - p));
+    const auto at = [&](const std::vector<double>& field) {
+      return (Aj * field[static_cast<std::size_t>(l)] + Al * field[static_cast<std::size_t>(j)]) /
+             (Aj + Al);
+    };
+    const std::size_t side = b < 0.0 ? 1 : 0;
+    sides[side] = {at(mesh.maxCurvature), at(mesh.minCurvature), dot(e, e)};
+    ++cuts[side];
+  }
+};
+
+TEST(ExtremaExtraction, MarksAreThoseOfThePlainAlgorithm) {
+  std::mt19937 random(31);
+  const auto number = [&] { return static_cast<double>(random() % 2001) / 1000.0 - 1.0; };
+  int insideEdges = 0;
+  int onPlane = 0;
+  int overwritten = 0;
+  int marks = 0;
+  for (int round = 0; round < 300; ++round) {
+    SCOPED_TRACE(round);
+    // Flat and even: section planes along the axes pass exactly through ring vertices.
+    const bool even = round % 3 == 0;
+    TriangleMesh mesh = even             ? grid(7, 6)
+                        : round % 3 == 1 ? jittered(bumpyGrid(7, 6), 0.2)
+                                         : jittered(icosphere(1, 3.0), 0.1);
+    prepareLines(mesh, 0.0, 0.0);
+    for (std::size_t i = 0; i < mesh.maxCurvature.size(); ++i) {
+      mesh.maxCurvature[i] = number() + 2.0;
+      mesh.minCurvature[i] = number() - 2.0;
+      const Vec3 n = loadVec3(&mesh.vertexNormals[3 * i]);
+      const Vec3 e1 = even ? Vec3{random() % 2 == 0 ? 1.0 : -1.0, 0.0, 0.0}
+                           : unitOrZero(cross(n, Vec3{number(), number(), number() + 2.0}));
+      const Vec3 e2 = cross(n, e1);
+      for (const double x : {e1.x, e1.y, e1.z}) mesh.maxDirection.push_back(x);
+      for (const double x : {e2.x, e2.y, e2.z}) mesh.minDirection.push_back(x);
+    }
+    const PlainExtraction plain(mesh);
+    extractExtrema(mesh);
+    ASSERT_EQ(mesh.ridgeMarks, plain.ridgeMarks);
+    ASSERT_EQ(mesh.valleyMarks, plain.valleyMarks);
+    insideEdges += plain.insideEdges;
+    onPlane += plain.onPlane;
+    overwritten += plain.overwritten;
+    marks += static_cast<int>(std::ranges::count(plain.ridgeMarks, 1));
+  }
+  EXPECT_GT(insideEdges, 1000);
+  EXPECT_GT(onPlane, 1000);
+  EXPECT_GT(overwritten, 1000);
+  EXPECT_GT(marks, 100);
+}
+
+/// An interior vertex 0 at the origin of the plane with neighbours at (2, 1), (-1, 1), (-1, -1) and
+/// (2, -1) and the principal directions of the axes. The section along x leaves between the two
+/// right neighbours at (2, 0) and the two left ones at (-1, 0); that along y cuts the upper and the
+/// lower edge a third of the way from left to right.
+TriangleMesh unevenRing(const std::array<double, 5>& maxCurvature) {
+  TriangleMesh mesh = makeMesh({{0, 0, 0}, {2, 1, 0}, {-1, 1, 0}, {-1, -1, 0}, {2, -1, 0}},
+                               {{0, 1, 2}, {0, 2, 3}, {0, 3, 4}, {0, 4, 1}});
+  prepareLines(mesh, 0.0, -50.0);
+  mesh.maxCurvature.assign(maxCurvature.begin(), maxCurvature.end());
+  for (int i = 0; i < 5; ++i) {
+    mesh.maxDirection.insert(mesh.maxDirection.end(), {1.0, 0.0, 0.0});
+    mesh.minDirection.insert(mesh.minDirection.end(), {0.0, 1.0, 0.0});
+  }
+  return mesh;
+}
+
+// Above the vertex the curvature is t, 2/3 of the left upper neighbour's and 1/3 of the right
+// one's; below it is -t, and 0 behind and ahead, halfway between the upper and the lower
+// neighbours. With K = 1 at the vertex the slopes are 1 + t below, t - 1 above and t between: g =
+// t. The bar is higher ahead, at a squared distance of 4: 1 > t^2 4 / (2 * 51), that is t^2 < 25.5.
+TEST(ExtremaExtraction, CutsWithinAnEdgeAreWeightedByWhatLiesOnEitherSide) {
+  const auto marked = [](double left, double right) {
+    TriangleMesh mesh = unevenRing({1.0, right, left, -left, -right});
+    extractExtrema(mesh);
+    return mesh.ridgeMarks[0];
+  };
+  EXPECT_EQ(marked(5.0, 5.0), 1);
+  EXPECT_EQ(marked(5.1, 5.1), 0);
+  EXPECT_EQ(marked(3.0, 9.0), 1) << "t = 5";
+  EXPECT_EQ(marked(3.0, 9.3), 0) << "t = 5.1";
+  EXPECT_EQ(marked(6.0, 3.0), 1) << "t = 5";
+  EXPECT_EQ(marked(6.15, 3.0), 0) << "t = 5.1";
+}
+
+// The upper edge passes through the vertex itself: the slope towards it is not finite.
+TEST(ExtremaExtraction, ACutAtNoDistanceMarksNothing) {
+  const auto marked = [](float heightOfUpperEdge, double upper) {
+    TriangleMesh mesh = unevenRing({1.0, upper, upper, 0.0, 0.0});
+    mesh.setPosition(1, {2.0, static_cast<double>(heightOfUpperEdge), 0.0});
+    mesh.setPosition(2, {-1.0, static_cast<double>(heightOfUpperEdge), 0.0});
+    extractExtrema(mesh);
+    return mesh.ridgeMarks[0];
+  };
+  EXPECT_EQ(marked(0.5F, 0.5), 1);
+  EXPECT_EQ(marked(0.0F, 0.5), 0);
+  EXPECT_EQ(marked(0.0F, 1.0), 0);
+}
+
+// The section along y of the first vertex lies in the plane x = 0, which misses the ring.
+TEST(ExtremaExtraction, BeforeAnyCutTheCurvatureOnASideCountsAs0) {
+  const auto markOfApex = [](double everywhere) {
+    TriangleMesh mesh =
+        makeMesh({{0, 0, 0}, {1, 1, 0}, {1, 0, 1}, {1, -1, -1}}, {{0, 1, 2}, {0, 2, 3}, {0, 3, 1}});
+    prepareLines(mesh, everywhere, -10.0);
+    for (int i = 0; i < 4; ++i) {
+      mesh.maxDirection.insert(mesh.maxDirection.end(), {0.0, 1.0, 0.0});
+      mesh.minDirection.insert(mesh.minDirection.end(), {1.0, 0.0, 0.0});
+      storeVec3(mesh.vertexNormals.data() + 3 * i, {0.0, 0.0, 1.0});
+    }
+    extractExtrema(mesh);
+    return mesh.ridgeMarks[0];
+  };
+  EXPECT_EQ(markOfApex(0.5), 1);
+  EXPECT_EQ(markOfApex(-0.5), 0);
 }
 
 TEST(ExtremaExtraction, BoundaryAndNonManifoldVerticesGetNoMark) {

@@ -61,6 +61,16 @@ TEST(RidgeThresholds, HistogramTakesPercentilesOfPositiveMaximaAndNegativeMinima
       << "boundary vertices are not touched";
 }
 
+// 0.7 in single precision is a little less than 0.7: the largest value passes its own percentile.
+TEST(RidgeThresholds, PercentilesAreOfValuesInSinglePrecision) {
+  TriangleMesh mesh = allMarked({0.7, 0, 0, 0, 0, 0, 0}, {-0.7, 0, 0, 0, 0, 0, 0});
+  const LowThresholds low = thresholdHistogram(mesh, {1.0F, 1.0F});
+  EXPECT_EQ(mesh.ridgeMarks[0], 1);
+  EXPECT_EQ(mesh.valleyMarks[0], 1);
+  EXPECT_EQ(low.ridgeLow, static_cast<double>(0.7F));
+  EXPECT_EQ(low.valleyLow, static_cast<double>(-0.7F));
+}
+
 TEST(RidgeThresholds, UpperShareOneLetsNoRidgeSurvive) {
   TriangleMesh mesh = allMarked({6, 1, 2, 3, 4, 5, 0}, {0, 0, 0, 0, 0, 0, 0});
   thresholdHistogram(mesh, {1.0F, 0.3F});
