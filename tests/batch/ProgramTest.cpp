@@ -45,6 +45,20 @@ TEST_F(Program, OpensAndSaves) {
   EXPECT_THAT(test::contentOf(folder.file("out.ply2")), StartsWith("4\n2\n0.000000 0.000000"));
 }
 
+// The creases of a flat square are its boundary, one closed line in the units of the file.
+TEST_F(Program, ExportsLines) {
+  const std::string find = "open " + mesh + " face-angle --threshold-mode angle ";
+  const test::RunResult result = run(find + "export-lines " + in("lines.obj") +
+                                     " visualization --gray-scale export-lines " + in("lines.svg"));
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(test::contentOf(folder.file("lines.obj")),
+            "v 0 0 0\nv 4 0 0\nv 4 2 0\nv 0 2 0\ng convex_crease\nl 1 2 3 4 1\n");
+  EXPECT_THAT(test::contentOf(folder.file("lines.svg")),
+              HasSubstr("<g id=\"convex_crease\" stroke=\"white\">\n<path"));
+  EXPECT_NE(run(find + "export-lines " + in("lines.txt")).status, 0);
+  EXPECT_FALSE(exists("lines.txt"));
+}
+
 TEST_F(Program, RefusesAValueOutsideItsRangeBeforeTheFirstStepRuns) {
   const test::RunResult result =
       run("open " + mesh + " save " + in("out.ply2") + " visualization --line-width 100.5");

@@ -1,11 +1,16 @@
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sstream>
 
+#include "curvature/CurvatureDerivatives.h"
+#include "curvature/CurvatureTensor.h"
+#include "curvature/DirectionCoherence.h"
 #include "doc/CGravlinDoc.h"
+#include "features/CreasesByAngle.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 
@@ -101,6 +106,104 @@ TEST(LocalMaxCommand, RidgeDirectionComputesDerivativesOnTheSmoothedShapeAndRest
   EXPECT_NE(desk.mesh().maxDerivativeGradient, unsmoothed.mesh().maxDerivativeGradient);
 }
 
+/// The desk's shape after two Laplacian steps, as the first stage leaves it, with its curvature.
+TriangleMesh smoothedByHand(Desk& desk) {
+  Desk smoothed(desk.mesh());
+  smoothed.answer(fewLaplacianSteps());
+  smoothed.doc.OnSmoothingShape();
+  smoothed.mesh().computeVertexNormals();
+  computeCurvatureTensor(smoothed.mesh());
+  return std::move(smoothed.mesh());
+}
+
+LowThresholds markByHand(TriangleMesh& mesh) {
+  extractExtrema(mesh);
+  const LowThresholds low = thresholdHistogram(mesh, {.upper = 0.6F, .lower = 0.3F});
+  compareAbsoluteValues(mesh);
+  fillGaps(mesh);
+  return low;
+}
+
+TEST(LocalMaxCommand, RidgeDirectionsAreThoseOfTheSmoothedShape) {
+  Desk desk(bumpyGrid(20, 20));
+  TriangleMesh byHand = smoothedByHand(desk);
+  markByHand(byHand);
+  computeCurvatureDerivatives(byHand);
+  desk.answer(fewLaplacianSteps());
+  desk.findLines({{"preSmoothing", "common"}, {"showRidgeDirection", "1"}});
+  EXPECT_EQ(desk.mesh().ridgeMarks, byHand.ridgeMarks);
+  EXPECT_EQ(desk.mesh().valleyMarks, byHand.valleyMarks);
+  EXPECT_EQ(desk.mesh().maxDerivativeGradient, byHand.maxDerivativeGradient);
+  EXPECT_EQ(desk.mesh().minDerivativeGradient, byHand.minDerivativeGradient);
+}
+
+// The lines come from the smoothed shape, and what is smoothed along them is the restored one.
+TEST(LocalMaxCommand, RidgeEdgesAreSmoothedOnTheRestoredShapeByATenthPerStep) {
+  Desk desk(bumpyGrid(30, 30));
+  const auto positions = desk.mesh().vertices;
+  TriangleMesh byHand = smoothedByHand(desk);
+  const LowThresholds low = markByHand(byHand);
+  buildLineGraph(byHand);
+  connectLines(byHand, 200.0F, low);
+  byHand.vertices = positions;
+  byHand.computeNormals();
+  const auto lines = byHand.ridgeLinks;
+  RidgeLineSmoother smoother;
+  smoother.attach(&byHand);
+  smoother.smooth(7, 0.1F);
+  ASSERT_NE(byHand.vertices, positions);
+  desk.answer(fewLaplacianSteps());
+  desk.findLines({{"preSmoothing", "common"},
+                  {"extractOn", "edge"},
+                  {"smoothRidgeEdges", "1"},
+                  {"ridgeSmoothIterations", "7"}});
+  EXPECT_EQ(desk.mesh().ridgeLinks, lines);
+  EXPECT_EQ(desk.mesh().vertices, byHand.vertices);
+}
+
+TEST(LocalMaxCommand, CurvatureTensorSmoothingComesBeforeTheMarks) {
+  Desk byHand(bumpyGrid(20, 20));
+  byHand.mesh().computeVertexNormals();
+  computeCurvatureTensor(byHand.mesh());
+  byHand.answer(ok());
+  byHand.doc.OnSmoothingCurvatureTensor();
+  markByHand(byHand.mesh());
+
+  Desk desk(bumpyGrid(20, 20));
+  desk.answer(okWith({{"smoothTensor", "1"}}));
+  desk.answer(ok());
+  desk.doc.OnEdgeDetectionLocalMax();
+  EXPECT_TRUE(desk.outside.finished());
+  EXPECT_EQ(desk.mesh().maxCurvature, byHand.mesh().maxCurvature);
+  EXPECT_EQ(desk.mesh().ridgeMarks, byHand.mesh().ridgeMarks);
+  EXPECT_EQ(desk.mesh().valleyMarks, byHand.mesh().valleyMarks);
+
+  Desk without(bumpyGrid(20, 20));
+  without.findLines({});
+  EXPECT_NE(without.mesh().ridgeMarks, desk.mesh().ridgeMarks);
+}
+
+TEST(LocalMaxCommand, FaceAloneDrawsNothing) {
+  Desk desk(bumpyGrid(16, 16));
+  desk.doc.displayMode = WireFrame;
+  desk.findLines({{"extractOn", "face"}});
+  EXPECT_EQ(desk.outside.count("redraw"), 0);
+  EXPECT_EQ(desk.doc.displayMode, WireFrame);
+}
+
+TEST(LocalMaxCommand, FaceLeavesTheModeOfItsTensorSmoothing) {
+  Desk byHand(bumpyGrid(16, 16));
+  computeCurvatureTensor(byHand.mesh());
+  byHand.answer(ok());
+  byHand.doc.OnSmoothingCurvatureTensor();
+  ASSERT_NE(byHand.doc.displayMode, FlatShading);
+  Desk desk(bumpyGrid(16, 16));
+  desk.answer(okWith({{"smoothTensor", "1"}, {"extractOn", "face"}}));
+  desk.answer(ok());
+  desk.doc.OnEdgeDetectionLocalMax();
+  EXPECT_EQ(desk.doc.displayMode, byHand.doc.displayMode);
+}
+
 TEST(LocalMaxCommand, EdgeShowsLinesAndLinksWithoutConnectingStayApart) {
   Desk apart(bumpyGrid(30, 30));
   apart.findLines({{"extractOn", "edge"}, {"connect", "0"}});
@@ -179,6 +282,19 @@ TEST(LocalMaxCommand, ACancelInsideSkipsOnlyThatStage) {
   EXPECT_EQ(desk.doc.displayMode, RidgeVertices);
 }
 
+TEST(LocalMaxCommand, ACancelOfTheAdaptiveSmoothingSkipsOnlyThatStage) {
+  Desk plain(bumpyGrid(16, 16));
+  plain.findLines({{"extractOn", "edge"}});
+  Desk desk(bumpyGrid(16, 16));
+  const auto positions = desk.mesh().vertices;
+  desk.answer(cancel());
+  desk.findLines({{"preSmoothing", "adaptive"}, {"extractOn", "edge"}});
+  EXPECT_EQ(desk.mesh().ridgeLinks, plain.mesh().ridgeLinks);
+  EXPECT_EQ(desk.mesh().vertices, positions);
+  EXPECT_EQ(desk.doc.displayMode, FeatureLines);
+  EXPECT_FALSE(desk.doc.modified);
+}
+
 TEST(LocalMaxCommand, ASecondRunReplacesEverything) {
   Desk desk(bumpyGrid(20, 20));
   desk.findLines({{"extractOn", "edge"}});
@@ -221,6 +337,64 @@ TEST(FaceAngleCommand, FindsTheTwelveEdgesOfACube) {
   desk.findCreases({{"thresholdMode", "angle"}});
   EXPECT_EQ(desk.doc.displayMode, FeatureLines);
   EXPECT_EQ(linkCount(desk.mesh().ridgeLinks), 12);
+}
+
+TEST(FaceAngleCommand, CancelChangesNothing) {
+  Desk desk(cube());
+  desk.answer(cancel());
+  desk.doc.OnEdgeDetectionFaceAngle();
+  EXPECT_TRUE(desk.outside.finished());
+  EXPECT_EQ(desk.doc.displayMode, FlatShading);
+  EXPECT_THAT(desk.mesh().ridgeLinks, IsEmpty());
+  EXPECT_EQ(desk.outside.count("redraw"), 0);
+}
+
+TEST(FaceAngleCommand, ACancelOfTheAdaptiveSmoothingSkipsOnlyTheSmoothing) {
+  Desk plain(bumpyGrid(16, 16));
+  plain.findCreases({});
+  Desk desk(bumpyGrid(16, 16));
+  desk.answer(cancel());
+  desk.findCreases({{"preSmoothing", "1"}});
+  EXPECT_EQ(desk.mesh().ridgeLinks, plain.mesh().ridgeLinks);
+  EXPECT_EQ(desk.mesh().valleyLinks, plain.mesh().valleyLinks);
+  EXPECT_EQ(desk.mesh().vertices, plain.mesh().vertices);
+  EXPECT_EQ(desk.doc.displayMode, FeatureLines);
+  EXPECT_FALSE(desk.doc.modified);
+}
+
+TEST(FaceAngleCommand, TheAngleReachesTheDetector) {
+  const TriangleMesh shape = jittered(bumpyGrid(16, 16), 0.2);
+  std::vector<IndexList> before;
+  for (const int angle : {0, 140, 165, 180}) {
+    SCOPED_TRACE(angle);
+    Desk desk(shape);
+    desk.findCreases({{"thresholdMode", "angle"}, {"angle", std::to_string(angle)}});
+    TriangleMesh byHand = shape;
+    const auto creases =
+        detectCreasesByAngle(byHand, static_cast<float>(-std::cos(angle * 0.017453292519943278)));
+    EXPECT_EQ(desk.mesh().ridgeLinks, byHand.ridgeLinks);
+    EXPECT_EQ(desk.mesh().valleyLinks, byHand.valleyLinks);
+    EXPECT_EQ(desk.doc.decimator.creaseLinks, creases);
+    EXPECT_NE(creases, before) << "each angle has creases of its own";
+    before = creases;
+  }
+}
+
+TEST(FaceAngleCommand, ThePercentagesReachTheDetector) {
+  const TriangleMesh shape = jittered(bumpyGrid(16, 16), 0.2);
+  std::vector<IndexList> before;
+  for (const auto& [hi, low] : {std::pair{90, 80}, {90, 40}, {60, 40}}) {
+    SCOPED_TRACE(hi + low);
+    Desk desk(shape);
+    desk.findCreases({{"histogramHi", std::to_string(hi)}, {"histogramLow", std::to_string(low)}});
+    TriangleMesh byHand = shape;
+    detectCreasesByHistogram(
+        byHand, {.hi = static_cast<float>(hi) * 0.01F, .low = static_cast<float>(low) * 0.01F});
+    EXPECT_EQ(desk.mesh().ridgeLinks, byHand.ridgeLinks);
+    EXPECT_EQ(desk.mesh().valleyLinks, byHand.valleyLinks);
+    EXPECT_NE(byHand.ridgeLinks, before);
+    before = byHand.ridgeLinks;
+  }
 }
 
 TEST(FaceAngleCommand, CreasesOfTheSmoothedShapeAreShownOnTheOriginalOne) {
@@ -388,6 +562,39 @@ TEST(SilhouetteCommand, PreparesStrokesCoherentFacesAndStrongLines) {
   EXPECT_EQ(desk.mesh().maxDerivativeGradient.size(), desk.mesh().vertices.size());
   EXPECT_THAT(desk.doc.silhouetteLines.ridges, Not(IsEmpty()));
   EXPECT_EQ(desk.outside.count("redraw"), 1);
+}
+
+TEST(SilhouetteCommand, RunsItsStagesWithItsOwnNumbers) {
+  constexpr float turn = 0.4F;
+  Desk desk(bumpyGrid(30, 30));
+  TriangleMesh byHand = desk.mesh();
+  computeCurvatureTensor(byHand);
+  extractExtrema(byHand);
+  const LowThresholds low = thresholdHistogram(byHand, {.upper = 0.8F, .lower = 0.3F});
+  compareAbsoluteValues(byHand);
+  fillGaps(byHand);
+  buildLineGraph(byHand);
+  computeCurvatureDerivatives(byHand);
+  CurvatureTensorSmoother smoother;
+  smoother.mesh = &byHand;
+  smoother.smoothDerivativeGradients(20, 20.0F);
+  const SilhouetteLines lines = selectSilhouetteLines(byHand, {2.0F, low});
+  markCoherentFaces(byHand, turn);
+
+  desk.doc.tensorSmoothingParameters.directionThreshold = turn;
+  desk.doc.OnSilhouette();
+  EXPECT_EQ(desk.mesh().ridgeMarks, byHand.ridgeMarks);
+  EXPECT_EQ(desk.mesh().ridgeLinks, byHand.ridgeLinks);
+  EXPECT_EQ(desk.mesh().valleyLinks, byHand.valleyLinks);
+  EXPECT_EQ(desk.mesh().maxDerivativeGradient, byHand.maxDerivativeGradient);
+  EXPECT_EQ(desk.mesh().minDerivativeGradient, byHand.minDerivativeGradient);
+  EXPECT_EQ(desk.doc.silhouetteLines.ridges, lines.ridges);
+  EXPECT_EQ(desk.doc.silhouetteLines.valleys, lines.valleys);
+  EXPECT_EQ(desk.mesh().coherentFaces, byHand.coherentFaces);
+
+  Desk usual(bumpyGrid(30, 30));
+  usual.doc.OnSilhouette();
+  EXPECT_NE(usual.mesh().coherentFaces, byHand.coherentFaces) << "5 lets more faces pass";
 }
 
 TEST(SilhouetteCommand, KeepsCurvatureThatIsThereAndTheShape) {

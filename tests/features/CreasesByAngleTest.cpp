@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <numbers>
+#include <vector>
 
 #include "features/CreasesByAngle.h"
 #include "features/LineChains.h"
@@ -54,6 +56,47 @@ TEST(CreasesByAngle, AFlatOpenGridHasItsBoundaryOnlyAndAllOfItConvex) {
   EXPECT_EQ(linkCount(mesh.ridgeLinks), 2 * (5 + 4));
   EXPECT_THAT(mesh.valleyLinks, Each(IsEmpty()));
   EXPECT_EQ(creases, mesh.ridgeLinks);
+}
+
+/// Each vertex's links of both kinds, sorted.
+std::vector<std::vector<int>> together(const TriangleMesh& mesh) {
+  std::vector<std::vector<int>> all;
+  for (std::size_t v = 0; v < mesh.ridgeLinks.size(); ++v) {
+    all.emplace_back(mesh.ridgeLinks[v].begin(), mesh.ridgeLinks[v].end());
+    all[v].insert(all[v].end(), mesh.valleyLinks[v].begin(), mesh.valleyLinks[v].end());
+    std::sort(all[v].begin(), all[v].end());
+  }
+  return all;
+}
+
+TEST(CreasesByAngle, CreasesAreTheConvexAndTheConcaveOnes) {
+  for (const double angle : {0.0, 150.0, 165.0, 180.0}) {
+    TriangleMesh mesh = jittered(bumpyGrid(9, 8), 0.2);
+    std::vector<std::vector<int>> sorted;
+    for (const IndexList& list : detectCreasesByAngle(mesh, cosThreshold(angle))) {
+      sorted.emplace_back(list.begin(), list.end());
+      std::sort(sorted.back().begin(), sorted.back().end());
+    }
+    EXPECT_EQ(sorted, together(mesh)) << angle;
+    EXPECT_EQ(linkCount(mesh.valleyLinks) > 0, angle > 0.0) << angle;
+  }
+}
+
+TEST(CreasesByAngle, ZeroLinksTheBoundaryOnly) {
+  TriangleMesh mesh = jittered(bumpyGrid(9, 8), 0.2);
+  detectCreasesByAngle(mesh, cosThreshold(0.0));
+  EXPECT_EQ(linkCount(mesh.ridgeLinks), 2 * (9 + 8));
+  EXPECT_EQ(linkCount(mesh.valleyLinks), 0);
+}
+
+// A mesh of 9 x 8 squares has 3 x 72 + 9 + 8 edges; none of those inside is flat.
+TEST(CreasesByAngle, AStraightAngleLinksEveryEdgeThatIsNotFlat) {
+  TriangleMesh mesh = jittered(bumpyGrid(9, 8), 0.2);
+  detectCreasesByAngle(mesh, cosThreshold(180.0));
+  EXPECT_EQ(linkCount(mesh.ridgeLinks) + linkCount(mesh.valleyLinks), 3 * 72 + 9 + 8);
+  TriangleMesh flat = cube();
+  detectCreasesByAngle(flat, cosThreshold(180.0));
+  EXPECT_EQ(linkCount(flat.ridgeLinks), 12) << "not the diagonals of its sides";
 }
 
 std::vector<Polyline> loopsOf(const std::vector<IndexList>& links, std::size_t length) {
