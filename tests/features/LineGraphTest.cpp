@@ -98,6 +98,20 @@ TEST(LineGraph, ALoopStaysOpenOppositeItsSeed) {
   EXPECT_THAT(ridge(mesh, ring[3]), ElementsAre(::testing::AnyOf(ring[2], ring[4])));
 }
 
+// A branch of two vertices, (4,4) and (4,5), is shorter than 2.5 edges and goes as a whole.
+TEST(LineGraph, ASpurOfTwoVerticesIsCutOff) {
+  TriangleMesh mesh = grid(8, 8);
+  prepareLines(mesh, 1.0, 0.0);
+  const GridIndex at{8};
+  for (int c = 0; c <= 8; ++c) markRidge(mesh, {at(c, 3)});
+  markRidge(mesh, {at(4, 4), at(4, 5)});
+  curvature(mesh, at(0, 3)) = 2.0;
+  buildLineGraph(mesh);
+  EXPECT_THAT(ridge(mesh, at(3, 3)), ElementsAre(at(2, 3), at(4, 3)));
+  EXPECT_THAT(ridge(mesh, at(4, 4)), IsEmpty());
+  EXPECT_THAT(ridge(mesh, at(4, 5)), IsEmpty());
+}
+
 // A branch of three vertices, (4,4) (4,5) (4,6), is longer than 2.5 edges.
 TEST(LineGraph, ABranchOfThreeVerticesStays) {
   TriangleMesh mesh = grid(8, 8);
