@@ -207,13 +207,19 @@ void RecordReader::readVerticesOfFiveNumbers(int count) {
 
 void RecordReader::readFaces(int count) {
   mesh.setFaceCount(count);
-  forEachRecord(faceNoun, count, [this](int f) {
+  int largerPolygons = 0;
+  forEachRecord(faceNoun, count, [&](int f) {
     int* c = mesh.faces.data() + 3 * toIndex(f);
-    takeFloat();  // the number of corners: every face is taken as a triangle
+    const float corners = takeFloat();  // every face is taken as a triangle all the same
+    if (corners > 3.0F) ++largerPolygons;
     c[0] = takeInt();
     c[1] = takeInt();
     c[2] = takeInt();
   });
+  if (largerPolygons == 0) return;
+  flawed = true;
+  oddities.push_back(counted(largerPolygons, faceNoun) + " of more than 3 corners taken as " +
+                     (largerPolygons == 1 ? "a triangle" : "triangles"));
 }
 
 void RecordReader::readMarks(const Noun& noun, int count, std::vector<int>& marks) {

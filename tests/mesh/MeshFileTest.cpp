@@ -172,6 +172,8 @@ const std::vector<BrokenFile>& brokenFiles() {
        "face 2 of 2 could not be read; 1 face with unusable corners left out", 4, 1},
       {"a fraction where an index belongs", "a.ply2", corners + "3 0 1.5 2 3 0 2 3",
        "face 1 of 2 could not be read; 1 face with unusable corners left out", 4, 1},
+      {"a quadrilateral", "a.ply2", "4 1 0 0 0 1 0 0 1 1 0 0 1 0 4 0 1 2 3",
+       "1 face of more than 3 corners taken as a triangle", 4, 1},
       {"a decimal comma", "a.data", "1 0,5 1 1", "vertex 1 of 1 could not be read", 1, 0},
       {"bytes that are no text", "a.ply2",
        std::string("\x7f"
@@ -222,6 +224,7 @@ TEST(MeshFile, OpeningTellsHowMuchOfTheFileWasRead) {
         {"a.data", "0", ReadExtent::Whole},
         {"a.plyR", twoFaces, ReadExtent::Partial},
         {"a.ply2", "3 1 0 0 0 1 0 0 0 1 0 3 0 1", ReadExtent::Partial},
+        {"a.ply2", "4 1 0 0 0 1 0 0 1 1 0 0 1 0 4 0 1 2 3", ReadExtent::Partial},
         {"a.ply2", "3 x", ReadExtent::Partial},
         {"a.ply2", "-3 1", ReadExtent::Partial},
         {"a.ply2", "", ReadExtent::Nothing},
