@@ -182,7 +182,7 @@ class CGravlinDoc {
   std::string lossBySaving(const std::string& filePath) const;
   bool hasMeshToSave();  ///< shows a message when there is none
   std::unique_ptr<TriangleMesh> geometryCopy() const;
-  void bringBack(std::unique_ptr<TriangleMesh> before);
+  void bringBack(TriangleMesh* before);
   void recompute();
   void smoothShape(const Chunks& explicitChunks);
   LowThresholds thresholdRidges();

@@ -20,17 +20,17 @@ void refine(MeshSubdivider& subdivider, const std::string& method) {
 }
 
 std::string describe(const DecimationResult& result) {
-  return "Removed " + std::to_string(result.vertices) + " vertices and " +
-         std::to_string(result.faces) + " faces; " +
+  return "Removed " + std::to_string(result.vertices) +
+         (result.vertices == 1 ? " vertex and " : " vertices and ") + std::to_string(result.faces) +
+         (result.faces == 1 ? " face; " : " faces; ") +
          (result.targetReached ? "the target was reached." : "no edge left that may collapse.");
 }
 
-/// The used vertices and valid faces alone, with topology and normals.
+/// The used vertices and valid faces alone, with topology.
 std::unique_ptr<TriangleMesh> compacted(const TriangleMesh& mesh) {
   auto compact = std::make_unique<TriangleMesh>(mesh.compactCopy());
   compact->buildAdjacency();
   compact->buildFaceAdjacency();
-  compact->computeNormals();
   return compact;
 }
 
@@ -68,22 +68,24 @@ void CGravlinDoc::OnSimplification() {
     result = decimator.decimate(decimationParameters.reductionRate);
     replaceMesh(compacted(*currentMesh));
   } catch (const std::bad_alloc&) {
-    bringBack(std::move(before));
+    bringBack(before.get());
     return outside.showMessage(
         "There is not enough memory to simplify this mesh. The mesh stays as it is.");
   }
   keepUndoCopy(std::move(before));
+  geometryChanged();
   show(FlatShading);
   outside.showStatus(describe(result));
 }
 
 /// After a simplification that did not come to its end: what it took from the mesh comes back from
-/// the copy made before, if anything was taken.
-void CGravlinDoc::bringBack(std::unique_ptr<TriangleMesh> before) {
-  const bool untouched =
-      !before || (currentMesh->vertexNeighbours.built() && currentMesh->faces == before->faces);
+/// the copy made before, if anything was taken. Curvature and lines are still those of this shape.
+void CGravlinDoc::bringBack(TriangleMesh* before) {
+  const bool untouched = before == nullptr || (currentMesh->vertexNeighbours.built() &&
+                                               currentMesh->faces == before->faces);
   if (untouched) return;
-  replaceMesh(std::move(before));
+  currentMesh->vertices.swap(before->vertices);
+  currentMesh->faces.swap(before->faces);
   currentMesh->buildAdjacency();
   currentMesh->buildFaceAdjacency();
   needsRecompute = true;

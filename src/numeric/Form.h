@@ -33,8 +33,8 @@ struct Field {
   std::string_view label = {};  ///< text before the control, or of the check box
   std::variant<int*, float*, bool*, std::string*> value;  ///< the member that OK writes
   std::string_view group = {};                            ///< title of the box around it, if any
-  std::string_view unit = {};                             ///< text behind the control, if any
-  std::optional<Range> range = std::nullopt;              ///< checked on OK only
+  std::string_view unit = {};                 ///< text behind the control, below a check box
+  std::optional<Range> range = std::nullopt;  ///< checked on OK only
   std::vector<Choice> choices = {};
   bool enabled = true;
 };

@@ -96,9 +96,10 @@ void parallelRanges(int count, const std::function<void(const IndexRange&)>& bod
   {
     std::vector<std::jthread> helpers;
     try {
+      helpers.reserve(static_cast<std::size_t>(threads));
       for (int k = 1; k < threads; ++k) helpers.emplace_back([&ranges] { ranges.run(); });
-    } catch (const std::system_error&) {
-      // The system gives no more threads: those there are do the work.
+    } catch (const std::exception&) {
+      // The system gives no more threads, or no memory for them: those there are do the work.
     }
     ranges.run();
   }

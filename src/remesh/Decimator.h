@@ -27,8 +27,8 @@ class Decimator {
   /// up to date first. Removed vertices end without a ring, removed faces invalid; rings, kinds and
   /// face adjacency are rebuilt, normals and everything else derived are stale then.
   ///
-  /// All memory but that of the rebuilt rings is taken before the first collapse: when that is
-  /// refused (std::bad_alloc) faces and positions are as they were.
+  /// All memory but that of the rebuilt rings and of a few short lists is taken before the first
+  /// collapse; when any is refused (std::bad_alloc), faces and positions are as they were.
   DecimationResult decimate(float rate);
 
   /// Collapses edge i-j into vertex i placed at `position`, rounded to single precision, if it

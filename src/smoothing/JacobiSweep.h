@@ -32,8 +32,9 @@ class JacobiSweep {
   /// a Vec3, for several vertices at the same time, and must not change the mesh.
   template <class Displacement>
   void run(double factor, Displacement displacement) {
-    setInteriorPositions(mesh, moved,
-                         [&](int i) { return mesh.position(i) + factor * displacement(i); });
+    setInteriorPositions(mesh, moved, [this, factor, displacement](int i) {
+      return mesh.position(i) + factor * displacement(i);
+    });
     mesh.vertices.swap(moved);
   }
 

@@ -3,6 +3,7 @@
 #include <new>
 #include <optional>
 
+#include "curvature/CurvatureTensor.h"
 #include "doc/CGravlinDoc.h"
 #include "remesh/ButterflySubdivision.h"
 #include "remesh/LinearSubdivision.h"
@@ -43,6 +44,12 @@ class RemeshCommands : public ::testing::Test {
     EXPECT_EQ(doc.currentMesh->faces, mesh.faces);
     EXPECT_EQ(doc.currentMesh->vertexNeighbours.items, mesh.vertexNeighbours.items);
     EXPECT_EQ(doc.currentMesh->faceAdjacency, mesh.faceAdjacency);
+    EXPECT_EQ(doc.currentMesh->faceNormals, mesh.faceNormals);
+    EXPECT_EQ(doc.currentMesh->vertexNormals, mesh.vertexNormals);
+    EXPECT_EQ(doc.currentMesh->ridgeMarks, mesh.ridgeMarks);
+    EXPECT_EQ(doc.currentMesh->maxCurvature, mesh.maxCurvature);
+    EXPECT_EQ(doc.currentMesh->minDirection, mesh.minDirection);
+    EXPECT_EQ(doc.currentMesh->pickedFace, mesh.pickedFace);
     ASSERT_NE(doc.undoMesh, nullptr);
     EXPECT_EQ(doc.undoMesh->vertices, kept.vertices);
     EXPECT_EQ(doc.displayMode, WireFrame);
@@ -86,7 +93,16 @@ class RemeshCommands : public ::testing::Test {
     EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
   }
 
-  const TriangleMesh before = test::jittered(test::icosphere(2), 0.02);
+  /// A mesh with curvature, marks and a picked face.
+  static TriangleMesh examined() {
+    TriangleMesh mesh = test::jittered(test::icosphere(2), 0.02);
+    computeCurvatureTensor(mesh);
+    mesh.ridgeMarks.assign(static_cast<std::size_t>(mesh.vertexCount), 1);
+    mesh.pickedFace = 7;
+    return mesh;
+  }
+
+  const TriangleMesh before = examined();
   const TriangleMesh kept = test::cube();
   test::ScriptedOutside outside;
   CGravlinDoc doc{outside};
@@ -191,6 +207,13 @@ TEST_F(RemeshCommands, SimplificationTellsWhatWentAndWhyItStopped) {
   simplify("0.5");
   EXPECT_THAT(outside.statuses,
               ElementsAre("Removed 0 vertices and 0 faces; no edge left that may collapse."));
+}
+
+TEST_F(RemeshCommands, SimplificationCountsASingleVertexInTheSingular) {
+  load(test::hexagonFan());
+  simplify("0.1");
+  ASSERT_THAT(outside.statuses, ::testing::SizeIs(1));
+  EXPECT_THAT(outside.statuses[0], ::testing::StartsWith("Removed 1 vertex and 1 face; "));
 }
 
 TEST_F(RemeshCommands, SimplificationOfATetrahedronOnlyCompactsIt) {

@@ -7,24 +7,14 @@
 
 #include "numeric/Index.h"
 #include "remesh/ButterflySubdivision.h"
+#include "remesh/EdgePoint.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
 namespace {
 
-double distance(const Vec3& a, const Vec3& b) {
-  return length(a - b);
-}
-
-/// The point of the edge a-b: the vertex that both are joined to after the refinement.
-Vec3 edgePoint(const TriangleMesh& refined, int a, int b) {
-  for (const int p : refined.vertexNeighbours[a]) {
-    const auto ofB = refined.vertexNeighbours[b];
-    if (std::find(ofB.begin(), ofB.end(), p) != ofB.end()) return refined.position(p);
-  }
-  ADD_FAILURE() << a << " and " << b << " are not joined";
-  return {};
-}
+using test::distance;
+using test::edgePoint;
 
 /// An apex of n neighbours over a rim, inside a second ring: the apex has valence n and the rim's
 /// vertices valence 5. Heights are uneven.
@@ -229,6 +219,9 @@ TEST(ButterflySubdivision, MidpointsAtNonManifoldEndsAndClosedValenceTwo) {
   const TriangleMesh bow = test::bowTie();
   const TriangleMesh ofBow = butterflySubdivision(bow);
   EXPECT_EQ(edgePoint(ofBow, 0, 1), (Vec3{0.5, 0, 0}));
+
+  const TriangleMesh touching = test::touchingOctahedra();
+  EXPECT_EQ(edgePoint(butterflySubdivision(touching), 0, 1), (Vec3{0.5, 0, 0.5}));
 
   // Both sides of one triangle: three closed vertices of valence 2.
   const TriangleMesh pillow =

@@ -97,6 +97,62 @@ TEST(CollapsibleMesh, RefusesRingsOfFewerThanSevenOrMoreThanSeventeenVertices) {
   EXPECT_FALSE(collapses(doubleCone(14), 2, 0)) << "4 + 14";
 }
 
+/// An interior vertex 0 of valence 3 in the face 1 2 3 of a strip that ends at 4; `below` a face
+/// more at the boundary vertex 1. The corners opposite of edge 0-1 have four neighbours at least.
+TriangleMesh cornerWithCentre(bool below) {
+  std::vector<std::array<float, 3>> points = {
+      {2, 1.1F, 0}, {0, 0, 0}, {4, 0, 0}, {2, 3.4F, 0}, {6, 3.4F, 0}};
+  std::vector<std::array<int, 3>> faces = {{1, 2, 0}, {2, 3, 0}, {3, 1, 0}, {2, 4, 3}};
+  if (below) {
+    points.push_back({2, -3.4F, 0});
+    faces.push_back({1, 5, 2});
+  }
+  return test::makeMesh(points, faces);
+}
+
+TEST(CollapsibleMesh, TakesSevenVerticesInsideAndRefusesSix) {
+  EXPECT_FALSE(collapses(cornerWithCentre(false), 0, 1)) << "3 + 3";
+  EXPECT_TRUE(collapses(cornerWithCentre(true), 0, 1)) << "3 + 4";
+}
+
+/// Half a disc about vertex 0 in n equal faces, its rim 1 .. n + 1.
+TriangleMesh halfDisc(int n) {
+  std::vector<std::array<float, 3>> points = {{0, 0, 0}};
+  std::vector<std::array<int, 3>> faces;
+  for (int k = 0; k <= n; ++k) {
+    const double angle = std::numbers::pi * k / n;
+    points.push_back({static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle)), 0});
+    if (k > 0) faces.push_back({0, k, k + 1});
+  }
+  return test::makeMesh(points, faces);
+}
+
+TEST(CollapsibleMesh, TakesSixVerticesAlongTheBoundaryAndRefusesFive) {
+  // The corner opposite, vertex 0, has four neighbours.
+  EXPECT_FALSE(collapses(halfDisc(3), 1, 2)) << "2 + 3";
+  EXPECT_TRUE(collapses(halfDisc(3), 2, 3)) << "3 + 3";
+}
+
+TEST(CollapsibleMesh, KnowsNoUpperLimitAlongTheBoundary) {
+  // Two fans about 0 and 1, of eight more neighbours each, share the face 0 1 2.
+  std::vector<std::array<float, 3>> points = {{0, 0, 0}, {1, 0, 0}, {0.5F, 0.866F, 0}};
+  std::vector<std::array<int, 3>> faces = {{0, 1, 2}};
+  for (const bool left : {true, false}) {
+    int before = 2;
+    for (int degrees = 85; degrees <= 260; degrees += 25) {
+      const double angle = degrees * std::numbers::pi / 180.0;
+      const double x = left ? std::cos(angle) : 1.0 - std::cos(angle);
+      const int next = static_cast<int>(points.size());
+      points.push_back({static_cast<float>(x), static_cast<float>(std::sin(angle)), 0});
+      faces.push_back(left ? std::array{0, before, next} : std::array{1, next, before});
+      before = next;
+    }
+  }
+  const TriangleMesh mesh = test::makeMesh(points, faces);
+  ASSERT_EQ(mesh.neighbourCount(0) + mesh.neighbourCount(1), 20);
+  EXPECT_TRUE(collapses(mesh, 0, 1));
+}
+
 TEST(CollapsibleMesh, RefusesFewerThanSixVerticesAlongTheBoundary) {
   EXPECT_FALSE(collapses(test::singleTriangle(), 0, 1)) << "2 + 2";
   // The first row of a grid: a corner with two faces and its neighbour, 3 + 4; then a corner with

@@ -5,15 +5,15 @@
 #include <numbers>
 
 #include "numeric/Index.h"
+#include "remesh/EdgePoint.h"
 #include "remesh/LoopSubdivision.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
 namespace {
 
-double distance(const Vec3& a, const Vec3& b) {
-  return length(a - b);
-}
+using test::distance;
+using test::edgePoint;
 
 /// An interior vertex of n neighbours in an uneven pyramid, inside a second ring so that all of its
 /// neighbours are interior too.
@@ -159,6 +159,21 @@ TEST(LoopSubdivision, KeepsNonManifoldAndUnusedVertices) {
       }
     }
   }
+}
+
+TEST(LoopSubdivision, EdgePointAtANonManifoldEndLooksAtBothFacesAllTheSame) {
+  const TriangleMesh old = test::touchingOctahedra();
+  ASSERT_EQ(old.vertexKind[0], NonManifoldVertex);
+  const TriangleMesh mesh = loopSubdivision(old);
+  // Vertex 0 and (1, 0, 1), beside (0, 1, 1) and (0, -1, 1).
+  EXPECT_EQ(edgePoint(mesh, 0, 1), (Vec3{0.375, 0, 0.625}));
+}
+
+TEST(LoopSubdivision, ClosedVertexOfTwoNeighboursTakesItsShareOfBoth) {
+  // Both sides of one triangle. (5/8 - (3/8 + cos(pi) / 4)^2) / 2 = (5/8 - 1/64) / 2 = 39/128.
+  const TriangleMesh mesh = loopSubdivision(
+      test::makeMesh({{0, 0, 0}, {128, 0, 0}, {0, 128, 0}}, {{0, 1, 2}, {0, 2, 1}}));
+  EXPECT_EQ(mesh.position(0), (Vec3{39, 39, 0}));
 }
 
 TEST(LoopSubdivision, BringsASphereTowardsALimitInsideIt) {
