@@ -46,7 +46,7 @@ QString askForFile(Desktop& desktop, FileDialog kind, const QString& suggested) 
   if (kind == FileDialog::Save) dialog.setDefaultSuffix("ply2");
   if (!suggested.isEmpty()) dialog.selectFile(suggested);
   if (dialog.exec() != QDialog::Accepted) return {};
-  const QString chosen = dialog.selectedFiles().constFirst();
+  QString chosen = dialog.selectedFiles().constFirst();
   desktop.folder = QFileInfo(chosen).absolutePath();
   return chosen;
 }

@@ -73,7 +73,7 @@ std::string rangeOf(const Field& field) {
 }
 
 std::string standardOf(const Field& field) {
-  const std::string text = textOf(field);
+  std::string text = textOf(field);
   if (isSwitch(field)) return joined({text == "1" ? "--" : "--no-", kebabCase(field.name)});
   if (isRadio(field)) return std::string(field.choices[std::stoul(text)].word);
   return text;

@@ -30,8 +30,9 @@ void set(std::span<double> v, std::size_t j, Value value) {
 
 /// Asks for what a sweep will need some hundred bytes on. Past the end of an array it asks in vain.
 inline void fetchAhead(const void* address) {
-  __builtin_prefetch(
-      reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(address) + 512));
+  // By number, since no pointer may lead past the end.
+  const std::uintptr_t ahead = reinterpret_cast<std::uintptr_t>(address) + 512;
+  __builtin_prefetch(reinterpret_cast<const void*>(ahead));  // NOLINT(performance-no-int-to-ptr)
 }
 
 /// The six work vectors of a solve: search directions, residuals and products, each with its

@@ -170,8 +170,8 @@ void writeChildrenAdjacency(const TriangleMesh& old, int f, int* beside) {
       firstHalf = 4 * g + following[toIndex(k)];
       secondHalf = 4 * g + k;
     }
-    beside[3 * j] = firstHalf;
-    beside[3 * next + 2] = secondHalf;
+    beside[3 * toIndex(j)] = firstHalf;
+    beside[3 * toIndex(next) + 2] = secondHalf;
   }
 }
 

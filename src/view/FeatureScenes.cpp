@@ -84,7 +84,7 @@ void addBar(Batch& bars, const Vec3& p, const Vec3& along, const Vec3& normal) {
   const bool finite =
       std::ranges::all_of(corners, [](const Vec3& c) { return std::isfinite(c.x + c.y + c.z); });
   if (!finite) return;
-  for (const std::size_t k : {0, 1, 2, 0, 2, 3}) {
+  for (const std::size_t k : {0U, 1U, 2U, 0U, 2U, 3U}) {
     const Vec3& c = corners[k];
     bars.positions.insert(bars.positions.end(), {static_cast<float>(c.x), static_cast<float>(c.y),
                                                  static_cast<float>(c.z)});
@@ -195,7 +195,7 @@ Batch fadingStrokes(const TriangleMesh& mesh) {
         continue;
       }
       for (const FacePoint& end : {stroke[k - 1], stroke[k]}) {
-        const auto normal = mesh.faceNormals.begin() + 3 * end.face;
+        const auto normal = mesh.faceNormals.begin() + 3 * static_cast<std::ptrdiff_t>(end.face);
         batch.normals.insert(batch.normals.end(), normal, normal + 3);
       }
     }
