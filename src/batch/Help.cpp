@@ -170,8 +170,7 @@ constexpr Paragraph notes[] = {
      "20."},
     {"Threads",
      "are as many as there are processors where a step can use them, or as the environment "
-     "variable "
-     "GRAVLIN_THREADS says. Results are the same with any number."},
+     "variable GRAVLIN_THREADS says. Results are the same with any number."},
     {"Exit status",
      "0 when all is well, 1 when a file could not be read or written (later steps do not run), 2 "
      "when something could not be understood."},

@@ -7,7 +7,7 @@
 
 #include "numeric/Index.h"
 #include "remesh/ButterflySubdivision.h"
-#include "remesh/EdgePoint.h"
+#include "remesh/RefinementChecks.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
@@ -15,29 +15,7 @@ namespace {
 
 using test::distance;
 using test::edgePoint;
-
-/// An apex of n neighbours over a rim, inside a second ring: the apex has valence n and the rim's
-/// vertices valence 5. Heights are uneven.
-TriangleMesh unevenFan(int n) {
-  std::vector<std::array<float, 3>> points = {{0.1F, -0.2F, 1.0F}};
-  std::vector<std::array<int, 3>> faces;
-  for (int ring = 1; ring <= 2; ++ring) {
-    for (int k = 0; k < n; ++k) {
-      const double angle = 2.0 * std::numbers::pi * k / n;
-      points.push_back({static_cast<float>(ring * std::cos(angle)),
-                        static_cast<float>(ring * std::sin(angle)),
-                        static_cast<float>(0.3 * std::cos(3.0 * k + ring))});
-    }
-  }
-  for (int k = 0; k < n; ++k) {
-    const int here = 1 + k;
-    const int next = 1 + (k + 1) % n;
-    faces.push_back({0, here, next});
-    faces.push_back({here, n + here, n + next});
-    faces.push_back({here, n + next, next});
-  }
-  return test::makeMesh(points, faces);
-}
+using test::unevenFan;
 
 /// The rule of a vertex of valence K as its definition reads.
 Vec3 ruleAt(const TriangleMesh& mesh, int v, int neighbour) {

@@ -5,8 +5,8 @@
 #include <numbers>
 
 #include "numeric/Index.h"
-#include "remesh/EdgePoint.h"
 #include "remesh/LoopSubdivision.h"
+#include "remesh/RefinementChecks.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
@@ -14,29 +14,7 @@ namespace {
 
 using test::distance;
 using test::edgePoint;
-
-/// An interior vertex of n neighbours in an uneven pyramid, inside a second ring so that all of its
-/// neighbours are interior too.
-TriangleMesh unevenFan(int n) {
-  std::vector<std::array<float, 3>> points = {{0.1F, -0.2F, 1.0F}};
-  std::vector<std::array<int, 3>> faces;
-  for (int ring = 1; ring <= 2; ++ring) {
-    for (int k = 0; k < n; ++k) {
-      const double angle = 2.0 * std::numbers::pi * (k + 0.1 * std::sin(5.0 * k)) / n;
-      points.push_back({static_cast<float>(ring * std::cos(angle)),
-                        static_cast<float>(ring * std::sin(angle)),
-                        static_cast<float>(0.3 * std::cos(3.0 * k + ring))});
-    }
-  }
-  for (int k = 0; k < n; ++k) {
-    const int here = 1 + k;
-    const int next = 1 + (k + 1) % n;
-    faces.push_back({0, here, next});
-    faces.push_back({here, n + here, n + next});
-    faces.push_back({here, n + next, next});
-  }
-  return test::makeMesh(points, faces);
-}
+using test::unevenFan;
 
 /// The eigenvalue of the subdivision of a ring of n: neighbours shrink by it towards the vertex.
 double subdominantEigenvalue(int n) {

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <numbers>
+#include <vector>
+
+#include "support/Meshes.h"
+
+namespace gravlin::test {
+
+inline double distance(const Vec3& a, const Vec3& b) {
+  return length(a - b);
+}
+
+/// The point of the edge a-b: the vertex that both are joined to after the refinement.
+inline Vec3 edgePoint(const TriangleMesh& refined, int a, int b) {
+  for (const int p : refined.vertexNeighbours[a]) {
+    const auto ofB = refined.vertexNeighbours[b];
+    if (std::find(ofB.begin(), ofB.end(), p) != ofB.end()) return refined.position(p);
+  }
+  ADD_FAILURE() << a << " and " << b << " are not joined";
+  return {};
+}
+
+/// An interior vertex, number 0, of n neighbours 1 .. n in an uneven pyramid, inside a second ring
+/// so that all of its neighbours are interior too, of valence 5.
+inline TriangleMesh unevenFan(int n) {
+  std::vector<std::array<float, 3>> points = {{0.1F, -0.2F, 1.0F}};
+  std::vector<std::array<int, 3>> faces;
+  for (int ring = 1; ring <= 2; ++ring) {
+    for (int k = 0; k < n; ++k) {
+      const double angle = 2.0 * std::numbers::pi * (k + 0.1 * std::sin(5.0 * k)) / n;
+      points.push_back({static_cast<float>(ring * std::cos(angle)),
+                        static_cast<float>(ring * std::sin(angle)),
+                        static_cast<float>(0.3 * std::cos(3.0 * k + ring))});
+    }
+  }
+  for (int k = 0; k < n; ++k) {
+    const int here = 1 + k;
+    const int next = 1 + (k + 1) % n;
+    faces.push_back({0, here, next});
+    faces.push_back({here, n + here, n + next});
+    faces.push_back({here, n + next, next});
+  }
+  return makeMesh(points, faces);
+}
+
+}  // namespace gravlin::test
