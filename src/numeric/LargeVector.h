@@ -6,6 +6,7 @@
 #include <limits>
 #include <new>
 #include <sys/mman.h>
+#include <utility>
 #include <vector>
 
 namespace gravlin {
@@ -60,5 +61,30 @@ class LargeAllocator {
 /// A vector that may become very long.
 template <class T>
 using LargeVector = std::vector<T, LargeAllocator<T>>;
+
+/// Leaves numbers that are made without a value as the memory happens to be.
+template <class T>
+class UnfilledAllocator : public LargeAllocator<T> {
+ public:
+  using value_type = T;
+
+  UnfilledAllocator() = default;
+  template <class Other>
+  explicit(false) UnfilledAllocator(const UnfilledAllocator<Other>& /*other*/) noexcept {}
+
+  template <class Number, class... Values>
+  void construct(Number* made, Values&&... values) {
+    if constexpr (sizeof...(Values) == 0) {
+      ::new (static_cast<void*>(made)) Number;
+    } else {
+      ::new (static_cast<void*>(made)) Number(std::forward<Values>(values)...);
+    }
+  }
+};
+
+/// A very long vector of numbers that costs no sweep through memory before its elements are set:
+/// `resize` and the constructor that takes a size leave them unset.
+template <class T>
+using UnfilledVector = std::vector<T, UnfilledAllocator<T>>;
 
 }  // namespace gravlin

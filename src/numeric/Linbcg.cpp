@@ -8,7 +8,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <utility>
+#include <vector>
 
 #include "numeric/LinbcgSweeps.h"
 #include "numeric/TextSink.h"
@@ -23,40 +23,45 @@ void checkOrder(std::span<const int> ija, int n, std::string_view message) {
   if (ija[1] != n + 2) nrerror(message);
 }
 
-/// Euclidean norm of v(1) .. v(n) for itol <= 3, largest |v(j)| otherwise.
+double preconditioned(double residual, double diagonal) {
+  return diagonal != 0.0 ? residual / diagonal : residual;
+}
+
+/// Euclidean norm of v(0) .. v(n - 1) for itol <= 3, largest |v(j)| otherwise.
 template <class Function>
 double normOf(std::size_t n, int itol, const Function& v) {
   double norm = 0.0;
   if (itol <= 3) {
-    for (std::size_t j = 1; j <= n; ++j) norm += v(j) * v(j);
+    for (std::size_t j = 0; j < n; ++j) norm += v(j) * v(j);
     return std::sqrt(norm);
   }
-  for (std::size_t j = 1; j <= n; ++j) {
-    if (j == 1 || std::abs(v(j)) > norm) norm = std::abs(v(j));
+  for (std::size_t j = 0; j < n; ++j) {
+    if (j == 0 || std::abs(v(j)) > norm) norm = std::abs(v(j));
   }
   return norm;
 }
 
-/// One of the systems that are solved side by side, as it is seen by its stopping test.
+/// One of the systems that are solved side by side. `v` is, everywhere, a function that tells what
+/// is at a place of a vector.
 struct OneSystem {
-  const SparseMatrix& matrix;
-  std::size_t n;
-  std::size_t place;   ///< which of them
-  std::size_t stride;  ///< how many there are
+  const Systems& systems;
+  std::size_t place;  ///< which of them
 
-  std::size_t index(std::size_t j) const { return stride * (j - 1) + 1 + place; }
+  std::size_t index(std::size_t j) const { return systems.count * j + place; }
   bool isZero(std::span<const double> v) const {
-    for (std::size_t j = 1; j <= n; ++j) {
+    for (std::size_t j = 0; j < systems.n; ++j) {
       if (v[index(j)] != 0.0) return false;
     }
     return true;
   }
-  double norm(std::span<const double> v, int itol) const {
-    return normOf(n, itol, [&](std::size_t j) { return v[index(j)]; });
+  template <class Function>
+  double norm(int itol, const Function& v) const {
+    return normOf(systems.n, itol, [&](std::size_t j) { return v(index(j)); });
   }
-  double preconditionedNorm(std::span<const double> v, int itol) const {
-    return normOf(n, itol,
-                  [&](std::size_t j) { return preconditioned(v[index(j)], matrix.sa[j]); });
+  double preconditionedNorm(int itol, std::span<const double> v) const {
+    return normOf(systems.n, itol, [&](std::size_t j) {
+      return preconditioned(v[index(j)], systems.matrix.sa[j + 1]);
+    });
   }
 };
 
@@ -67,22 +72,20 @@ class StoppingTest {
                int kind)
       : system(tested), itol(kind) {
     if (itol == 1) {
-      bnrm = system.norm(b, itol);
+      bnrm = system.norm(itol, [&](std::size_t at) { return b[at]; });
     } else if (itol >= 2 && itol <= 4) {
-      bnrm = system.preconditionedNorm(b, itol);
+      bnrm = system.preconditionedNorm(itol, b);
     } else {
       nrerror("illegal itol in linbcg");
     }
-    if (itol == 3 || itol == 4) znrm = system.preconditionedNorm(r, itol);
+    if (itol == 3 || itol == 4) znrm = system.preconditionedNorm(itol, r);
   }
 
   /// Sets err after x moved by ak p. False if the pass ends without a look at err: the step is
   /// then still too large, or the residual's change too small, for err to mean anything.
-  template <class Value>
-  bool estimate(const WorkVectors& work, std::span<const double> x, const Move<Value>& move,
-                double& err) {
+  bool estimate(const Sweeps& sweeps, const PerSystem& ak, double& err) {
     if (itol == 1 || itol == 2) {
-      err = std::sqrt(placeOf(move.squaredR, system.place)) / bnrm;
+      err = std::sqrt(sweeps.residuals().squaredR[system.place]) / bnrm;
       return true;
     }
     if (itol != 3 && itol != 4) {
@@ -90,11 +93,12 @@ class StoppingTest {
       return true;
     }
     const double zm1nrm = znrm;
-    znrm = system.preconditionedNorm(work.r, itol);
+    znrm = system.norm(itol, [&](std::size_t at) { return sweeps.vectors().z[at]; });
     if (std::abs(zm1nrm - znrm) > 1e-14 * znrm) {
-      const double dxnrm = std::abs(placeOf(move.ak, system.place)) * system.norm(work.p, itol);
+      const double pnrm = system.norm(itol, [&](std::size_t at) { return sweeps.vectors().p[at]; });
+      const double dxnrm = std::abs(ak[system.place]) * pnrm;
       err = znrm / std::abs(zm1nrm - znrm) * dxnrm;
-      const double xnrm = system.norm(x, itol);
+      const double xnrm = system.norm(itol, [&](std::size_t at) { return sweeps.x(at); });
       if (err <= 0.5 * xnrm) {
         err /= xnrm;
         return true;
@@ -124,11 +128,11 @@ std::string lineOf(const LinbcgResult& result) {
 class Course {
  public:
   /// A system without a residual r has ended before its first pass.
-  Course(const OneSystem& followed, std::span<const double> b, std::span<const double> x,
-         std::span<const double> r, int itol)
+  Course(const OneSystem& followed, std::span<const double> b, const Sweeps& sweeps, int itol)
       : system(followed) {
+    const std::span<const double> r = sweeps.vectors().r;
     if (system.isZero(r)) {
-      end(x);
+      end(sweeps);
     } else {
       test.emplace(system, b, r, itol);
     }
@@ -138,28 +142,28 @@ class Course {
   const LinbcgResult& outcome() const { return result; }
 
   /// Takes note of a pass and ends after it if the error is small enough.
-  template <class Value>
-  void follow(const WorkVectors& work, std::span<const double> x, const Move<Value>& move,
-              double tol) {
+  void follow(const Sweeps& sweeps, const PerSystem& ak, double tol) {
     ++result.iter;
-    if (!test->estimate(work, x, move, result.err)) return;
+    if (!test->estimate(sweeps, ak, result.err)) return;
     print(lineOf(result));
-    if (!(result.err > tol)) end(x);
+    if (!(result.err > tol)) end(sweeps);
   }
 
-  /// Writes the solution back into x, and the lines that had to wait for those of the systems
-  /// before it.
-  void close(std::span<double> x) const {
-    for (std::size_t j = 1; j <= solution.size(); ++j) x[system.index(j)] = solution[j - 1];
+  /// Writes the solution into x, and the lines that had to wait for those of the systems before.
+  void close(const Sweeps& sweeps, std::span<double> x) const {
+    for (std::size_t j = 0; j < system.systems.n; ++j) {
+      const std::size_t at = system.index(j);
+      x[at] = ended ? solution[j] : sweeps.x(at);
+    }
     if (!waiting.empty()) writeText(TextStream::Output, waiting);
   }
 
  private:
-  void end(std::span<const double> x) {
+  /// What x is now is the solution.
+  void end(const Sweeps& sweeps) {
     ended = true;
-    if (system.stride == 1) return;
-    solution.resize(system.n);
-    for (std::size_t j = 1; j <= system.n; ++j) solution[j - 1] = x[system.index(j)];
+    solution.resize(system.systems.n);
+    for (std::size_t j = 0; j < solution.size(); ++j) solution[j] = sweeps.x(system.index(j));
   }
 
   void print(const std::string& line) {
@@ -174,58 +178,72 @@ class Course {
   std::optional<StoppingTest> test;
   LinbcgResult result;
   bool ended = false;
-  std::vector<double> solution;  ///< of a system that has ended, while others go on; 0-based
+  LargeVector<double> solution;
   std::string waiting;
 };
 
-template <class Value>
-std::array<LinbcgResult, places<Value>> solve(const SparseMatrix& matrix, int n,
-                                              std::span<const double> b, std::span<double> x,
-                                              const LinbcgSettings& settings) {
-  const auto size = static_cast<std::size_t>(n);
-  WorkVectors work(places<Value> * size);
-  Sweeps<Value> sweeps(matrix, size, work);
+PerSystem quotients(const PerSystem& a, const PerSystem& b) {
+  return {a[0] / b[0], a[1] / b[1], a[2] / b[2]};
+}
 
-  checkOrder(matrix.ija, n, mismatchInProduct);
-  Value bknum = sweeps.begin(b, x);
+/// Solves the systems. b and x count from 0.
+std::vector<LinbcgResult> solve(const Systems& systems, std::span<const double> b,
+                                std::span<double> x, const LinbcgSettings& settings) {
+  const std::span<const int> ija = systems.matrix.ija;
+  const int n = static_cast<int>(systems.n);
+  checkOrder(ija, n, mismatchInProduct);
+  Sweeps sweeps(systems, b, x);
   std::vector<Course> courses;
-  for (std::size_t place = 0; place < places<Value>; ++place) {
-    const OneSystem system = {matrix, size, place, places<Value>};
-    courses.emplace_back(system, b, x, work.r, settings.itol);
+  for (std::size_t place = 0; place < systems.count; ++place) {
+    courses.emplace_back(OneSystem{systems, place}, b, sweeps, settings.itol);
   }
 
-  std::optional<Value> bk;
+  PerSystem bk = {};
   for (int pass = 0; pass <= settings.itmax; ++pass) {
     if (std::ranges::none_of(courses, &Course::running)) break;
-    checkOrder(matrix.ija, n, mismatchInProduct);
-    checkOrder(matrix.ija, n, mismatchInTransposedProduct);
-    const Value akden = sweeps.turnAndMultiply(bk);
-    const Move<Value> move = sweeps.advance(x, bknum / akden);
-    bk = move.bknum / std::exchange(bknum, move.bknum);
+    checkOrder(ija, n, mismatchInProduct);
+    checkOrder(ija, n, mismatchInTransposedProduct);
+    const PerSystem bknum = sweeps.residuals().bknum;
+    const PerSystem ak = quotients(bknum, sweeps.turnAndMultiply(bk));
+    sweeps.advance(ak);
+    bk = quotients(sweeps.residuals().bknum, bknum);
     for (Course& course : courses) {
-      if (course.running()) course.follow(work, x, move, settings.tol);
+      if (course.running()) course.follow(sweeps, ak, settings.tol);
     }
   }
 
-  std::array<LinbcgResult, places<Value>> results;
-  for (std::size_t place = 0; place < places<Value>; ++place) {
-    courses[place].close(x);
-    results[place] = courses[place].outcome();
+  std::vector<LinbcgResult> results;
+  for (const Course& course : courses) {
+    course.close(sweeps, x);
+    results.push_back(course.outcome());
   }
   return results;
+}
+
+template <class Vector>
+Vector allocate(std::size_t n) {
+  try {
+    return Vector(n + 1);
+  } catch (const std::exception&) {
+    nrerror("allocation failure in dvector()");
+    throw std::bad_alloc();
+  }
 }
 
 }  // namespace
 
 LinbcgResult linbcg(const SparseMatrix& matrix, int n, std::span<const double> b,
                     std::span<double> x, const LinbcgSettings& settings) {
-  return solve<double>(matrix, n, b, x, settings)[0];
+  const Systems systems = {.matrix = matrix, .n = static_cast<std::size_t>(n), .count = 1};
+  return solve(systems, b.subspan(1), x.subspan(1), settings)[0];
 }
 
 std::array<LinbcgResult, 3> linbcgForThree(const SparseMatrix& matrix, int n,
                                            std::span<const double> b, std::span<double> x,
                                            const LinbcgSettings& settings) {
-  return solve<Triple>(matrix, n, b, x, settings);
+  const Systems systems = {.matrix = matrix, .n = static_cast<std::size_t>(n), .count = 3};
+  const std::vector<LinbcgResult> results = solve(systems, b.subspan(1), x.subspan(1), settings);
+  return {results[0], results[1], results[2]};
 }
 
 void atimes(const SparseMatrix& matrix, int n, std::span<const double> x, std::span<double> r,
@@ -246,13 +264,20 @@ void asolve(const SparseMatrix& matrix, int n, std::span<const double> b, std::s
 
 double snrm(int n, std::span<const double> v, int itol) {
   if (n == 0 && itol > 3) return v.size() < 2 ? 0.0 : std::abs(v[1]);
-  return normOf(static_cast<std::size_t>(n), itol, [&](std::size_t j) { return v[j]; });
+  return normOf(static_cast<std::size_t>(n), itol, [&](std::size_t j) { return v[j + 1]; });
 }
 
 void dsprsax(std::span<const double> sa, std::span<const int> ija, std::span<const double> x,
              std::span<double> b, int n) {
   checkOrder(ija, n, mismatchInProduct);
-  multiply<double>(sa, ija, static_cast<std::size_t>(n), x, b);
+  for (std::size_t i = 1; i <= static_cast<std::size_t>(n); ++i) {
+    double sum = sa[i] * x[i];
+    const auto end = static_cast<std::size_t>(ija[i + 1]);
+    for (auto k = static_cast<std::size_t>(ija[i]); k < end; ++k) {
+      sum += sa[k] * x[static_cast<std::size_t>(ija[k])];
+    }
+    b[i] = sum;
+  }
 }
 
 void dsprstx(std::span<const double> sa, std::span<const int> ija, std::span<const double> x,
@@ -269,12 +294,11 @@ void dsprstx(std::span<const double> sa, std::span<const int> ija, std::span<con
 }
 
 LargeVector<double> dvector(std::size_t n) {
-  try {
-    return LargeVector<double>(n + 1);
-  } catch (const std::exception&) {
-    nrerror("allocation failure in dvector()");
-    throw std::bad_alloc();
-  }
+  return allocate<LargeVector<double>>(n);
+}
+
+UnfilledVector<double> unfilledDvector(std::size_t n) {
+  return allocate<UnfilledVector<double>>(n);
 }
 
 void nrerror(std::string_view message) {

@@ -28,7 +28,8 @@ struct LinbcgResult {
 };
 
 /// Solves A x = b for any square A by biconjugate gradients, preconditioned by the diagonal of A.
-/// On entry x is the starting value, on exit the last iterate, converged or not. A starting value
+/// On entry x is the starting value, on exit the last iterate, converged or not; b and x may be the
+/// same memory, since b is read only before x first moves. A starting value
 /// that solves the system exactly is left as it is, without a pass. No other zero denominator is
 /// guarded: it gives an infinity or NaN that spreads into x, and an error that is not a number ends
 /// the iteration. Prints one line a pass; an `itol` outside 1 .. 4 is reported by `nrerror`, and
@@ -66,6 +67,8 @@ void dsprstx(std::span<const double> sa, std::span<const int> ija, std::span<con
 /// A 1-based vector of n zeros: n + 1 doubles. If there is no memory for it, `nrerror` tells so and
 /// std::bad_alloc is thrown.
 LargeVector<double> dvector(std::size_t n);
+/// The same without the zeros: nothing is set.
+UnfilledVector<double> unfilledDvector(std::size_t n);
 
 /// Writes `message` between the two fixed lines of a run-time error to the error stream and
 /// returns. The program goes on, whatever the last line says.

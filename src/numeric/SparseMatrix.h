@@ -23,8 +23,8 @@ class SparseMatrix {
   SparseMatrix& operator=(SparseMatrix&&) = default;
   virtual ~SparseMatrix() = default;
 
-  LargeVector<int> ija;
-  LargeVector<double> sa;
+  UnfilledVector<int> ija;
+  UnfilledVector<double> sa;
 };
 
 }  // namespace gravlin

@@ -5,65 +5,87 @@
 
 namespace gravlin {
 
-/// Three doubles side by side, one for each of three computations that take the same steps, with
-/// arithmetic place by place. The first two share a vector register.
-struct Triple {
-  // The smallest vector register that every machine we run on has.
+// Three doubles side by side, one for each of three computations that take the same steps, with
+// arithmetic place by place. Two forms, for machines with longer and shorter vector registers; code
+// that is written for one computation and for three takes either of them, or a double, as `Value`.
+
+/// Three places of a vector register of four. What the fourth holds means nothing.
+using TripleInOne [[gnu::vector_size(32)]] = double;
+
+/// A vector register of two and another one for the third.
+struct TripleInTwo {
   using Pair [[gnu::vector_size(16)]] = double;
 
-  Triple() = default;
-  explicit Triple(double each) : pair{each, each}, last(each) {}
-  Triple(double a, double b, double c) : pair{a, b}, last(c) {}
-
-  double operator[](std::size_t place) const { return place < 2 ? pair[place] : last; }
-
-  friend Triple operator+(Triple a, Triple b) { return {a.pair + b.pair, a.last + b.last}; }
-  friend Triple operator-(Triple a, Triple b) { return {a.pair - b.pair, a.last - b.last}; }
-  friend Triple operator*(Triple a, Triple b) { return {a.pair * b.pair, a.last * b.last}; }
-  friend Triple operator*(double a, Triple b) { return Triple(a) * b; }
-  friend Triple operator/(Triple a, Triple b) { return {a.pair / b.pair, a.last / b.last}; }
-  friend Triple operator/(Triple a, double b) { return a / Triple(b); }
+  friend TripleInTwo operator*(TripleInTwo a, TripleInTwo b) {
+    return {a.pair * b.pair, a.last * b.last};
+  }
+  friend TripleInTwo& operator+=(TripleInTwo& a, TripleInTwo b) {
+    a.pair += b.pair;
+    a.last += b.last;
+    return a;
+  }
 
   Pair pair = {0.0, 0.0};
   double last = 0.0;
-
- private:
-  Triple(Pair ofTwo, double third) : pair(ofTwo), last(third) {}
 };
 
-/// How many doubles a value holds, for code that is written for one computation and for three.
+/// How many doubles a value holds.
 template <class Value>
-constexpr std::size_t places = 1;
+constexpr std::size_t places = 3;
 template <>
-inline constexpr std::size_t places<Triple> = 3;
+inline constexpr std::size_t places<double> = 1;
 
-inline double placeOf(double value, std::size_t /*place*/) {
-  return value;
-}
-inline double placeOf(Triple value, std::size_t place) {
-  return value[place];
-}
+// Reading and writing consecutive doubles of any alignment. What passes a TripleInOne is always
+// inlined: in which registers it would travel depends on the machine that a caller is compiled for.
 
-/// Reads a value from, or writes it to, consecutive doubles of any alignment.
-template <class Value>
-Value load(const double* from);
-template <>
-inline double load<double>(const double* from) {
-  return *from;
+inline void load(const double* from, double& value) {
+  value = *from;
 }
-template <>
-inline Triple load<Triple>(const double* from) {
-  Triple value;
+inline void load(const double* from, TripleInTwo& value) {
   std::memcpy(&value.pair, from, sizeof value.pair);
   value.last = from[2];
-  return value;
 }
+/// There has to be a double behind the three.
+[[gnu::always_inline]] inline void load(const double* from, TripleInOne& value) {
+  std::memcpy(&value, from, sizeof value);
+}
+
 inline void store(double* to, double value) {
   *to = value;
 }
-inline void store(double* to, Triple value) {
+inline void store(double* to, const TripleInTwo& value) {
   std::memcpy(to, &value.pair, sizeof value.pair);
   to[2] = value.last;
+}
+[[gnu::always_inline]] inline void store(double* to, const TripleInOne& value) {
+  store(to, TripleInTwo{__builtin_shufflevector(value, value, 0, 1), value[2]});
+}
+
+/// The same number in every place.
+inline void fill(double& value, double each) {
+  value = each;
+}
+inline void fill(TripleInTwo& value, double each) {
+  value = TripleInTwo{TripleInTwo::Pair{each, each}, each};
+}
+[[gnu::always_inline]] inline void fill(TripleInOne& value, double each) {
+  value = each - TripleInOne{};
+}
+
+/// Adds a value to consecutive doubles.
+inline void addTo(double* sum, double value) {
+  *sum += value;
+}
+inline void addTo(double* sum, const TripleInTwo& value) {
+  TripleInTwo own;
+  load(sum, own);
+  own += value;
+  store(sum, own);
+}
+/// Writes two and one, so that a later read of a neighbour need not be put together from two
+/// writes.
+[[gnu::always_inline]] inline void addTo(double* sum, const TripleInOne& value) {
+  addTo(sum, TripleInTwo{__builtin_shufflevector(value, value, 0, 1), value[2]});
 }
 
 }  // namespace gravlin

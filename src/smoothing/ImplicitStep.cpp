@@ -16,11 +16,10 @@ RowWriter::RowWriter(SparseMatrix& written, const TriangleMesh& mesh)
 
 ImplicitStep solveForPositions(TriangleMesh& mesh, const SparseMatrix& matrix, double tolerance) {
   const std::size_t size = mesh.vertices.size();
-  LargeVector<double> b = dvector(size);
-  for (std::size_t i = 0; i < size; ++i) b[i + 1] = static_cast<double>(mesh.vertices[i]);
-  LargeVector<double> x = b;
+  LargeVector<double> x = dvector(size);
+  for (std::size_t i = 0; i < size; ++i) x[i + 1] = static_cast<double>(mesh.vertices[i]);
   const LinbcgSettings settings = {.itol = 1, .tol = tolerance, .itmax = 100};
-  const ImplicitStep step = {linbcgForThree(matrix, mesh.vertexCount, b, x, settings)};
+  const ImplicitStep step = {linbcgForThree(matrix, mesh.vertexCount, x, x, settings)};
   for (std::size_t i = 0; i < size; ++i) mesh.vertices[i] = static_cast<float>(x[i + 1]);
   return step;
 }

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <initializer_list>
 #include <limits>
 #include <numeric>
 
@@ -9,7 +10,8 @@ namespace gravlin {
 namespace {
 
 TEST(LargeVector, HoldsWhatAVectorHoldsBelowAndAboveAHugePage) {
-  for (const std::size_t size : {0, 1, 1000, 524'288, 524'289, 3'000'001}) {
+  for (const std::size_t size :
+       std::initializer_list<std::size_t>{0, 1, 1000, 524'288, 524'289, 3'000'001}) {
     LargeVector<double> values(size);
     std::iota(values.begin(), values.end(), 0.0);
     const LargeVector<double> copy = values;
@@ -20,6 +22,19 @@ TEST(LargeVector, HoldsWhatAVectorHoldsBelowAndAboveAHugePage) {
   }
 }
 
+TEST(UnfilledVector, HoldsWhatItIsGiven) {
+  for (const std::size_t size : std::initializer_list<std::size_t>{0, 1, 1000, 524'289}) {
+    UnfilledVector<double> values(size, 3.0);
+    values.resize(size + 2);
+    values[size] = 4.0;
+    values[size + 1] = 5.0;
+    values.push_back(6.0);
+    const UnfilledVector<double> copy = values;
+    for (std::size_t i = 0; i < size; ++i) ASSERT_EQ(copy[i], 3.0);
+    for (std::size_t k = 0; k < 3; ++k) EXPECT_EQ(copy[size + k], 4.0 + static_cast<double>(k));
+  }
+}
+
 TEST(LargeVector, RefusesWhatNoMemoryHolds) {
   LargeAllocator<double> allocator;
   EXPECT_THROW(static_cast<void>(allocator.allocate(std::numeric_limits<std::size_t>::max() / 8)),
@@ -27,7 +42,8 @@ TEST(LargeVector, RefusesWhatNoMemoryHolds) {
 }
 
 TEST(LargeVector, ReservesRoomInAPlainVectorAndKeepsWhatIsThere) {
-  for (const std::size_t count : {0, 1, 1000, 600'000, 3'000'000}) {
+  for (const std::size_t count :
+       std::initializer_list<std::size_t>{0, 1, 1000, 600'000, 3'000'000}) {
     std::vector<int> values = {1, 2, 3};
     reserveLarge(values, count);
     ASSERT_GE(values.capacity(), count);
