@@ -4,9 +4,8 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <exception>
 #include <new>
-#include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -41,8 +40,7 @@ double normOf(std::size_t n, int itol, const Function& v) {
   return norm;
 }
 
-/// One of the systems that are solved side by side. `v` is, everywhere, a function that tells what
-/// is at a place of a vector.
+/// One of the systems that are solved side by side.
 struct OneSystem {
   const Systems& systems;
   std::size_t place;  ///< which of them
@@ -54,6 +52,7 @@ struct OneSystem {
     }
     return true;
   }
+  /// Of the vector that has v(at) at each place.
   template <class Function>
   double norm(int itol, const Function& v) const {
     return normOf(systems.n, itol, [&](std::size_t j) { return v(index(j)); });
@@ -124,19 +123,14 @@ std::string lineOf(const LinbcgResult& result) {
 }
 
 /// One of the systems from its first pass to its last. The sweeps go on over all of them until the
-/// last has ended, so what an earlier one came to is put aside.
+/// last has ended; what an earlier one came to has to be put aside before.
 class Course {
  public:
   /// A system without a residual r has ended before its first pass.
   Course(const OneSystem& followed, std::span<const double> b, const Sweeps& sweeps, int itol)
-      : system(followed) {
-    const std::span<const double> r = sweeps.vectors().r;
-    if (system.isZero(r)) {
-      end(sweeps);
-    } else {
-      test.emplace(system, b, r, itol);
-    }
-  }
+      : system(followed),
+        test(system, b, sweeps.vectors().r, itol),
+        ended(system.isZero(sweeps.vectors().r)) {}
 
   bool running() const { return !ended; }
   const LinbcgResult& outcome() const { return result; }
@@ -144,28 +138,29 @@ class Course {
   /// Takes note of a pass and ends after it if the error is small enough.
   void follow(const Sweeps& sweeps, const PerSystem& ak, double tol) {
     ++result.iter;
-    if (!test->estimate(sweeps, ak, result.err)) return;
+    if (!test.estimate(sweeps, ak, result.err)) return;
     print(lineOf(result));
-    if (!(result.err > tol)) end(sweeps);
+    ended = !(result.err > tol);
   }
 
-  /// Writes the solution into x, and the lines that had to wait for those of the systems before.
+  /// Before the sweeps go on: keeps the solution of a system that has ended.
+  void putAside(const Sweeps& sweeps) {
+    if (!ended || !solution.empty()) return;
+    solution = unfilledDvector(system.systems.n);
+    for (std::size_t j = 0; j < system.systems.n; ++j) solution[j] = sweeps.x(system.index(j));
+  }
+
+  /// Writes the solution into x, which the sweeps must not look at any more, and the lines that had
+  /// to wait for those of the systems before.
   void close(const Sweeps& sweeps, std::span<double> x) const {
     for (std::size_t j = 0; j < system.systems.n; ++j) {
       const std::size_t at = system.index(j);
-      x[at] = ended ? solution[j] : sweeps.x(at);
+      x[at] = solution.empty() ? sweeps.x(at) : solution[j];
     }
     if (!waiting.empty()) writeText(TextStream::Output, waiting);
   }
 
  private:
-  /// What x is now is the solution.
-  void end(const Sweeps& sweeps) {
-    ended = true;
-    solution.resize(system.systems.n);
-    for (std::size_t j = 0; j < solution.size(); ++j) solution[j] = sweeps.x(system.index(j));
-  }
-
   void print(const std::string& line) {
     if (system.place == 0) {
       writeText(TextStream::Output, line);
@@ -175,10 +170,10 @@ class Course {
   }
 
   OneSystem system;
-  std::optional<StoppingTest> test;
+  StoppingTest test;
+  bool ended;
   LinbcgResult result;
-  bool ended = false;
-  LargeVector<double> solution;
+  UnfilledVector<double> solution;  ///< empty until it is put aside; 0-based
   std::string waiting;
 };
 
@@ -201,6 +196,7 @@ std::vector<LinbcgResult> solve(const Systems& systems, std::span<const double> 
   PerSystem bk = {};
   for (int pass = 0; pass <= settings.itmax; ++pass) {
     if (std::ranges::none_of(courses, &Course::running)) break;
+    for (Course& course : courses) course.putAside(sweeps);
     checkOrder(ija, n, mismatchInProduct);
     checkOrder(ija, n, mismatchInTransposedProduct);
     const PerSystem bknum = sweeps.residuals().bknum;
@@ -213,6 +209,7 @@ std::vector<LinbcgResult> solve(const Systems& systems, std::span<const double> 
   }
 
   std::vector<LinbcgResult> results;
+  results.reserve(courses.size());
   for (const Course& course : courses) {
     course.close(sweeps, x);
     results.push_back(course.outcome());

@@ -28,18 +28,21 @@ struct LinbcgResult {
 };
 
 /// Solves A x = b for any square A by biconjugate gradients, preconditioned by the diagonal of A.
-/// On entry x is the starting value, on exit the last iterate, converged or not; b and x may be the
-/// same memory, since b is read only before x first moves. A starting value
-/// that solves the system exactly is left as it is, without a pass. No other zero denominator is
-/// guarded: it gives an infinity or NaN that spreads into x, and an error that is not a number ends
-/// the iteration. Prints one line a pass; an `itol` outside 1 .. 4 is reported by `nrerror`, and
-/// one pass with error 0 is made.
+/// On entry x is the starting value, on exit the last iterate, converged or not. b and x may be the
+/// same memory: b is read only before x first moves. Columns of A are within 1 .. n.
+///
+/// A starting value that solves the system exactly is left as it is, without a pass. No other zero
+/// denominator is guarded: it gives an infinity or NaN that spreads into x. With itol 1 and 2 an
+/// error that is not a number then ends the iteration; with 3 and 4 all passes are made, since none
+/// of them gets as far as looking at its error. Prints a line for each pass that does. An `itol`
+/// outside 1 .. 4 is reported by `nrerror`, and the error then counts as 0.
 LinbcgResult linbcg(const SparseMatrix& matrix, int n, std::span<const double> b,
                     std::span<double> x, const LinbcgSettings& settings);
 
 /// Three solves by `linbcg` side by side, so that the matrix travels through memory once for the
 /// three: the same bits and the same lines as one after the other. b and x hold the three values of
-/// unknown j at 3 j - 2 .. 3 j, 3 n + 1 doubles each. `ija[1]` must be n + 2 and `itol` 1 .. 4.
+/// unknown j at 3 j - 2 .. 3 j, 3 n + 1 doubles each, and may be the same memory. `ija[1]` must be
+/// n + 2 and `itol` 1 .. 4.
 std::array<LinbcgResult, 3> linbcgForThree(const SparseMatrix& matrix, int n,
                                            std::span<const double> b, std::span<double> x,
                                            const LinbcgSettings& settings);

@@ -281,7 +281,7 @@ bool hasRegistersOfFour() {
 }
 #endif
 
-Compiled compiledFor(std::size_t systems, Registers registers) {
+Compiled compiledFor(std::size_t systems, [[maybe_unused]] Registers registers) {
 #ifdef __x86_64__
   if (registers == Registers::OfFour) return compiledByFour(systems);
 #endif

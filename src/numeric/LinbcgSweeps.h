@@ -24,7 +24,7 @@ struct Systems {
   std::size_t doubles() const { return count * n; }
 };
 
-/// One number for each of the systems. Of a single one it is the first, and the others are 0.
+/// One number for each of the systems. Of a single one it is the first; the others mean nothing.
 using PerSystem = std::array<double, 3>;
 
 /// The six work vectors of a solve: search directions, residuals and products, each with its
@@ -70,7 +70,7 @@ class Meetings {
 /// Vector registers that the sweeps are compiled for. The bits are the same with each.
 enum class Registers {
   OfTwo,  ///< two doubles long, as every machine has them
-  OfFour  ///< four doubles long
+  OfFour  ///< four doubles long; only for a machine where they are the longest
 };
 
 /// The longest that this machine has.
@@ -92,21 +92,22 @@ struct Residuals {
   PerSystem squaredR = {};  ///< r . r
 };
 
-/// A pass from its first sweep to its last. Each sweep does at once what the textbook does in
-/// several, so that every vector travels through memory as seldom as possible; every sum is formed
-/// in the textbook's order.
+/// The two sweeps that a pass consists of, and what they work on from the first pass to the last.
+/// Each does at once what the textbook does in several, so that every vector travels through memory
+/// as seldom as possible; every sum is formed in the textbook's order.
 class Sweeps {
  public:
   /// Begins with r = rr = b - A x, x = `start`. In `start` x then moves.
   Sweeps(const Systems& solved, std::span<const double> b, std::span<double> start,
          Registers registers = longestRegisters());
 
-  /// p = bk p + z and pp = bk pp + zz, or p = z and pp = zz the first time, when bk means nothing;
-  /// then z = A p and zz = the transpose of A times pp. Returns z . pp.
+  /// The first sweep. p = bk p + z and pp = bk pp + zz, or p = z and pp = zz in the first pass, when
+  /// bk means nothing; then z = A p and zz = the transpose of A times pp. Returns z . pp.
   PerSystem turnAndMultiply(const PerSystem& bk);
 
-  /// x += ak p, r -= ak z and rr -= ak zz; then z and zz become the preconditioned r and rr. In
-  /// memory x moves only with the next turn, which has to read p anyway: `x` tells where it is.
+  /// The second. x += ak p, r -= ak z and rr -= ak zz; then z and zz become the preconditioned r and
+  /// rr. In memory x moves only in the first sweep of the next pass, which has to read p anyway:
+  /// `x` tells where it is.
   void advance(const PerSystem& ak);
 
   double x(std::size_t at) const {

@@ -35,8 +35,8 @@ constexpr std::size_t places = 3;
 template <>
 inline constexpr std::size_t places<double> = 1;
 
-// Reading and writing consecutive doubles of any alignment. What passes a TripleInOne is always
-// inlined: in which registers it would travel depends on the machine that a caller is compiled for.
+// Reading and writing consecutive doubles of any alignment. What takes a TripleInOne is always
+// inlined, to be compiled for the same registers as its caller.
 
 inline void load(const double* from, double& value) {
   value = *from;
@@ -69,7 +69,7 @@ inline void fill(TripleInTwo& value, double each) {
   value = TripleInTwo{TripleInTwo::Pair{each, each}, each};
 }
 [[gnu::always_inline]] inline void fill(TripleInOne& value, double each) {
-  value = each - TripleInOne{};
+  value = TripleInOne{each, each, each, each};
 }
 
 /// Adds a value to consecutive doubles.

@@ -18,6 +18,7 @@ ImplicitStep solveForPositions(TriangleMesh& mesh, const SparseMatrix& matrix, d
   const std::size_t size = mesh.vertices.size();
   LargeVector<double> x = dvector(size);
   for (std::size_t i = 0; i < size; ++i) x[i + 1] = static_cast<double>(mesh.vertices[i]);
+  // x is both the right-hand side and the starting value.
   const LinbcgSettings settings = {.itol = 1, .tol = tolerance, .itmax = 100};
   const ImplicitStep step = {linbcgForThree(matrix, mesh.vertexCount, x, x, settings)};
   for (std::size_t i = 0; i < size; ++i) mesh.vertices[i] = static_cast<float>(x[i + 1]);

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <initializer_list>
+#include <iterator>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "numeric/LinbcgSweeps.h"
@@ -101,6 +103,7 @@ std::vector<std::uint64_t> bitsAfterPasses(const Systems& systems, std::span<con
 }
 
 TEST_P(LinbcgSweeps, GiveTheSameBitsInRegistersOfAnyLength) {
+  if (longestRegisters() == Registers::OfTwo) GTEST_SKIP() << "this machine has only one length";
   EXPECT_EQ(bitsAfterPasses(solved(), b, start, Registers::OfTwo),
             bitsAfterPasses(solved(), b, start, longestRegisters()));
 }
@@ -118,7 +121,7 @@ TEST_P(LinbcgSweeps, TellWhereXIsBeforeItMovesInMemory) {
     EXPECT_EQ(moved.back(), start[at] + ak[at % systems] * sweeps.vectors().p[at]);
   }
   sweeps.turnAndMultiply({1.0, 1.0, 1.0});
-  EXPECT_EQ(x, moved);
+  EXPECT_EQ(bitsOf(x), bitsOf(moved));
 }
 
 TEST(WorkVectors, AreApartAndHaveOneDoubleMore) {

@@ -254,25 +254,106 @@ LinbcgResult plainLinbcg(const SparseMatrix& matrix, int order, const std::vecto
   return result;
 }
 
+struct Compared {
+  const SparseMatrix& matrix;
+  std::vector<double> b;
+  std::vector<double> start;
+  LinbcgSettings settings;
+};
+
+/// Vectors are 1-based.
+void expectBitsOfTheMethodTakenStepByStep(const Compared& compared) {
+  const CapturedText text;
+  const int n = static_cast<int>(compared.b.size()) - 1;
+  std::vector<double> x = compared.start;
+  std::vector<double> expected = compared.start;
+  const LinbcgResult result = linbcg(compared.matrix, n, compared.b, x, compared.settings);
+  const LinbcgResult plain =
+      plainLinbcg(compared.matrix, n, compared.b, expected, compared.settings);
+  EXPECT_EQ(result.iter, plain.iter);
+  EXPECT_TRUE(sameBits({result.err}, {plain.err})) << result.err << ' ' << plain.err;
+  EXPECT_TRUE(sameBits(x, expected));
+}
+
 TEST_P(LinbcgItol, GivesTheBitsOfTheMethodTakenStepByStep) {
   Random random(5);
-  for (int n = 1; n <= 40; ++n) {
+  std::vector<int> sizes = {63, 64, 65, 130, 300};  // at and beyond a block of unknowns
+  for (int n = 1; n <= 40; ++n) sizes.push_back(n);
+  for (const int n : sizes) {
+    SCOPED_TRACE(n);
     for (const DenseMatrix& dense : {randomSymmetricMatrix(random, n), randomMatrix(random, n, 1.5),
                                      matrixWithZeroDiagonals(random, n)}) {
-      const CapturedText text;
-      const SparseMatrix matrix = sparse(dense);
-      const std::vector<double> b = oneBased(randomVector(random, n));
-      const std::vector<double> start = oneBased(randomVector(random, n));
-      const LinbcgSettings settings = {.itol = GetParam(), .tol = 1e-9, .itmax = 100};
-      std::vector<double> x = start;
-      std::vector<double> expected = start;
-      const LinbcgResult result = linbcg(matrix, n, b, x, settings);
-      const LinbcgResult plain = plainLinbcg(matrix, n, b, expected, settings);
-      EXPECT_EQ(result.iter, plain.iter);
-      EXPECT_TRUE(sameBits({result.err}, {plain.err})) << result.err << ' ' << plain.err;
-      EXPECT_TRUE(sameBits(x, expected));
+      expectBitsOfTheMethodTakenStepByStep(
+          {.matrix = sparse(dense),
+           .b = oneBased(randomVector(random, n)),
+           .start = oneBased(randomVector(random, n)),
+           .settings = {.itol = GetParam(), .tol = 1e-9, .itmax = 100}});
     }
   }
+}
+
+/// Each unknown with those beside it and one `stride` further on, which makes the pattern
+/// unsymmetric and leads far away.
+SparseMatrix wideMatrix(Random& random, int n, int stride) {
+  SparseMatrix matrix;
+  matrix.sa.assign(static_cast<std::size_t>(n) + 2, 0.0);
+  matrix.ija.assign(static_cast<std::size_t>(n) + 2, n + 2);
+  for (int row = 0; row < n; ++row) {
+    std::array<int, 3> columns = {(row + n - 1) % n, (row + 1) % n, (row + stride) % n};
+    std::ranges::sort(columns);
+    for (const int column : columns) {
+      matrix.sa.push_back(uniform(random));
+      matrix.ija.push_back(column + 1);
+    }
+    matrix.sa[static_cast<std::size_t>(row) + 1] = 4.0 + uniform(random);
+    matrix.ija[static_cast<std::size_t>(row) + 2] = static_cast<int>(matrix.ija.size());
+  }
+  return matrix;
+}
+
+TEST(Linbcg, GivesTheBitsOfTheMethodWhereVectorsAreSpreadOverTheCache) {
+  // From 16,384 doubles on.
+  Random random(8);
+  const int n = 17'000;
+  expectBitsOfTheMethodTakenStepByStep({.matrix = wideMatrix(random, n, 5'000),
+                                        .b = oneBased(randomVector(random, n)),
+                                        .start = oneBased(randomVector(random, n)),
+                                        .settings = {.itol = 1, .tol = 1e-12, .itmax = 10}});
+}
+
+TEST(Linbcg, TakesRowsThatNameAColumnTwiceOrTheirOwn) {
+  // The entries of a column named twice add up, and so do the diagonal and an entry in its column.
+  Random random(9);
+  const int n = 100;
+  SparseMatrix matrix = wideMatrix(random, n, 1);
+  for (std::size_t row = 1; row <= n; row += 10) {
+    matrix.ija[static_cast<std::size_t>(matrix.ija[row])] = static_cast<int>(row);
+  }
+  expectBitsOfTheMethodTakenStepByStep({.matrix = matrix,
+                                        .b = oneBased(randomVector(random, n)),
+                                        .start = oneBased(randomVector(random, n)),
+                                        .settings = {.itol = 1, .tol = 1e-12, .itmax = 20}});
+}
+
+TEST_P(LinbcgItol, SolvesWithTheRightHandSideInTheMemoryOfX) {
+  const CapturedText text;
+  Random random(10);
+  const int n = 90;
+  const SparseMatrix matrix = sparse(randomMatrix(random, n, 3.0));
+  const std::vector<double> b = oneBased(randomVector(random, n));
+  const LinbcgSettings settings = {.itol = GetParam(), .tol = 1e-9, .itmax = 100};
+  std::vector<double> expected = b;
+  linbcg(matrix, n, b, expected, settings);
+  std::vector<double> both = b;
+  linbcg(matrix, n, both, both, settings);
+  EXPECT_TRUE(sameBits(both, expected));
+
+  const std::vector<double> three = oneBased(randomVector(random, 3 * n));
+  std::vector<double> expectedThree = three;
+  linbcgForThree(matrix, n, three, expectedThree, settings);
+  std::vector<double> bothThree = three;
+  linbcgForThree(matrix, n, bothThree, bothThree, settings);
+  EXPECT_TRUE(sameBits(bothThree, expectedThree));
 }
 
 TEST(Linbcg, ReportsAMismatchedMatrixBeforeEachProduct) {
@@ -376,8 +457,8 @@ TEST_P(LinbcgItol, LetsEachOfThreeSystemsEndInItsOwnPass) {
   std::vector<double> broken = b;
   broken[3] = std::nan("");
   const LinbcgSettings settings = {.itol = GetParam(), .tol = 1e-6, .itmax = 100};
-  // Far and near starts in turn; a system that is solved from the start; one that ends at once with
-  // what is not a number.
+  // Far and near starts in turn; a system that is solved from the start; one whose numbers are
+  // none, which itol 1 and 2 end at once and 3 and 4 never.
   expectSideBySideAsInTurn(matrix, {b, b, b}, {zero, nearSolution, zero}, settings);
   expectSideBySideAsInTurn(matrix, {b, b, b}, {nearSolution, zero, nearSolution}, settings);
   expectSideBySideAsInTurn(matrix, {zero, b, zero}, {zero, zero, zero}, settings);
@@ -493,6 +574,34 @@ TEST(Linbcg, EndsOnAnErrorThatIsNotANumber) {
   EXPECT_EQ(found.result.iter, 1);
   EXPECT_TRUE(std::isnan(found.result.err));
   EXPECT_TRUE(std::isnan(found.x[1]));
+}
+
+TEST(Linbcg, NeverLooksAtAnErrorThatIsNotANumberWithItol3And4) {
+  for (const int itol : {3, 4}) {
+    const CapturedText text;
+    DenseMatrix matrix(2);
+    matrix.at(0, 0) = matrix.at(1, 1) = 1.0;
+    const Solution found =
+        solve(matrix, {std::nan(""), 1.0}, {.itol = itol, .tol = 1e-6, .itmax = 100});
+    EXPECT_EQ(found.result.iter, 101);
+    EXPECT_TRUE(std::isnan(found.result.err));
+    EXPECT_EQ(text.output, "");
+  }
+}
+
+TEST(Linbcg, ReportsAnIllegalItolOfASystemThatIsSolvedFromTheStart) {
+  const CapturedText text;
+  DenseMatrix matrix(2);
+  matrix.at(0, 0) = matrix.at(1, 1) = 1.0;
+  const Solution found =
+      solve(matrix, {2.0, 3.0}, {.itol = 7, .tol = 1e-6, .itmax = 10}, {2.0, 3.0});
+  EXPECT_EQ(text.error,
+            "Numerical Recipes run-time error...\n"
+            "illegal itol in linbcg\n"
+            "...now exiting to system...\n");
+  EXPECT_EQ(text.output, "");
+  EXPECT_EQ(found.result.iter, 0);
+  EXPECT_THAT(found.x, ElementsAre(2.0, 3.0));
 }
 
 TEST(Linbcg, SpreadsAZeroDenominatorIntoTheResult) {

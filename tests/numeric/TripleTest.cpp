@@ -1,4 +1,5 @@
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <gtest/gtest.h>
 
@@ -40,6 +41,8 @@ TYPED_TEST(TripleForm, HoldsTheSameNumberThreeTimes) {
   TypeParam value;
   fill(value, -7.5);
   EXPECT_EQ(this->placesOf(value), (std::array<double, 3>{-7.5, -7.5, -7.5}));
+  fill(value, -0.0);
+  for (const double place : this->placesOf(value)) EXPECT_TRUE(std::signbit(place));
 }
 
 TYPED_TEST(TripleForm, TouchesOnlyThreeDoublesOfAnyAlignment) {

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "mesh/TriangleMesh.h"
 #include "numeric/SparseMatrix.h"

@@ -53,6 +53,24 @@ TEST(MeanCurvatureFlow, LeavesAVertexWithoutRingAreaWhereItIs) {
   EXPECT_NE(mesh.position(4), before.position(4));
 }
 
+TEST(MeanCurvatureFlow, SkipsTrianglesWithoutArea) {
+  // The three triangles around vertex 0 lie on the line through its neighbours, which take their
+  // normals from the other three alone.
+  TriangleMesh mesh =
+      test::makeMesh({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {-1, 0, 0}, {0, 3, 3}},
+                     {{0, 1, 2}, {0, 2, 3}, {0, 3, 1}, {1, 3, 4}, {3, 2, 4}, {2, 1, 4}});
+  constexpr double dt = 0.5;
+  meanCurvatureFlow(mesh, {.iterations = 1, .step = static_cast<float>(dt)});
+  // K = -4 / (sum of areas) x sum of (cot of the angle at b) (a - x) + (cot at a) (b - x).
+  const Vec3 ofFirst = {0, -4.0 / 3, -4.0 / 3};
+  const Vec3 ofSecond = {4, 0, 0};
+  const Vec3 ofThird = {-3.2, -0.8, -0.8};
+  // Positions of size 3 are rounded to 2.4e-7.
+  EXPECT_LE(length(mesh.position(1) - (Vec3{1, 0, 0} - dt * ofFirst)), 5e-7);
+  EXPECT_LE(length(mesh.position(2) - (Vec3{2, 0, 0} - dt * ofSecond)), 5e-7);
+  EXPECT_LE(length(mesh.position(3) - (Vec3{-1, 0, 0} - dt * ofThird)), 5e-7);
+}
+
 TEST(MeanCurvatureFlow, MovesNothingForACountBelowOne) {
   for (const int iterations : {0, -1}) {
     TriangleMesh mesh = test::octahedron();

@@ -79,6 +79,33 @@ TEST(MedianCurvatureFlow, MovesEveryInteriorVertexByItsOwnDisplacement) {
   }
 }
 
+TEST(MedianCurvatureFlow, GoesTheWayOfTheFlowOrToTheMiddleOfTheRingOnAnOctahedron) {
+  // At (1, 0, 0): L = (-1, 0, 0) and K = (16/3, 0, 0), so D = -16/3 dt, at most as long as L.
+  TriangleMesh near = test::octahedron();
+  medianCurvatureFlow(near, {.iterations = 1, .step = 0.125F});
+  EXPECT_LE(length(near.position(0) - Vec3{1.0 / 3, 0, 0}), 1e-7);  // rounding to single
+  TriangleMesh far = test::octahedron();
+  medianCurvatureFlow(far, {.iterations = 1, .step = 0.5F});
+  EXPECT_EQ(far.position(0), (Vec3{0, 0, 0}));
+}
+
+TEST(MedianCurvatureFlow, GoesAgainstTheUmbrellaWhereTheNormalPointsTheOtherWay) {
+  // Four equal triangles of area sqrt(4.5) / 2 around a saddle, steep one way and wide the other:
+  // L = (0, 0, 1/8), but the cotangents weigh the steep neighbours more and K = (0, 0, 8/9), H =
+  // -K. D = dt (2 H - (h / d) L) = -8/9 dt along z, at most as long as L: mirrored L is (0, 0,
+  // -1/8).
+  const auto saddle = [] {
+    return test::makeMesh({{0, 0, 0}, {1, 0, -0.25}, {0, 2, 0.5}, {-1, 0, -0.25}, {0, -2, 0.5}},
+                          {{0, 1, 2}, {0, 2, 3}, {0, 3, 4}, {0, 4, 1}});
+  };
+  TriangleMesh near = saddle();
+  medianCurvatureFlow(near, {.iterations = 1, .step = 0.1F});
+  EXPECT_LE(length(near.position(0) - Vec3{0, 0, -4.0 / 45}), 1e-7);  // rounding to single
+  TriangleMesh far = saddle();
+  medianCurvatureFlow(far, {.iterations = 1, .step = 0.5F});
+  EXPECT_LE(length(far.position(0) - Vec3{0, 0, -0.125}), 1e-7);
+}
+
 TEST(MedianCurvatureFlow, SpreadsTheVerticesOfAFlatMeshEvenly) {
   // No normal part anywhere: every interior vertex goes to the centre of its ring.
   TriangleMesh fan = test::hexagonFan();
