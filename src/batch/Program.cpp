@@ -10,7 +10,7 @@
 namespace gravlin {
 namespace {
 
-enum ExitStatus : int { allIsWell = 0, stepFailed = 1, notUnderstood = 2 };
+enum ExitStatus : int { AllIsWell = 0, StepFailed = 1, NotUnderstood = 2 };
 
 /// Goes through all calls without running any of them.
 void checkCalls(std::span<const StepCall> calls, BatchStreams streams) {
@@ -31,10 +31,10 @@ int runCalls(std::span<const StepCall> calls, BatchStreams streams) {
   for (std::size_t k = 0; k < calls.size(); ++k) {
     session.outside.viewSize = sizeOfNextRender(calls.subspan(k));
     calls[k].step->run(session, calls[k]);
-    if (session.outside.failed) return stepFailed;
+    if (session.outside.failed) return StepFailed;
   }
   if (!allWritten(streams.output)) throw StepFailure("Standard output could not be written.");
-  return allIsWell;
+  return AllIsWell;
 }
 
 /// Standard output is for another program to read: nothing but the dump may go there.
@@ -61,7 +61,7 @@ int runBatch(std::span<const std::string> arguments, BatchStreams streams) {
     const CommandLine line = readCommandLine(arguments);
     if (!line.answer.empty()) {
       std::fputs(line.answer.c_str(), streams.output);
-      return allIsWell;
+      return AllIsWell;
     }
     checkCalls(line.calls, streams);
     const bool quiet =
@@ -69,11 +69,11 @@ int runBatch(std::span<const std::string> arguments, BatchStreams streams) {
     const ScopedTextSink sink(textSink(streams, quiet));
     return runCalls(line.calls, streams);
   } catch (const UsageError& error) {
-    return fail(error.what(), notUnderstood);
+    return fail(error.what(), NotUnderstood);
   } catch (const StepFailure& error) {
-    return fail(error.what(), stepFailed);
+    return fail(error.what(), StepFailed);
   } catch (const std::bad_alloc&) {
-    return fail("There is not enough memory.", stepFailed);
+    return fail("There is not enough memory.", StepFailed);
   }
 }
 

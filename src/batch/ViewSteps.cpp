@@ -142,7 +142,7 @@ Step pickStep() {
     const Field y = {.name = "y", .label = "", .value = &point.y};
     for (const auto& [field, text] : {std::pair(x, call.operands[0]), {y, call.operands[1]}}) {
       const std::string refusal = storeText(field, text);
-      if (!refusal.empty()) throw UsageError(text + ": " + refusal);
+      if (!refusal.empty()) throw UsageError(std::string(text).append(": ").append(refusal));
     }
     return point;
   };

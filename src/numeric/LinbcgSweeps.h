@@ -101,13 +101,13 @@ class Sweeps {
   Sweeps(const Systems& solved, std::span<const double> b, std::span<double> start,
          Registers registers = longestRegisters());
 
-  /// The first sweep. p = bk p + z and pp = bk pp + zz, or p = z and pp = zz in the first pass, when
-  /// bk means nothing; then z = A p and zz = the transpose of A times pp. Returns z . pp.
+  /// The first sweep. p = bk p + z and pp = bk pp + zz, or p = z and pp = zz in the first pass,
+  /// when bk means nothing; then z = A p and zz = the transpose of A times pp. Returns z . pp.
   PerSystem turnAndMultiply(const PerSystem& bk);
 
-  /// The second. x += ak p, r -= ak z and rr -= ak zz; then z and zz become the preconditioned r and
-  /// rr. In memory x moves only in the first sweep of the next pass, which has to read p anyway:
-  /// `x` tells where it is.
+  /// The second. x += ak p, r -= ak z and rr -= ak zz; then z and zz become the preconditioned r
+  /// and rr. In memory x moves only in the first sweep of the next pass, which has to read p
+  /// anyway: `x` tells where it is.
   void advance(const PerSystem& ak);
 
   double x(std::size_t at) const {

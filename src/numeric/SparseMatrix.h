@@ -13,8 +13,8 @@ namespace gravlin {
 ///   n + 2 ..      off-diagonals, row by row   column of the value at the same position
 ///
 /// ija[1] is therefore always n + 2, and the off-diagonals of row i are at the positions
-/// ija[i] .. ija[i + 1] - 1. Both arrays may be longer than what is stored, and what is not used may
-/// be unset.
+/// ija[i] .. ija[i + 1] - 1. Both arrays may be longer than what is stored, and what is not used
+/// may be unset.
 class SparseMatrix {
  public:
   SparseMatrix() = default;

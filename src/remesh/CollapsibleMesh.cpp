@@ -52,7 +52,7 @@ void CollapsibleMesh::writeTo(TriangleMesh& mesh) const {
   for (int f = 0; f < mesh.faceCount; ++f) mesh.setFace(f, face(f).corners);
   for (int i = 0; i < mesh.vertexCount; ++i) {
     mesh.setVertex(i, vertex(i).xyz);
-    mesh.vertexKind[toIndex(i)] = vertex(i).kind;
+    mesh.vertexKind[toIndex(i)] = int{vertex(i).kind};
   }
 }
 

@@ -8,6 +8,7 @@
 
 #include "features/ExtremaExtraction.h"
 #include "features/MarkedMeshes.h"
+#include "numeric/Index.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
@@ -168,9 +169,9 @@ TEST(ExtremaExtraction, APositionThatIsNotANumberMarksNeitherItsVertexNorThoseBe
 /// The marks found step by step with no regard to time, and how often the rarer steps were taken.
 struct PlainExtraction {
   struct Record {
-    double K = 0.0;  ///< maximum curvature
-    double k = 0.0;  ///< minimum curvature
-    double D = 0.0;  ///< squared distance
+    double max = 0.0;      ///< maximum curvature
+    double min = 0.0;      ///< minimum curvature
+    double squared = 0.0;  ///< distance, squared
   };
   const TriangleMesh& mesh;
   std::vector<int> ridgeMarks;
@@ -204,13 +205,15 @@ struct PlainExtraction {
     const double k = mesh.minCurvature[at];
     const auto& [b1, a1] = records[0];
     const auto& [b2, a2] = records[1];
-    const double g = (K - b2.K) / std::sqrt(b2.D) + (a2.K - K) / std::sqrt(a2.D) -
-                     (a2.K - b2.K) / (std::sqrt(b2.D) + std::sqrt(a2.D));
-    const double h = (k - b1.k) / std::sqrt(b1.D) + (a1.k - k) / std::sqrt(a1.D) -
-                     (a1.k - b1.k) / (std::sqrt(b1.D) + std::sqrt(a1.D));
+    const double g = (K - b2.max) / std::sqrt(b2.squared) + (a2.max - K) / std::sqrt(a2.squared) -
+                     (a2.max - b2.max) / (std::sqrt(b2.squared) + std::sqrt(a2.squared));
+    const double h = (k - b1.min) / std::sqrt(b1.squared) + (a1.min - k) / std::sqrt(a1.squared) -
+                     (a1.min - b1.min) / (std::sqrt(b1.squared) + std::sqrt(a1.squared));
     const double twice = 2.0 * (K - k);
-    if (K > b1.K + g * g * b1.D / twice && K > a1.K + g * g * a1.D / twice) ridgeMarks[at] = 1;
-    if (k < b2.k - h * h * b2.D / twice && k < a2.k - h * h * a2.D / twice) valleyMarks[at] = 1;
+    if (K > b1.max + g * g * b1.squared / twice && K > a1.max + g * g * a1.squared / twice)
+      ridgeMarks[at] = 1;
+    if (k < b2.min - h * h * b2.squared / twice && k < a2.min - h * h * a2.squared / twice)
+      valleyMarks[at] = 1;
   }
 
   Vec3 inSingle(int i, int j) const {
@@ -341,7 +344,7 @@ TEST(ExtremaExtraction, BeforeAnyCutTheCurvatureOnASideCountsAs0) {
     for (int i = 0; i < 4; ++i) {
       mesh.maxDirection.insert(mesh.maxDirection.end(), {0.0, 1.0, 0.0});
       mesh.minDirection.insert(mesh.minDirection.end(), {1.0, 0.0, 0.0});
-      storeVec3(mesh.vertexNormals.data() + 3 * i, {0.0, 0.0, 1.0});
+      storeVec3(mesh.vertexNormals.data() + 3 * toIndex(i), {0.0, 0.0, 1.0});
     }
     extractExtrema(mesh);
     return mesh.ridgeMarks[0];
@@ -351,8 +354,8 @@ TEST(ExtremaExtraction, BeforeAnyCutTheCurvatureOnASideCountsAs0) {
 }
 
 TEST(ExtremaExtraction, BoundaryAndNonManifoldVerticesGetNoMark) {
-  for (auto meshes : {openMeshes(), hostileMeshes(), closedMeshes()}) {
-    for (auto& [name, mesh] : meshes) {
+  for (const auto& meshes : {openMeshes(), hostileMeshes(), closedMeshes()}) {
+    for (auto [name, mesh] : meshes) {
       SCOPED_TRACE(name);
       extractExtrema(mesh);
       ASSERT_EQ(static_cast<int>(mesh.ridgeMarks.size()), mesh.vertexCount);

@@ -76,8 +76,8 @@ TEST(LineLabels, AFloodStopsWhereOneVertexOfTheLineHasAnotherLabel) {
 
 TEST(LineLabels, AnyChangesGiveTheLabelsOfFloodsFromVertexToVertex) {
   std::mt19937 random(17);
-  for (auto meshes : {openMeshes(), closedMeshes(), hostileMeshes()}) {
-    for (auto& [name, mesh] : meshes) {
+  for (const auto& meshes : {openMeshes(), closedMeshes(), hostileMeshes()}) {
+    for (const auto& [name, mesh] : meshes) {
       SCOPED_TRACE(name);
       if (mesh.vertexCount == 0) continue;
       const auto vertex = [&, V = static_cast<unsigned>(mesh.vertexCount)] {

@@ -25,7 +25,7 @@ TEST(BlockAppender, GivesRoomForSeveralNumbersAtOnce) {
   // 7 does not divide the size of a block, so pieces end before it does.
   std::vector<float> appended;
   std::vector<float> wanted;
-  appended.reserve(7 * 500);
+  appended.reserve(std::size_t{7} * 500);
   {
     BlockAppender<float> appender(appended);
     for (int k = 0; k < 500; ++k) {

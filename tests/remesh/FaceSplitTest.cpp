@@ -26,7 +26,9 @@ TriangleMesh randomSoup(unsigned seed, int vertexCount, int faceCount) {
   }
   std::vector<std::array<int, 3>> faces;
   for (int f = 0; f < faceCount; ++f) {
-    const auto corner = [&] { return static_cast<int>(random() % (vertexCount + 1U)); };
+    const auto corner = [&] {
+      return static_cast<int>(random() % (static_cast<unsigned>(vertexCount) + 1U));
+    };
     faces.push_back({corner(), corner(), corner()});
   }
   return test::makeMesh(points, faces);

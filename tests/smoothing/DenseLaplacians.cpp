@@ -6,6 +6,8 @@
 #include <map>
 #include <utility>
 
+#include "numeric/Index.h"
+
 namespace gravlin::test {
 namespace {
 
@@ -110,7 +112,7 @@ std::vector<double> ringAreas(const TriangleMesh& mesh) {
 std::vector<double> coordinates(const TriangleMesh& mesh, int axis) {
   std::vector<double> result;
   for (int i = 0; i < mesh.vertexCount; ++i) {
-    result.push_back(static_cast<double>(mesh.vertices[static_cast<std::size_t>(3 * i + axis)]));
+    result.push_back(static_cast<double>(mesh.vertices[3 * toIndex(i) + toIndex(axis)]));
   }
   return result;
 }

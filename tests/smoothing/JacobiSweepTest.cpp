@@ -1,5 +1,7 @@
+#include <array>
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -48,8 +50,13 @@ TEST(JacobiSweep, KeepsTheBitsOfEveryVertexThatIsNotInterior) {
     }
     for (int i = 0; i < mesh.vertexCount; ++i) {
       const std::size_t at = 3 * toIndex(i);
-      const bool same =
-          std::memcmp(&mesh.vertices[at], &before.vertices[at], 3 * sizeof(float)) == 0;
+      const auto bits = [at](const TriangleMesh& m) {
+        std::array<std::uint32_t, 3> of = {};
+        for (std::size_t k = 0; k < 3; ++k)
+          of[k] = std::bit_cast<std::uint32_t>(m.vertices[at + k]);
+        return of;
+      };
+      const bool same = bits(mesh) == bits(before);
       EXPECT_EQ(same, mesh.vertexKind[toIndex(i)] != InteriorVertex) << named.name << ' ' << i;
     }
   }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "mesh/MeshMeasures.h"
+#include "numeric/Index.h"
 #include "smoothing/DenseLaplacians.h"
 #include "smoothing/TaubinSmoothing.h"
 #include "support/Meshes.h"
@@ -138,8 +139,8 @@ TriangleMesh octahedronWithApexAt(double x, double y) {
 
 /// x_j - x_i in single-precision arithmetic.
 Vec3 singleEdge(const TriangleMesh& mesh, int i, int j) {
-  const float* from = mesh.vertices.data() + 3 * i;
-  const float* to = mesh.vertices.data() + 3 * j;
+  const float* from = mesh.vertices.data() + 3 * toIndex(i);
+  const float* to = mesh.vertices.data() + 3 * toIndex(j);
   const float edge[3] = {to[0] - from[0], to[1] - from[1], to[2] - from[2]};
   return loadVec3(edge);
 }

@@ -27,8 +27,9 @@ DialogAnswer cancel() {
 DialogAnswer okWith(std::vector<std::pair<std::string, std::string>> texts) {
   return [texts = std::move(texts)](const Form& form) {
     for (const auto& [name, text] : texts) {
-      const auto field = std::find_if(form.fields.begin(), form.fields.end(),
-                                      [&](const Field& f) { return f.name == name; });
+      const auto field =
+          std::find_if(form.fields.begin(), form.fields.end(),
+                       [&wanted = name](const Field& f) { return f.name == wanted; });
       if (field == form.fields.end()) {
         ADD_FAILURE() << form.name << " has no field " << name;
         return false;
@@ -67,7 +68,7 @@ std::optional<std::string> ScriptedOutside::chooseFile(FileDialog kind) {
     ADD_FAILURE() << "the script has no answer for the file dialog";
     return std::nullopt;
   }
-  const std::optional<std::string> answer = std::move(fileAnswers.front());
+  std::optional<std::string> answer = std::move(fileAnswers.front());
   fileAnswers.pop_front();
   return answer;
 }
