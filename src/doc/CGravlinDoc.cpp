@@ -1,7 +1,6 @@
 #include "doc/CGravlinDoc.h"
 
 #include <algorithm>
-#include <cmath>
 #include <locale>
 #include <sstream>
 #include <utility>
@@ -9,6 +8,7 @@
 #include "curvature/CurvatureTensor.h"
 #include "curvature/EdgeCurvature.h"
 #include "curvature/ShapeError.h"
+#include "mesh/MeshMeasures.h"
 
 namespace gravlin {
 namespace {
@@ -53,10 +53,6 @@ const std::vector<Recomputation>& recomputations() {
        [](CGravlinDoc& doc) { doc.fillHistogram(); }},
   };
   return table;
-}
-
-bool allFinite(const std::vector<float>& numbers) {
-  return std::all_of(numbers.begin(), numbers.end(), [](float x) { return std::isfinite(x); });
 }
 
 /// One sentence about a valid face, with its area in the file's units.
@@ -124,6 +120,7 @@ void CGravlinDoc::OnEditUndo() {
   if (displayMode == FeatureLines) displayMode = FlatShading;
   redraw();
   outside.showStatus("");  // what it told was about the shape that is gone
+  tellOfNonFinitePositions();
 }
 
 void CGravlinDoc::OnEnhancement() {
@@ -133,10 +130,16 @@ void CGravlinDoc::geometryChanged() {
   needsRecompute = true;
   outside.markHistogramOutdated();
   if (std::exchange(tellsOfFace, false)) outside.showStatus("");
-  if (!allFinite(currentMesh->vertices)) {
-    outside.showStatus(
-        "Some positions are no longer finite numbers; Edit > Undo brings back the shape before.");
-  }
+  tellOfNonFinitePositions();
+}
+
+void CGravlinDoc::tellOfNonFinitePositions() {
+  if (countNonFiniteVertices(*currentMesh) == 0) return;
+  const bool undoHelps = undoMesh != nullptr && countNonFiniteVertices(*undoMesh) == 0;
+  outside.showStatus(
+      undoHelps
+          ? "Some positions are no longer finite numbers; Edit > Undo brings back the shape before."
+          : "Some positions are not finite numbers.");
 }
 
 void CGravlinDoc::recompute() {

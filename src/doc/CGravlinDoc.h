@@ -168,6 +168,8 @@ class CGravlinDoc {
   /// takes the sentence about a picked face out of the status bar, and tells there when positions
   /// are not finite. A mesh must exist.
   void geometryChanged();
+  /// A sentence in the status bar when there are such, with the way back if Undo is one.
+  void tellOfNonFinitePositions();
   /// Gives the histogram window a copy of the scalar that is shown.
   void fillHistogram();
   /// Brings derived data up to date, then has every view drawn.

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "doc/CGravlinDoc.h"
+#include "mesh/MeshMeasures.h"
 #include "mesh/MeshWriter.h"
 
 namespace gravlin {
@@ -60,13 +61,20 @@ bool CGravlinDoc::hasMeshToSave() {
 
 std::string CGravlinDoc::lossBySaving(const std::string& filePath) const {
   const std::string target = pathToSave(filePath);
-  if (!isSameFile(target, openedPath) || isEmptyFile(target)) return {};
+  const bool wasOpened = isSameFile(target, openedPath);
+  if ((!wasOpened && !isSameFile(target, path)) || isEmptyFile(target)) return {};
   const std::string extension = extensionOf(target);
-  if (!hasWriter(extension)) {
+  if (wasOpened && !hasWriter(extension)) {
     return "the mesh was opened from it, and the extension \"" + extension +
            "\" has no writer, so it would become empty";
   }
-  if (readExtent == ReadExtent::Whole) return {};
+  if (!hasFiniteShape(*currentMesh)) {
+    return "some positions of the mesh are not finite numbers, and those in the file would be lost";
+  }
+  if (currentMesh->vertexCount > 0 && currentMesh->countUsedVertices() == 0) {
+    return "no face uses any of the vertices, and such are left out, so all would be lost";
+  }
+  if (!wasOpened || readExtent == ReadExtent::Whole) return {};
   return "not all of it could be read, and what is missing in the mesh would be lost";
 }
 

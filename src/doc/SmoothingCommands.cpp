@@ -81,6 +81,9 @@ void CGravlinDoc::OnSmoothingShape() {
   }
   geometryChanged();
   redraw();
+  if (!smoothingMethod(parameters.method)) {
+    outside.showStatus("No method is called \"" + parameters.method + "\"; nothing was smoothed.");
+  }
 }
 
 void CGravlinDoc::smoothShape(const Chunks& explicitChunks) {

@@ -30,6 +30,19 @@ double shortestEdgeLength(const TriangleMesh& mesh) {
   return shortest;
 }
 
+int countNonFiniteVertices(const TriangleMesh& mesh) {
+  int count = 0;
+  for (std::size_t at = 0; at < mesh.vertices.size(); at += 3) {
+    const float* p = mesh.vertices.data() + at;
+    if (!std::isfinite(p[0]) || !std::isfinite(p[1]) || !std::isfinite(p[2])) ++count;
+  }
+  return count;
+}
+
+bool hasFiniteShape(const TriangleMesh& mesh) {
+  return std::isfinite(mesh.extentTolerance) && countNonFiniteVertices(mesh) == 0;
+}
+
 void scaleVertices(TriangleMesh& mesh, double s) {
   for (int i = 0; i < mesh.vertexCount; ++i) mesh.setPosition(i, mesh.position(i) * s);
 }

@@ -12,6 +12,12 @@ double enclosedVolume(const TriangleMesh& mesh);
 /// Requires buildAdjacency.
 double shortestEdgeLength(const TriangleMesh& mesh);
 
+/// How many vertices have a coordinate that is infinite or not a number.
+int countNonFiniteVertices(const TriangleMesh& mesh);
+
+/// Whether all positions are finite, in memory and in the units of a file.
+bool hasFiniteShape(const TriangleMesh& mesh);
+
 /// Multiplies every coordinate by s.
 void scaleVertices(TriangleMesh& mesh, double s);
 

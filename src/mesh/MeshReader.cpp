@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "mesh/MeshMeasures.h"
 #include "mesh/Scanner.h"
 #include "mesh/StreamText.h"
 #include "numeric/AvailableMemory.h"
@@ -313,14 +314,22 @@ bool hasReader(std::string_view extension) {
 
 ReadReport readMesh(const MeshFile& file, TriangleMesh& mesh) {
   ReadReport report = readRecords(file, mesh);
+  const auto add = [&report](const std::string& oddity) {
+    report.oddities += (report.oddities.empty() ? "" : "; ") + oddity;
+  };
+  const int nonFinite = countNonFiniteVertices(mesh);
+  if (nonFinite > 0) {
+    add(counted(nonFinite, vertexNoun) + " with a coordinate that is no finite number");
+  }
   mesh.normalize();
+  if (report.oddities.empty() && !hasFiniteShape(mesh)) {
+    add("the mesh cannot be scaled to the view, since all of it is at one place or its size is no "
+        "finite number");
+  }
   mesh.buildAdjacency();
   mesh.buildFaceAdjacency();
   const int invalid = mesh.faceCount - mesh.countValidFaces();
-  if (invalid > 0) {
-    report.oddities += (report.oddities.empty() ? "" : "; ") + counted(invalid, faceNoun) +
-                       " with unusable corners left out";
-  }
+  if (invalid > 0) add(counted(invalid, faceNoun) + " with unusable corners left out");
   return report;
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "mesh/MeshMeasures.h"
 #include "mesh/NumberText.h"
 #include "numeric/Index.h"
 
@@ -92,6 +93,10 @@ std::string writeMesh(const MeshFile& file, const TriangleMesh& mesh) {
   NumberWriter writer(file.stream);
   writeGeometry(writer, mesh, newIndices);
   if (file.extension == "plyR") writeMarks(writer, mesh, newIndices);
+  if (mesh.vertexCount > 0 && mesh.countUsedVertices() == 0) {
+    return "no face uses any of the vertices, and such are left out, so the file holds none";
+  }
+  if (countNonFiniteVertices(mesh) > 0) return "some positions are not finite numbers";
   return {};
 }
 

@@ -210,6 +210,17 @@ TEST_F(Document, TellsWhenPositionsAreNoLongerFiniteAndNamesUndo) {
   }
 }
 
+TEST_F(Document, DoesNotNameUndoWhereItWouldNotHelp) {
+  load(test::cube());
+  moveVertexZero(std::numeric_limits<float>::quiet_NaN());
+  outside.forget();
+  moveVertexZero(std::numeric_limits<float>::infinity());
+  EXPECT_THAT(outside.statuses, ElementsAre("Some positions are not finite numbers."));
+  outside.forget();
+  doc.OnEditUndo();
+  EXPECT_EQ(outside.statuses.back(), "Some positions are not finite numbers.");
+}
+
 TEST_F(Document, SaysNothingWhilePositionsAreFinite) {
   load(test::cube());
   moveVertexZero(std::numeric_limits<float>::max());

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <limits>
 
 #include "doc/CGravlinDoc.h"
 #include "support/Meshes.h"
@@ -194,6 +195,38 @@ TEST_F(FileCommands, SavingDoesNotLoseWhatCouldNotBeReadFromTheFile) {
     EXPECT_TRUE(doc.saveFile(folder.file("copy.ply2"))) << content;
     EXPECT_FALSE(doc.saveFile(folder.file("broken.ply2"))) << "still only there: " << content;
   }
+}
+
+TEST_F(FileCommands, SavingDoesNotReplaceGoodPositionsInItsFileByBrokenOnes) {
+  const auto expectRefused = [&](const std::string& name) {
+    outside.forget();
+    const std::string content = test::contentOf(folder.file(name));
+    EXPECT_FALSE(doc.saveFile(folder.file(name)));
+    ASSERT_EQ(outside.messages.size(), 1U) << name;
+    EXPECT_THAT(outside.messages[0], HasSubstr("not finite numbers")) << name;
+    EXPECT_EQ(test::contentOf(folder.file(name)), content);
+    EXPECT_TRUE(doc.modified);
+  };
+  open(squarePath);
+  moveVertexZero(1.0F);
+  EXPECT_TRUE(doc.saveFile(folder.file("copy.ply2")));
+  moveVertexZero(std::numeric_limits<float>::quiet_NaN());
+  expectRefused("copy.ply2");
+  expectRefused(std::filesystem::path(squarePath).filename().string());
+  // Elsewhere the broken shape can be kept, and is told of.
+  EXPECT_TRUE(doc.saveFile(folder.file("broken.ply2")));
+  EXPECT_THAT(outside.statuses.back(), HasSubstr("not finite numbers"));
+  EXPECT_TRUE(doc.modified);
+}
+
+TEST_F(FileCommands, SavingDoesNotEmptyAFileOfPoints) {
+  const std::string content = "2 0\n0 0 0\n1 2 3\n";
+  open(folder.write("points.ply2", content));
+  outside.forget();
+  EXPECT_FALSE(doc.saveFile(folder.file("points.ply2")));
+  ASSERT_EQ(outside.messages.size(), 1U);
+  EXPECT_THAT(outside.messages[0], HasSubstr("no face uses any of the vertices"));
+  EXPECT_EQ(test::contentOf(folder.file("points.ply2")), content);
 }
 
 TEST_F(FileCommands, SavingDoesNotEmptyTheFileThatTheMeshCameFrom) {

@@ -205,6 +205,8 @@ TEST_F(SmoothingCommands, OfAnUnknownMethodLeaveTheMeshButReplaceTheUndoCopyAndR
   EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
   EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
   EXPECT_EQ(rhythm(), "shr");
+  EXPECT_EQ(outside.statuses.back(),
+            "No method is called \"laplacian flow\"; nothing was smoothed.");
 }
 
 // --- Volume ---

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "mesh/MeshFile.h"
+#include "mesh/MeshMeasures.h"
 #include "mesh/MeshReader.h"
 #include "mesh/MeshWriter.h"
 #include "support/Meshes.h"
@@ -475,8 +476,40 @@ TEST(MeshFile, HostileMeshesAreSavedAndOpenedAgain) {
     ASSERT_TRUE(opened.mesh) << name;
     EXPECT_EQ(opened.mesh->vertexCount, mesh.countUsedVertices()) << name;
     EXPECT_EQ(opened.mesh->faceCount, mesh.countValidFaces()) << name;
-    EXPECT_EQ(opened.notice, "") << name;
+    EXPECT_EQ(opened.notice.empty(), countNonFiniteVertices(*opened.mesh) == 0) << name;
   }
+}
+
+TEST(MeshFile, OpeningTellsOfPositionsThatAreNotFinite) {
+  const TemporaryFolder folder;
+  const auto noticeOf = [&](const std::string& content) {
+    const OpenResult opened = openMeshFile(folder.write("a.ply2", content));
+    EXPECT_EQ(opened.extent, ReadExtent::Whole);
+    return opened.notice;
+  };
+  EXPECT_THAT(noticeOf("3 1  0 0 nan  1 0 0  0 1 0  3 0 1 2"),
+              EndsWith(": 1 vertex with a coordinate that is no finite number."));
+  EXPECT_THAT(noticeOf("3 1  0 inf 0  1 0 -inf  0 1 0  3 0 1 2"),
+              EndsWith(": 2 vertices with a coordinate that is no finite number."));
+  const std::string noScale =
+      ": the mesh cannot be scaled to the view, since all of it is at one place or its size is no "
+      "finite number.";
+  EXPECT_THAT(noticeOf("3 1  1 2 3  1 2 3  1 2 3  3 0 1 2"), EndsWith(noScale));
+  EXPECT_THAT(noticeOf("3 1  -3e38 0 0  3e38 0 0  0 1 0  3 0 1 2"), EndsWith(noScale));
+  EXPECT_EQ(noticeOf("3 1  0 0 0  1 0 0  0 1 0  3 0 1 2"), "");
+}
+
+TEST(MeshFile, SavingTellsOfPositionsThatAreNotFiniteAndOfVerticesLeftOut) {
+  const TemporaryFolder folder;
+  TriangleMesh broken = test::withNan();
+  EXPECT_THAT(saveMeshFile(folder.file("a.ply2"), broken).notice,
+              EndsWith(": some positions are not finite numbers."));
+  TriangleMesh points = test::pointsOnly();
+  EXPECT_THAT(saveMeshFile(folder.file("a.plyR"), points).notice,
+              EndsWith(": no face uses any of the vertices, and such are left out, so the file "
+                       "holds none."));
+  TriangleMesh empty = test::emptyMesh();
+  EXPECT_EQ(saveMeshFile(folder.file("a.ply2"), empty).notice, "");
 }
 
 TEST(MeshFile, NotANumberGoesThroughTheFile) {
