@@ -283,14 +283,16 @@ TEST_F(SmoothingCommands, ChangeNothingOnCancelAndDoNothingWithoutAMesh) {
 }
 
 TEST_F(SmoothingCommands, RememberTheirValues) {
-  smooth({{"method", methods[8]}, {"iterationCount", "3"}, {"stepSize", "0.25"}});
-  outside.dialogAnswers = {[](const Form& form) {
-    EXPECT_EQ(textOf(form.fields[0]), methods[8]);
-    EXPECT_EQ(textOf(form.fields[1]), "3");
-    EXPECT_EQ(textOf(form.fields[2]), "0.25");
+  const Texts typed = {{"method", methods[8]}, {"iterationCount", "3"}, {"stepSize", "0.25"},
+                       {"animate", "0"},       {"animateEvery", "4"},   {"preserveVolume", "0"}};
+  smooth(typed);
+  Texts shown;
+  outside.dialogAnswers = {[&](const Form& form) {
+    for (const Field& field : form.fields) shown.emplace_back(field.name, textOf(field));
     return false;
   }};
   doc.OnSmoothingShape();
+  EXPECT_EQ(shown, typed);
 }
 
 TEST_F(SmoothingCommands, AreUndoneBitForBit) {
