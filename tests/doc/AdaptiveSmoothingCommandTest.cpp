@@ -1,9 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <new>
+#include <optional>
+#include <string>
 
 #include "doc/CGravlinDoc.h"
+#include "doc/Messages.h"
 #include "smoothing/AdaptiveSmoothing.h"
+#include "support/Allocations.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 
@@ -169,6 +174,41 @@ TEST_F(AdaptiveSmoothingCommand, RefusesAVertexOfTooManyFacesAndLosesNothing) {
   EXPECT_THAT(outside.messages, ElementsAre(HasSubstr("too many faces meet at one vertex")));
   EXPECT_EQ(doc.currentMesh->vertices, hub.vertices);
   EXPECT_EQ(doc.undoMesh->vertices, kept);
+}
+
+TEST_F(AdaptiveSmoothingCommand, TellsWhenMemoryEndsOnTheWayAndKeepsWhatIsDone) {
+  outside.whenRedrawn = [this] {
+    outside.whenRedrawn = nullptr;
+    throw std::bad_alloc();
+  };
+  run({{"outerIterations", "9"}, {"animateEvery", "3"}});
+  EXPECT_THAT(outside.messages, ElementsAre(outOfMemoryWhileSmoothing));
+  EXPECT_THAT(outside.calls,
+              ElementsAre("dialog CAdaptiveSmoothingDlg", "show progress 0..9 by 3",
+                          "step progress", "redraw", "hide progress",
+                          std::string("message ") + outOfMemoryWhileSmoothing, "redraw"));
+  EXPECT_EQ(doc.currentMesh->vertices, afterMedian(3));
+  doc.OnEditUndo();
+  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+}
+
+TEST_F(AdaptiveSmoothingCommand, WithoutMemoryForItsListsTellsItAndLosesNothing) {
+  const TriangleMesh sphere = test::icosphere(3);  // 1280 faces, so their rows take 5124 bytes
+  doc.currentMesh = std::make_unique<TriangleMesh>(sphere);
+  doc.undoMesh = std::make_unique<TriangleMesh>(before);
+  std::optional<test::AllocationLimit> limit;
+  outside.dialogAnswers = {[&](const Form&) {
+    limit.emplace(5000);
+    return true;
+  }};
+  doc.OnSmoothingShapeAdaptive();
+  limit.reset();
+  EXPECT_THAT(outside.calls,
+              ElementsAre("dialog CAdaptiveSmoothingDlg",
+                          "message There is not enough memory to smooth this mesh adaptively."));
+  EXPECT_EQ(doc.currentMesh->vertices, sphere.vertices);
+  EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
+  EXPECT_FALSE(doc.modified);
 }
 
 }  // namespace

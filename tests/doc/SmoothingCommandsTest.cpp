@@ -2,11 +2,13 @@
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "doc/CGravlinDoc.h"
+#include "doc/Messages.h"
 #include "mesh/MeshMeasures.h"
 #include "smoothing/MeshSmoother.h"
 #include "support/CapturedText.h"
@@ -327,6 +329,21 @@ TEST_F(SmoothingCommands, PrintOneSolverLinePerPass) {
   EXPECT_GT(passes, 0);
   EXPECT_EQ(solverLines.outputLines(), passes);
   EXPECT_EQ(solverLines.output, text.output);
+}
+
+// --- Without memory ---
+
+TEST_F(SmoothingCommands, TellWhenMemoryEndsOnTheWayAndKeepWhatIsDone) {
+  outside.whenRedrawn = [this] {
+    outside.whenRedrawn = nullptr;
+    throw std::bad_alloc();
+  };
+  smooth({{"iterationCount", "9"}, {"animateEvery", "3"}, {"preserveVolume", "0"}});
+  EXPECT_THAT(outside.messages, ElementsAre(outOfMemoryWhileSmoothing));
+  EXPECT_EQ(rhythm(), "sprhr");
+  EXPECT_EQ(doc.currentMesh->vertices, afterLaplacian(3));
+  doc.OnEditUndo();
+  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
 }
 
 // --- Noise ---
