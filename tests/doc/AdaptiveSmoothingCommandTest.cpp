@@ -125,6 +125,16 @@ TEST_F(AdaptiveSmoothingCommand, UndoBringsTheShapeBackToTheBit) {
   EXPECT_FALSE(doc.modified);
 }
 
+TEST_F(AdaptiveSmoothingCommand, EveryRunReplacesTheUndoCopy) {
+  doc.undoMesh = std::make_unique<TriangleMesh>(test::cube());
+  run({{"outerIterations", "1"}});
+  EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
+  const std::vector<float> smoother = doc.currentMesh->vertices;
+  run({{"averagingKind", "weight"}});
+  EXPECT_EQ(doc.undoMesh->vertices, smoother);
+  EXPECT_NE(doc.currentMesh->vertices, smoother);
+}
+
 TEST_F(AdaptiveSmoothingCommand, CancelLeavesValuesShapeAndUndoAlone) {
   outside.dialogAnswers = {test::cancel()};
   doc.OnSmoothingShapeAdaptive();

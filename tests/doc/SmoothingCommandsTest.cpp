@@ -378,6 +378,29 @@ TEST_F(SmoothingCommands, NoiseOfSizeZeroRecomputesTheNormals) {
   EXPECT_EQ(doc.currentMesh->vertexNormals, before.vertexNormals);
 }
 
+TEST_F(SmoothingCommands, NoiseOfNegativeSizeMirrorsTheDisplacement) {
+  addNoise({{"noiseSize", "0.125"}});
+  const std::vector<float> outward = doc.currentMesh->vertices;
+  doc.OnEditUndo();
+  addNoise({{"noiseSize", "-0.125"}});
+  for (std::size_t i = 0; i < outward.size(); ++i) {
+    // Coordinates below 8 are stored to within 2.4e-7.
+    EXPECT_NEAR(doc.currentMesh->vertices[i] - before.vertices[i], before.vertices[i] - outward[i],
+                5e-7);
+  }
+  EXPECT_NE(doc.currentMesh->vertices, outward);
+}
+
+TEST_F(SmoothingCommands, EveryNoiseReplacesTheUndoCopy) {
+  doc.undoMesh = std::make_unique<TriangleMesh>(test::cube());
+  addNoise({});
+  EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
+  const std::vector<float> noisy = doc.currentMesh->vertices;
+  addNoise({});
+  EXPECT_EQ(doc.undoMesh->vertices, noisy);
+  EXPECT_NE(doc.currentMesh->vertices, noisy);
+}
+
 TEST_F(SmoothingCommands, NoiseIsUndoneBitForBit) {
   addNoise({});
   EXPECT_NE(doc.currentMesh->vertices, before.vertices);

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <utility>
 
 #include "smoothing/NoiseParameters.h"
 #include "smoothing/SmoothingParameters.h"
@@ -73,6 +74,17 @@ TEST(NoiseParameters, AskForTheSizeOnly) {
   ASSERT_EQ(form.fields.size(), 1U);
   EXPECT_EQ(form.fields[0].label, "Noise Size");
   EXPECT_EQ(textOf(form.fields[0]), "0.05");
+}
+
+TEST(NoiseParameters, TakeAnyFiniteSize) {
+  NoiseParameters parameters;
+  const Form form = parameters.form();
+  for (const auto& [text, size] :
+       {std::pair<const char*, float>{"-0.05", -0.05F}, {"-3e38", -3e38F}, {"3e38", 3e38F}}) {
+    EXPECT_EQ(storeText(form.fields[0], text), "");
+    EXPECT_EQ(parameters.noiseSize, size);
+  }
+  EXPECT_EQ(storeText(form.fields[0], "1e39"), "Enter any finite number.");
 }
 
 }  // namespace
