@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <new>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "doc/Messages.h"
 #include "mesh/MeshMeasures.h"
 #include "smoothing/MeshSmoother.h"
+#include "support/Allocations.h"
 #include "support/CapturedText.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
@@ -344,6 +346,49 @@ TEST_F(SmoothingCommands, TellWhenMemoryEndsOnTheWayAndKeepWhatIsDone) {
   EXPECT_EQ(doc.currentMesh->vertices, afterLaplacian(3));
   doc.OnEditUndo();
   EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+}
+
+TEST_F(SmoothingCommands, LoseNoShapeWhicheverAllocationFails) {
+  using Command = void (CGravlinDoc::*)();
+  struct Case {
+    const char* name;
+    Command command;
+  };
+  for (const Case& c : {Case{methods[0], &CGravlinDoc::OnSmoothingShape},
+                        Case{methods[1], &CGravlinDoc::OnSmoothingShape},
+                        Case{methods[3], &CGravlinDoc::OnSmoothingShape},
+                        Case{methods[8], &CGravlinDoc::OnSmoothingShape},
+                        Case{"adaptive", &CGravlinDoc::OnSmoothingShapeAdaptive},
+                        Case{"noise", &CGravlinDoc::OnSmoothingNoise}}) {
+    doc.smoothingParameters = {.method = c.name, .iterationCount = 2, .stepSize = 0.01F};
+    doc.adaptiveSmoothingParameters = {.outerIterations = 2};
+    const auto run = [&](std::size_t refusedAllocation) {
+      load(test::torus(9, 7));
+      std::optional<test::AllocationFailure> failure;
+      outside.dialogAnswers = {[&](const Form&) {
+        failure.emplace(refusedAllocation);
+        return true;
+      }};
+      (doc.*c.command)();
+    };
+    const std::size_t earlier = test::allocationCount();
+    run(0);
+    doc.OnEditUndo();
+    const std::size_t most = test::allocationCount() - earlier;
+    int escaped = 0;
+    for (std::size_t n = 1; n <= most; ++n) {
+      SCOPED_TRACE(std::string(c.name) + ", allocation " + std::to_string(n));
+      try {
+        run(n);
+      } catch (const std::bad_alloc&) {
+        ++escaped;  // the window tells about it
+      }
+      if (doc.modified) doc.OnEditUndo();
+      EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+      EXPECT_FALSE(doc.modified);
+    }
+    EXPECT_GT(escaped, 0);
+  }
 }
 
 // --- Noise ---
