@@ -12,8 +12,16 @@
 #include "smoothing/DenseLaplacians.h"
 #include "smoothing/ImplicitStep.h"
 #include "support/DenseMatrix.h"
+#include "support/Meshes.h"
 
 namespace gravlin::test {
+
+/// Vertex 6 belongs to no face.
+inline TriangleMesh octahedronAndAPoint() {
+  return makeMesh(
+      {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}, {7, 8, 9}},
+      {{0, 2, 4}, {2, 1, 4}, {1, 3, 4}, {3, 0, 4}, {2, 0, 5}, {1, 2, 5}, {3, 1, 5}, {0, 3, 5}});
+}
 
 /// The matrix written out in full.
 inline DenseMatrix dense(const SparseMatrix& matrix, int n) {

@@ -91,9 +91,7 @@ TEST(ImplicitMeanCurvatureFlow, WritesTheLastIterateBackWhenTheToleranceIsNotRea
 
 TEST(ImplicitMeanCurvatureFlow, KeepsAnIsolatedVertexBesideMovingOnes) {
   const test::CapturedText text;
-  TriangleMesh mesh = test::makeMesh(
-      {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}, {7, 8, 9}},
-      {{0, 2, 4}, {2, 1, 4}, {1, 3, 4}, {3, 0, 4}, {2, 0, 5}, {1, 2, 5}, {3, 1, 5}, {0, 3, 5}});
+  TriangleMesh mesh = test::octahedronAndAPoint();
   ImplicitMeanCurvatureFlow(mesh, 0.1F).step();
   EXPECT_EQ(mesh.position(6), (Vec3{7, 8, 9}));
   EXPECT_LT(mesh.position(0).x, 0.9);
