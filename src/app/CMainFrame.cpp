@@ -332,6 +332,7 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
 // --- What follows from the state of things ---
 
 void CMainFrame::updateActions() {
+  updateModified();
   const OpenDocument* document = activeDocument();
   const bool hasDocument = document != nullptr;
   const bool rests = !desktop.lock.isHeld();
@@ -339,6 +340,13 @@ void CMainFrame::updateActions() {
   menus.action(openId).setEnabled(rests);
   for (QAction* action : needDocument) action->setEnabled(rests && hasDocument);
   for (QAction* action : needRest) action->setEnabled(rests);
+}
+
+/// The area forgets the mark of a window that fills it again after another one was closed.
+void CMainFrame::updateModified() {
+  const OpenDocument* document = activeDocument();
+  const bool hasPlace = windowTitle().contains("[*]");
+  setWindowModified(hasPlace && document != nullptr && document->document.modified);
 }
 
 void CMainFrame::updateStatus() {

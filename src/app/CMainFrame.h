@@ -63,6 +63,7 @@ class CMainFrame : public QMainWindow {
   void forgetClosedDocuments();
   void windowActivated(QMdiSubWindow* window);
   void updateActions();
+  void updateModified();
   void updateStatus();
   void updateRecentFiles();
   void listWindows();

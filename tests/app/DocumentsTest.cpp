@@ -37,6 +37,7 @@ class DocumentsTest : public QObject {
   void aNameWithoutAnExtensionIsSavedAsPly2();
   void saveOffersANameUnderWhichMeshesAreWritten();
   void changesAreMarkedInTheTitleUntilTheyAreSaved();
+  void theMainWindowMarksTheChangesOfTheDocumentThatFillsIt();
   void closingAsksAboutChanges();
   void savingBeforeClosingCanBeCancelled();
   void closingTheWindowByItsButtonAsksToo();
@@ -319,6 +320,42 @@ void DocumentsTest::changesAreMarkedInTheTitleUntilTheyAreSaved() {
   QTest::keyClick(program.frame().windowHandle(), Qt::Key_S, Qt::ControlModifier);
   QVERIFY(choose.answered());
   QVERIFY(!program.frame().activeFrame()->isWindowModified());
+}
+
+void DocumentsTest::theMainWindowMarksTheChangesOfTheDocumentThatFillsIt() {
+  Program program;
+  CMainFrame& frame = program.frame();
+  program.open("t.ply2", tetrahedronText);
+  change(program);
+  const auto isMarked = [&] {
+    return frame.isWindowModified() && frame.windowTitle().contains("[*]");
+  };
+  QVERIFY(isMarked());
+  program.action("fileNew").trigger();
+  QVERIFY(!isMarked());
+  program.action("fileClose").trigger();
+  QTRY_COMPARE(program.opened().title(), "t.ply2");
+  QTRY_VERIFY2(isMarked(), qPrintable(frame.windowTitle()));
+  // Nor does the mark stay when the changed document is the one that goes.
+  program.action("fileNew").trigger();
+  program.open("s.ply2", squareText);
+  auto& area = *frame.findChild<QMdiArea*>();
+  area.activateNextSubWindow();
+  QTRY_COMPARE(program.opened().title(), "t.ply2");
+  QVERIFY(isMarked());
+  NextDialog discard("saveChanges", [](QDialog& box) { press(box, QMessageBox::Discard); });
+  program.action("fileClose").trigger();
+  QVERIFY(discard.answered());
+  QTRY_COMPARE(program.opened().title(), "s.ply2");
+  QTRY_VERIFY2(!isMarked(), qPrintable(frame.windowTitle()));
+  // A main window with smaller windows inside has no mark, nor a place for it.
+  change(program);
+  QVERIFY(isMarked());
+  program.action("windowCascade").trigger();
+  program.step("points").trigger();
+  QVERIFY(!frame.isWindowModified());
+  program.frame().activeFrame()->showMaximized();
+  QTRY_VERIFY2(isMarked(), qPrintable(frame.windowTitle()));
 }
 
 void DocumentsTest::closingAsksAboutChanges() {
