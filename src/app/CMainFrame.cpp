@@ -325,6 +325,8 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
     if (!document->mayDropChanges()) return event->ignore();
   }
   storeLayout();
+  // The program ends with its last window, whatever that is.
+  for (const auto& document : documents) document->outside.closeHistogram();
   if (guide) guide->close();
   event->accept();
 }

@@ -41,6 +41,7 @@ class DesktopOutside : public Outside {
 
   /// The document's name in the titles of its other windows.
   void setDocumentTitle(const QString& title) { graph.setDocumentTitle(title); }
+  void closeHistogram() { graph.close(); }
 
   // --- Outside ---
   bool showDialog(const Form& form) override;
