@@ -57,6 +57,21 @@ std::vector<std::optional<ButtonPlace>> companionsOf(const Form& form) {
   return places;
 }
 
+std::string nameInWords(const Form& form, std::size_t index) {
+  const Field& field = form.fields[index];
+  std::size_t labelled = index;
+  while (labelled > 0 && form.fields[labelled].label.empty() &&
+         form.fields[labelled - 1].group == field.group) {
+    --labelled;
+  }
+  std::string name(form.fields[labelled].label);
+  if (name.empty()) return std::string(field.group.empty() ? form.title : field.group);
+  if (labelled != index) name += " (" + std::to_string(index - labelled + 1) + ')';
+  if (!field.unit.empty()) name += " ... " + std::string(field.unit);
+  if (!field.group.empty() && field.group != name) name = std::string(field.group) + ": " + name;
+  return name;
+}
+
 bool fitsOneRow(const Field& radioGroup) {
   constexpr std::size_t lettersInARow = 40;
   constexpr std::size_t lettersOfAButton = 4;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -34,6 +35,11 @@ struct ButtonPlace {
 /// For every field the radio button that it stands beside, if any: a typed number whose label is
 /// the text of a button in the same box, and the numbers without a label that follow it.
 std::vector<std::optional<ButtonPlace>> companionsOf(const Form& form);
+
+/// What to call a field away from its place in the dialog: its label with what stands around it
+/// ("Iteration", "Animation: per ... interations"). A number without a label is counted from the
+/// last one that has one ("(3) Thresholding: Histgram (2)").
+std::string nameInWords(const Form& form, std::size_t index);
 
 /// Whether the buttons of a radio group are few and short enough to stand side by side.
 bool fitsOneRow(const Field& radioGroup);

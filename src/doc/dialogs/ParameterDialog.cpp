@@ -18,6 +18,7 @@
 
 #include "doc/dialogs/FormLayout.h"
 #include "doc/dialogs/QtText.h"
+#include "doc/dialogs/WindowRoom.h"
 
 namespace gravlin {
 namespace {
@@ -73,6 +74,7 @@ class FormBuilder {
 
 std::vector<FieldControl> FormBuilder::build() {
   auto* layout = new QVBoxLayout(&dialog);
+  layout->addStrut(widthOfTitle(dialog));
   layout->addLayout(createColumns());
   layout->addWidget(createButtons());
   layout->setSizeConstraint(QLayout::SetFixedSize);
@@ -305,8 +307,13 @@ void ParameterDialog::accept() {
 }
 
 void ParameterDialog::refuse(std::size_t index, const std::string& sentence) {
-  QMessageBox box(QMessageBox::Warning, windowTitle(), toQString(sentence), QMessageBox::Ok, this);
+  QMessageBox box(QMessageBox::Warning, toQString(nameInWords(form, index)), toQString(sentence),
+                  QMessageBox::Ok, this);
   box.setObjectName("refusal");
+  makeRoomForTitle(box);
+  // The sentence does not name the field, so that stays in sight with its text marked.
+  placeBeside(*this, box);
+  controls[index].select();
   box.exec();
   controls[index].select();
 }

@@ -21,8 +21,8 @@ struct FieldControl {
 /// dialog the form's name, its two buttons "ok" and "cancel".
 ///
 /// Typed text is checked on OK only. While a field does not hold what it must, OK is refused: the
-/// sentence of storeText is shown and the field is selected. Members are written when every field
-/// is right, all of them or none.
+/// sentence of storeText is shown beside the dialog, under the name of the field (nameInWords), and
+/// the field is selected. Members are written when every field is right, all of them or none.
 class ParameterDialog : public QDialog {
  public:
   explicit ParameterDialog(Form form, QWidget* parent = nullptr);

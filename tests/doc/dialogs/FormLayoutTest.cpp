@@ -72,6 +72,24 @@ TEST(FormLayout, AButtonOfAnotherGroupTakesNoNumber) {
   EXPECT_FALSE(companionsOf(form)[1]);
 }
 
+TEST(FormLayout, AFieldIsNamedByWhatStandsAroundIt) {
+  Field withUnit = numberField("per", "Animation");
+  withUnit.unit = "interations";
+  const Form form = formOf({numberField("Iteration"), withUnit, numberField("Edges", "Edges")});
+  EXPECT_EQ(nameInWords(form, 0), "Iteration");
+  EXPECT_EQ(nameInWords(form, 1), "Animation: per ... interations");
+  EXPECT_EQ(nameInWords(form, 2), "Edges");
+}
+
+TEST(FormLayout, ANumberWithoutALabelIsCountedFromTheLastOneThatHasOne) {
+  const Form form = formOf({numberField("Hi", "G"), numberField("", "G"), numberField("", "G"),
+                            numberField("", "H"), numberField("")});
+  EXPECT_EQ(nameInWords(form, 1), "G: Hi (2)");
+  EXPECT_EQ(nameInWords(form, 2), "G: Hi (3)");
+  EXPECT_EQ(nameInWords(form, 3), "H");
+  EXPECT_EQ(nameInWords(form, 4), "Title");
+}
+
 TEST(FormLayout, OnlyFewAndShortButtonsFitOneRow) {
   EXPECT_TRUE(fitsOneRow(radioField({{"Vertex", ""}, {"Edge", ""}, {"Face", ""}})));
   EXPECT_FALSE(fitsOneRow(
