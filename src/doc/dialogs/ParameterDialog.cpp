@@ -12,6 +12,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyle>
+#include <QStyleOptionButton>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -158,7 +160,13 @@ void FormBuilder::addCheckBox(QGridLayout& grid, std::size_t index) {
   identify(*box, field);
   grid.addWidget(box, grid.rowCount(), LabelColumn, 1, ColumnCount);
   if (!field.unit.empty()) {  // a caption below the box
-    grid.addWidget(createLabel(field.unit), grid.rowCount(), LabelColumn, 1, ColumnCount);
+    QLabel* caption = createLabel(field.unit);
+    // Under the text of the box, which it goes on with.
+    QStyleOptionButton option;
+    option.initFrom(box);
+    caption->setIndent(
+        box->style()->subElementRect(QStyle::SE_CheckBoxContents, &option, box).left());
+    grid.addWidget(caption, grid.rowCount(), LabelColumn, 1, ColumnCount);
   }
   controls[index] = {[box] { return std::string(box->isChecked() ? "1" : "0"); },
                      [box] { box->setFocus(); }};

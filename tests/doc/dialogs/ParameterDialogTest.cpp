@@ -5,6 +5,8 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QRadioButton>
+#include <QStyle>
+#include <QStyleOptionButton>
 
 #include "doc/dialogs/ParameterDialog.h"
 #include "support/Gui.h"
@@ -77,6 +79,7 @@ class ParameterDialogTest : public QObject {
   void fieldsOfAGroupStandInOneBox();
   void aNumberStandsBesideTheButtonItBelongsTo();
   void aCheckBoxThatSaysTheTitleOfItsBoxTakesTheTitlesPlace();
+  void aCaptionStandsUnderTheTextOfItsCheckBox();
   void disabledFieldsAndButtonsCannotBeUsed();
   void okWritesEveryMember();
   void cancelAndEscapeWriteNothing();
@@ -155,6 +158,22 @@ void ParameterDialogTest::aCheckBoxThatSaysTheTitleOfItsBoxTakesTheTitlesPlace()
                             .group = "(4) Connectting"}}});
   QCOMPARE(dialog.findChild<QGroupBox*>()->title(), "");
   QCOMPARE(control<QCheckBox>(dialog, "connects").text(), "(4) Connectting");
+}
+
+void ParameterDialogTest::aCaptionStandsUnderTheTextOfItsCheckBox() {
+  bool smooths = true;
+  ParameterDialog dialog(
+      {"CDlg",
+       "Title",
+       {{.name = "smooths", .label = "Curvature Tensor", .value = &smooths, .unit = "Smoothing"}}});
+  QVERIFY(showActive(dialog));
+  auto& box = control<QCheckBox>(dialog, "smooths");
+  auto& caption = *dialog.findChild<QLabel*>();
+  QVERIFY(caption.geometry().top() >= box.geometry().bottom());
+  QStyleOptionButton option;
+  option.initFrom(&box);
+  const QRect text = box.style()->subElementRect(QStyle::SE_CheckBoxContents, &option, &box);
+  QCOMPARE(caption.x() + caption.indent(), box.x() + text.left());
 }
 
 void ParameterDialogTest::disabledFieldsAndButtonsCannotBeUsed() {
