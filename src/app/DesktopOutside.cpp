@@ -6,6 +6,7 @@
 #include "doc/dialogs/CMessageDlg.h"
 #include "doc/dialogs/ParameterDialog.h"
 #include "doc/dialogs/QtText.h"
+#include "doc/dialogs/WindowRoom.h"
 #include "mesh/MeshWriter.h"
 #include "view/LineSvg.h"
 
@@ -96,7 +97,9 @@ void DesktopOutside::redraw() {
 
 void DesktopOutside::showHistogram(std::string_view field) {
   graph.setField(toQString(field));
+  if (!graph.testAttribute(Qt::WA_Moved)) placeBeside(*desktop.window, graph);
   graph.show();
+  graph.raise();
 }
 
 void DesktopOutside::setHistogramValues(const std::vector<double>& values) {

@@ -1,5 +1,6 @@
 // The histogram as a window of its own beside the main window.
 
+#include <QScreen>
 #include <QTimer>
 
 #include "app/Program.h"
@@ -14,6 +15,11 @@ class HistogramWindowTest : public QObject {
   Q_OBJECT
 
  private Q_SLOTS:
+  void itComesUpAboveWhenAnotherFieldIsShown();
+  void itLeavesTheKeyboardToTheMesh();
+  void itStandsBesideTheMainWindowWhereThereIsRoom();
+  void itStandsInTheLowerRightCornerOfAMainWindowThatFillsTheScreen();
+  void itStaysWhereItWasMovedTo();
   void itClosesWithTheProgram();
 };
 
@@ -31,6 +37,63 @@ GraphWindow& show(Program& program, const char* step) {
   GraphWindow& graph = histogram();
   if (!QTest::qWaitForWindowExposed(&graph)) qFatal("the histogram is not shown");
   return graph;
+}
+
+void HistogramWindowTest::itComesUpAboveWhenAnotherFieldIsShown() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  GraphWindow& graph = show(program, "curvature-mean");
+  graph.move(program.frame().mapToGlobal(QPoint(100, 100)));
+  const auto above = [&] { return QApplication::topLevelAt(graph.geometry().center()); };
+  QTRY_COMPARE(above(), &graph);
+  program.frame().raise();
+  QTRY_COMPARE(above(), &program.frame());  // nothing keeps it above where no window manager is
+  show(program, "curvature-gauss");
+  QTRY_COMPARE(above(), &graph);
+}
+
+void HistogramWindowTest::itLeavesTheKeyboardToTheMesh() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  for (const char* step : {"curvature-mean", "curvature-max"}) {
+    show(program, step);
+    QCOMPARE(QApplication::activeWindow(), &program.frame());
+    QCOMPARE(QApplication::focusWidget(), &program.view());
+  }
+  QTest::keyClick(program.frame().windowHandle(), Qt::Key_Left);
+  QVERIFY(program.view().state.camera.translation[0] != 0.0F);
+}
+
+void HistogramWindowTest::itStandsBesideTheMainWindowWhereThereIsRoom() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  program.frame().move(20, 30);
+  QTRY_COMPARE(program.frame().frameGeometry().topLeft(), QPoint(20, 30));
+  const GraphWindow& graph = show(program, "curvature-mean");
+  QTRY_VERIFY(!graph.frameGeometry().intersects(program.frame().frameGeometry()));
+  QVERIFY(graph.screen()->availableGeometry().contains(graph.frameGeometry()));
+}
+
+void HistogramWindowTest::itStandsInTheLowerRightCornerOfAMainWindowThatFillsTheScreen() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  const QRect screen = program.frame().screen()->availableGeometry();
+  program.frame().setGeometry(screen);
+  QTRY_COMPARE(program.frame().size(), screen.size());
+  const GraphWindow& graph = show(program, "curvature-mean");
+  QTRY_COMPARE(graph.frameGeometry().bottomRight(), screen.bottomRight());
+}
+
+void HistogramWindowTest::itStaysWhereItWasMovedTo() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  GraphWindow& graph = show(program, "curvature-mean");
+  const QPoint place(200, 100);
+  graph.windowHandle()->setFramePosition(place);  // as somebody with a mouse would
+  QTRY_COMPARE(graph.pos(), place);
+  graph.close();
+  show(program, "curvature-max");
+  QTRY_COMPARE(graph.pos(), place);
 }
 
 void HistogramWindowTest::itClosesWithTheProgram() {
