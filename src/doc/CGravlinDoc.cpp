@@ -129,7 +129,7 @@ void CGravlinDoc::OnEnhancement() {
 void CGravlinDoc::geometryChanged() {
   needsRecompute = true;
   outside.markHistogramOutdated();
-  if (std::exchange(tellsOfFace, false)) outside.showStatus("");
+  if (std::exchange(tellsOfShape, false)) outside.showStatus("");
   tellOfNonFinitePositions();
 }
 
@@ -162,7 +162,7 @@ void CGravlinDoc::pickFace(int face) {
   if (mesh.faceNormals.size() != mesh.faces.size()) mesh.computeFaceNormals();
   mesh.pickedFace = face;
   outside.showStatus(describeFace(mesh, face));
-  tellsOfFace = true;
+  tellsOfShape = true;
   show(PickedFace);
 }
 

@@ -198,7 +198,7 @@ class CGravlinDoc {
   void showError(DisplayMode mode);
 
   Outside& outside;
-  bool tellsOfFace = false;    ///< the status bar has the sentence about a picked face
+  bool tellsOfShape = false;   ///< the status bar has a sentence that ends with the shape
   bool undoIsModified = true;  ///< what `modified` becomes when the undo copy comes back
 };
 

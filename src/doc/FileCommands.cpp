@@ -44,6 +44,7 @@ bool CGravlinDoc::openFile(const std::string& filePath) {
   needsRecompute = false;  // both normals came with the mesh
   show(FlatShading);
   outside.showStatus(opened.notice);
+  tellsOfShape = false;  // but of the file
   return true;
 }
 
@@ -97,7 +98,12 @@ bool CGravlinDoc::saveFile(const std::string& filePath) {
     undoIsModified = true;  // the file holds what an undo would leave
   }
   redraw();
-  outside.showStatus(saved.notice);
+  if (saved.notice.empty()) {
+    outside.showSuccess("Saved " + std::filesystem::path(saved.path).filename().string() + ".");
+    tellsOfShape = true;  // the next one is not saved
+  } else {
+    outside.showStatus(saved.notice);
+  }
   return true;
 }
 

@@ -46,6 +46,8 @@ class Outside {
   virtual void showMessage(const std::string& text) = 0;
   /// One sentence in the status bar.
   virtual void showStatus(const std::string& sentence) = 0;
+  /// One sentence in the status bar that only says that all went as it was meant to.
+  virtual void showSuccess(const std::string& sentence) = 0;
 
   /// Shows the "Progress of Computation" dialog at position 0.
   virtual void showProgress(ProgressRange range) = 0;

@@ -279,6 +279,7 @@ void DocumentsTest::saveAsksForAFileLikeSaveAs() {
     QVERIFY(choose.answered());
     QVERIFY(QFile::exists(path));
     QCOMPARE(program.opened().title(), QFileInfo(path).fileName());
+    QCOMPARE(program.status(), "Saved " + QFileInfo(path).fileName() + '.');
   }
 }
 

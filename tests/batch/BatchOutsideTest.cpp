@@ -69,6 +69,7 @@ TEST_F(BatchWorld, CancelsAsOftenAsItWasTold) {
 TEST_F(BatchWorld, AMessageIsAFailureAndASentenceIsNot) {
   outside.showStatus("Odd.");
   outside.showStatus("");
+  outside.showSuccess("Nothing odd.");
   EXPECT_FALSE(outside.failed);
   outside.showMessage("Bad.");
   EXPECT_TRUE(outside.failed);

@@ -153,9 +153,27 @@ TEST_F(FileCommands, SaveWritesTheUnitsOfTheFile) {
   EXPECT_EQ(outside.count("redraw"), 2);
 }
 
+TEST_F(FileCommands, SaveSaysSoUntilTheShapeChanges) {
+  open(squarePath);
+  saveAs(folder.file("out.ply2"));
+  EXPECT_EQ(outside.statuses.back(), "Saved out.ply2.");
+  moveVertexZero(1.0F);
+  EXPECT_EQ(outside.statuses.back(), "");
+}
+
+TEST_F(FileCommands, WhatWasOddAboutAFileStaysInTheStatusBarAfterASaveBeforeIt) {
+  open(squarePath);
+  saveAs(folder.file("out.ply2"));
+  open(folder.write("bad.ply2", "3 1 0 0 0 1 0 0 0 1 0 3 0 1 9"));
+  ASSERT_THAT(outside.statuses.back(), HasSubstr("unusable"));
+  moveVertexZero(1.0F);
+  EXPECT_THAT(outside.statuses.back(), HasSubstr("unusable"));
+}
+
 TEST_F(FileCommands, SaveGivesANameWithoutExtensionTheUsualOne) {
   open(squarePath);
   saveAs(folder.file("out"));
+  EXPECT_EQ(outside.statuses.back(), "Saved out.ply2.");
   EXPECT_EQ(doc.path, folder.file("out.ply2"));
   EXPECT_TRUE(std::filesystem::exists(folder.file("out.ply2")));
 }

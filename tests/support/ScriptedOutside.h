@@ -53,6 +53,7 @@ class ScriptedOutside : public Outside {
   std::optional<std::string> chooseFile(FileDialog kind) override;
   void showMessage(const std::string& text) override;
   void showStatus(const std::string& sentence) override;
+  void showSuccess(const std::string& sentence) override { showStatus(sentence); }
   void showProgress(ProgressRange range) override;
   void stepProgress() override { calls.emplace_back("step progress"); }
   void hideProgress() override { calls.emplace_back("hide progress"); }
