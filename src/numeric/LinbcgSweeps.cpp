@@ -11,6 +11,8 @@ namespace gravlin {
 namespace {
 
 constexpr std::size_t blockSize = Meetings::blockSize;
+/// A part of a block: what is asked for while as many are worked on stays in the nearest cache.
+constexpr std::size_t fewUnknowns = 16;
 constexpr std::size_t cacheLine = 64 / sizeof(double);
 /// How far ahead of its use the matrix is asked for: some rows.
 constexpr std::size_t bytesAhead = 512;
@@ -30,11 +32,13 @@ void fetch(const void* array, std::size_t bytes) {
   __builtin_prefetch(reinterpret_cast<const void*>(address));  // NOLINT(performance-no-int-to-ptr)
 }
 
-/// The unknowns of a block, and where their values begin in the vectors.
+/// Some unknowns that follow each other, at most a block, and where their values begin in the
+/// vectors.
 template <class Value>
 struct Unknowns {
-  Unknowns(const Arrays& a, std::size_t block)
-      : first(block * blockSize), count(std::min(blockSize, a.n - first)) {}
+  Unknowns(const Arrays& a, std::size_t from, std::size_t atMost)
+      : first(from), count(std::min(atMost, a.n - first)) {}
+  Unknowns(const Arrays& a, std::size_t block) : Unknowns(a, block * blockSize, blockSize) {}
   std::size_t begin() const { return places<Value> * first; }
   std::size_t doubles() const { return places<Value> * count; }
 
@@ -179,8 +183,7 @@ PerSystem turnAndMultiply(const Arrays& a, const TurnFactors* by) {
 
 /// r -= ak z and rr -= ak zz.
 template <class Value>
-void reduceResiduals(const Arrays& a, std::size_t block, const Factors<Value>& ak) {
-  const Unknowns<Value> unknowns(a, block);
+void reduceResiduals(const Arrays& a, Unknowns<Value> unknowns, const Factors<Value>& ak) {
   double* __restrict r = a.r + unknowns.begin();
   double* __restrict rr = a.rr + unknowns.begin();
   const double* __restrict z = a.z + unknowns.begin();
@@ -193,8 +196,7 @@ void reduceResiduals(const Arrays& a, std::size_t block, const Factors<Value>& a
 
 /// z and zz become r and rr over the diagonal, where it is not 0.
 template <class Value>
-void precondition(const Arrays& a, std::size_t block) {
-  const Unknowns<Value> unknowns(a, block);
+void precondition(const Arrays& a, Unknowns<Value> unknowns) {
   Factors<Value> divisor;
   spreadDiagonal<Value>(a, unknowns, divisor);
   for (double& d : std::span(divisor).first(unknowns.doubles())) d = d != 0.0 ? d : 1.0;
@@ -215,10 +217,9 @@ struct Sums {
 };
 
 template <class Value>
-void addProducts(const Arrays& a, std::size_t block, Sums<Value>& sums) {
-  const Unknowns<Value> unknowns(a, block);
+void addProducts(const Arrays& a, Unknowns<Value> unknowns, Sums<Value>& sums) {
   for (std::size_t j = unknowns.first; j < unknowns.first + unknowns.count; ++j) {
-    fetchSome<Value>(std::array<const double*, 4>{a.r, a.rr, a.z, a.zz}, j + blockSize);
+    fetchSome<Value>(std::array<const double*, 4>{a.r, a.rr, a.z, a.zz}, j + fewUnknowns);
     const std::size_t at = places<Value> * j;
     Value r, rr, z;
     load(a.r + at, r);
@@ -234,10 +235,11 @@ template <class Value>
 Residuals advance(const Arrays& a, const PerSystem* ak) {
   const Factors<Value> factors = spread<Value>(ak != nullptr ? *ak : PerSystem{});
   Sums<Value> sums;
-  for (std::size_t block = 0; block < a.meetings.blockCount(); ++block) {
-    if (ak != nullptr) reduceResiduals<Value>(a, block, factors);
-    precondition<Value>(a, block);
-    addProducts<Value>(a, block, sums);
+  for (std::size_t first = 0; first < a.n; first += fewUnknowns) {
+    const Unknowns<Value> unknowns(a, first, fewUnknowns);
+    if (ak != nullptr) reduceResiduals<Value>(a, unknowns, factors);
+    precondition<Value>(a, unknowns);
+    addProducts<Value>(a, unknowns, sums);
   }
   return {.bknum = perSystem(sums.bknum), .squaredR = perSystem(sums.squaredR)};
 }
