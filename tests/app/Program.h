@@ -31,7 +31,7 @@ class Program {
 
   /// Names a file in the folder, and writes it when there is a text.
   QString file(const char* name, const char* text = nullptr) const {
-    const QString path = folder.filePath(name);
+    QString path = folder.filePath(name);
     if (text == nullptr) return path;
     QFile written(path);
     if (!written.open(QIODevice::WriteOnly) || written.write(text) < 0) {
@@ -90,7 +90,7 @@ inline void openGourd(Program& program) {
 
 /// Types texts into the fields of these names and confirms the dialog.
 inline auto fillIn(std::vector<std::pair<const char*, const char*>> texts) {
-  return [texts](QDialog& dialog) {
+  return [texts = std::move(texts)](QDialog& dialog) {
     for (const auto& [name, text] : texts) type(control<QLineEdit>(dialog, name), text);
     click(dialog, "ok");
   };

@@ -101,7 +101,7 @@ TEST_F(CurvatureCommands, ShowTheFieldThatIsThere) {
     EXPECT_THAT(outside.histogramValues,
                 Each(Eq(expected[static_cast<std::size_t>(command.field)])));
   }
-  mesh().maxDirection.assign(3 * 96, 0.25);
+  mesh().maxDirection.assign(std::size_t{3} * 96, 0.25);
   doc.OnDirectionMax();
   EXPECT_THAT(mesh().maxDirection, Each(Eq(0.25)));
 }
@@ -190,7 +190,7 @@ TEST_F(CurvatureCommands, CancelledStrokesKeepTheModeAndTheStrokesThereAre) {
 
 TEST_F(CurvatureCommands, StrokesFollowTheFieldThatIsThere) {
   load(estimated(test::torus(12, 8)));
-  mesh().maxDirection.assign(3 * 96, 0.0);
+  mesh().maxDirection.assign(std::size_t{3} * 96, 0.0);
   outside.dialogAnswers = {test::okWith({{"seedAmount", "10"}})};
   doc.OnStrokeMax();
   EXPECT_THAT(mesh().strokes.maxStrokes, Each(SizeIs(1)));
