@@ -165,8 +165,8 @@ class CGravlinDoc {
   /// the way and must not lose the undo copy then.
   void keepUndoCopy(std::unique_ptr<TriangleMesh> copy);
   /// Called after vertices moved or faces changed: marks derived data and the histogram as stale,
-  /// takes the sentence about a picked face out of the status bar, and tells there when positions
-  /// are not finite. A mesh must exist.
+  /// takes a sentence about the shape before (a picked face, say) out of the status bar, and tells
+  /// there when positions are not finite. A mesh must exist.
   void geometryChanged();
   /// A sentence in the status bar when there are such, with the way back if Undo is one.
   void tellOfNonFinitePositions();

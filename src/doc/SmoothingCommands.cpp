@@ -83,6 +83,7 @@ void CGravlinDoc::OnSmoothingShape() {
   redraw();
   if (!smoothingMethod(parameters.method)) {
     outside.showStatus("No method is called \"" + parameters.method + "\"; nothing was smoothed.");
+    tellsOfShape = true;  // the next command may smooth
   }
 }
 

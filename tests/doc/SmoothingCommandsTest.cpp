@@ -211,6 +211,8 @@ TEST_F(SmoothingCommands, OfAnUnknownMethodLeaveTheMeshButReplaceTheUndoCopyAndR
   EXPECT_EQ(rhythm(), "shr");
   EXPECT_EQ(outside.statuses.back(),
             "No method is called \"laplacian flow\"; nothing was smoothed.");
+  smooth({{"method", "Laplacian Flow"}});
+  EXPECT_EQ(outside.statuses.back(), "") << "what was said before is no longer true";
 }
 
 // --- Volume ---

@@ -46,6 +46,11 @@ std::vector<double> oneBased(std::vector<double> v) {
   return v;
 }
 
+/// The three lines by which `nrerror` reports.
+std::string runTimeError(const std::string& message) {
+  return "Numerical Recipes run-time error...\n" + message + "\n...now exiting to system...\n";
+}
+
 double uniform(Random& random) {
   return random.rand() * (2.0 / Random::largest) - 1.0;
 }
@@ -365,12 +370,8 @@ TEST(Linbcg, ReportsAMismatchedMatrixBeforeEachProduct) {
   std::vector<double> x = oneBased({0.0, 0.0});
   const LinbcgResult result =
       linbcg(matrix, 2, oneBased({2.0, 1.0}), x, {.itol = 1, .tol = 1e-12, .itmax = 10});
-  const std::string forward =
-      "Numerical Recipes run-time error...\ndsprsax: mismatched vector and matrix\n"
-      "...now exiting to system...\n";
-  const std::string transposed =
-      "Numerical Recipes run-time error...\nmismatched vector and matrix in dsprstx\n"
-      "...now exiting to system...\n";
+  const std::string forward = runTimeError("dsprsax: mismatched vector and matrix");
+  const std::string transposed = runTimeError("mismatched vector and matrix in dsprstx");
   std::string expected = forward;
   for (int pass = 0; pass < result.iter; ++pass) expected += forward + transposed;
   EXPECT_EQ(text.error, expected);
@@ -555,10 +556,7 @@ TEST(Linbcg, ReportsAnIllegalItolAndMakesOnePass) {
   for (const int itol : {-1, 0, 5}) {
     const CapturedText text;
     const Solution found = solveTwoByTwo(itol);
-    EXPECT_EQ(text.error,
-              "Numerical Recipes run-time error...\n"
-              "illegal itol in linbcg\n"
-              "...now exiting to system...\n");
+    EXPECT_EQ(text.error, runTimeError("illegal itol in linbcg"));
     EXPECT_EQ(text.output, "iter=   1 err=    0.000000\n");
     EXPECT_EQ(found.result.iter, 1);
     EXPECT_EQ(found.result.err, 0.0);
@@ -595,10 +593,7 @@ TEST(Linbcg, ReportsAnIllegalItolOfASystemThatIsSolvedFromTheStart) {
   matrix.at(0, 0) = matrix.at(1, 1) = 1.0;
   const Solution found =
       solve(matrix, {2.0, 3.0}, {.itol = 7, .tol = 1e-6, .itmax = 10}, {2.0, 3.0});
-  EXPECT_EQ(text.error,
-            "Numerical Recipes run-time error...\n"
-            "illegal itol in linbcg\n"
-            "...now exiting to system...\n");
+  EXPECT_EQ(text.error, runTimeError("illegal itol in linbcg"));
   EXPECT_EQ(text.output, "");
   EXPECT_EQ(found.result.iter, 0);
   EXPECT_THAT(found.x, ElementsAre(2.0, 3.0));
@@ -648,19 +643,13 @@ TEST(Linbcg, ReportsAMatrixOfAnotherOrderAndMultipliesAllTheSame) {
   {
     const CapturedText text;
     dsprsax(matrix.sa, matrix.ija, x, b, 2);
-    EXPECT_EQ(text.error,
-              "Numerical Recipes run-time error...\n"
-              "dsprsax: mismatched vector and matrix\n"
-              "...now exiting to system...\n");
+    EXPECT_EQ(text.error, runTimeError("dsprsax: mismatched vector and matrix"));
     EXPECT_THAT(b, ElementsAre(0.0, 1.0, 2.0, 0.0));
   }
   b = dvector(3);
   const CapturedText text;
   dsprstx(matrix.sa, matrix.ija, x, b, 2);
-  EXPECT_EQ(text.error,
-            "Numerical Recipes run-time error...\n"
-            "mismatched vector and matrix in dsprstx\n"
-            "...now exiting to system...\n");
+  EXPECT_EQ(text.error, runTimeError("mismatched vector and matrix in dsprstx"));
   EXPECT_THAT(b, ElementsAre(0.0, 1.0, 2.0, 0.0));
 }
 
@@ -693,10 +682,7 @@ TEST(Linbcg, KeepsThePlaceOfAnUnusedElementInItsVectors) {
 TEST(Linbcg, ReportsAVectorThatDoesNotFitInMemory) {
   const CapturedText text;
   EXPECT_THROW(dvector(std::numeric_limits<std::size_t>::max() / 2), std::bad_alloc);
-  EXPECT_EQ(text.error,
-            "Numerical Recipes run-time error...\n"
-            "allocation failure in dvector()\n"
-            "...now exiting to system...\n");
+  EXPECT_EQ(text.error, runTimeError("allocation failure in dvector()"));
 }
 
 }  // namespace

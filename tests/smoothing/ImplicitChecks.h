@@ -11,16 +11,22 @@
 #include "numeric/SparseMatrix.h"
 #include "smoothing/DenseLaplacians.h"
 #include "smoothing/ImplicitStep.h"
+#include "support/CapturedText.h"
 #include "support/DenseMatrix.h"
 #include "support/Meshes.h"
 
 namespace gravlin::test {
 
-/// Vertex 6 belongs to no face.
-inline TriangleMesh octahedronAndAPoint() {
-  return makeMesh(
+/// A step of the flow moves an octahedron but not a vertex beside it that no face uses.
+template <class Flow>
+void expectLoneVertexStays(float dt) {
+  const CapturedText text;
+  TriangleMesh mesh = makeMesh(
       {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}, {7, 8, 9}},
       {{0, 2, 4}, {2, 1, 4}, {1, 3, 4}, {3, 0, 4}, {2, 0, 5}, {1, 2, 5}, {3, 1, 5}, {0, 3, 5}});
+  Flow(mesh, dt).step();
+  EXPECT_EQ(mesh.position(6), (Vec3{7, 8, 9}));
+  EXPECT_LT(mesh.position(0).x, 0.9);
 }
 
 /// The matrix written out in full.
