@@ -4,10 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <numeric>
+#include <random>
 #include <string>
 #include <vector>
 
 #include "curvature/CurvatureTensor.h"
+#include "curvature/PlainStrokes.h"
 #include "curvature/Strokes.h"
 #include "mesh/FaceGeometry.h"
 #include "numeric/Random.h"
@@ -160,6 +162,126 @@ TEST(TraceStroke, EndsWhereTheSurfaceFoldsBack) {
     EXPECT_LT(std::abs(positions[n].y), 2.0 * step);
   }
   EXPECT_THAT(line, SizeIs(::testing::Lt(103U)));
+}
+
+// --- Bit for bit ---
+
+/// Unit vectors in every direction, so that signs and their order of alignment matter everywhere.
+TriangleMesh withScrambledDirections(TriangleMesh mesh) {
+  std::minstd_rand random(7);
+  const auto component = [&] {
+    return 2.0 * static_cast<double>(random()) / std::minstd_rand::max() - 1.0;
+  };
+  mesh.maxDirection.resize(mesh.vertices.size());
+  mesh.minDirection.resize(mesh.vertices.size());
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    for (std::vector<double>* field : {&mesh.maxDirection, &mesh.minDirection}) {
+      const double x = component();
+      const double y = component();
+      storeVectorAt(*field, i, unitOrZero({x, y, component()}));
+    }
+  }
+  return mesh;
+}
+
+/// Every third face turned over, so that neighbours run along their common edge the same way.
+TriangleMesh withTurnedFaces(TriangleMesh mesh) {
+  for (int f = 0; f < mesh.faceCount; f += 3) {
+    const auto c = mesh.corners(f);
+    mesh.setFace(f, {{c[0], c[2], c[1]}});
+  }
+  mesh.buildAdjacency();
+  mesh.buildFaceAdjacency();
+  mesh.computeFaceNormals();
+  mesh.computeVertexNormals();
+  return mesh;
+}
+
+std::vector<NamedMesh> meshesForTracing() {
+  std::vector<NamedMesh> result;
+  for (NamedMesh& each : test::everyMesh()) {
+    if (each.name == "not a number" || each.name == "infinite") continue;
+    result.push_back(std::move(each));
+  }
+  result.push_back({"rough sphere", test::jittered(test::icosphere(2), 0.05)});
+  result.push_back({"rough torus", test::jittered(test::torus(16, 10), 0.2)});
+  result.push_back({"fine cube", test::fineCube(5)});
+  result.push_back({"turned torus", withTurnedFaces(test::torus(16, 10))});
+  std::vector<NamedMesh> scrambled;
+  for (NamedMesh& each : result) {
+    scrambled.push_back({each.name + ", scrambled", withScrambledDirections(each.mesh)});
+    computeCurvatureTensor(each.mesh);
+  }
+  std::move(scrambled.begin(), scrambled.end(), std::back_inserter(result));
+  // Steps of an eighth along the edges of a lattice meet its vertices exactly.
+  result.push_back({"lattice", withDirections(test::grid(6, 6), {1, 0, 0}, {0, 1, 0})});
+  const double s = std::sqrt(0.5);
+  result.push_back({"lattice, diagonal", withDirections(test::grid(6, 6), {s, s, 0}, {-s, s, 0})});
+  return result;
+}
+
+/// Points of every face: inside, on the edges and at the corners.
+std::vector<FacePoint> seedsOn(const TriangleMesh& mesh) {
+  std::vector<FacePoint> seeds;
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    if (!mesh.validFace(f)) continue;
+    for (const auto& [a, b] : std::initializer_list<std::pair<double, double>>{{0.3, 0.3},
+                                                                               {0.7, 0.2},
+                                                                               {0.05, 0.9},
+                                                                               {0.5, 0.5},
+                                                                               {0, 0.5},
+                                                                               {0.5, 0},
+                                                                               {0, 0},
+                                                                               {1, 0},
+                                                                               {0, 1}}) {
+      seeds.push_back({f, a, b});
+    }
+  }
+  return seeds;
+}
+
+bool sameBits(const std::vector<FacePoint>& line, const std::vector<FacePoint>& expected) {
+  return std::equal(line.begin(), line.end(), expected.begin(), expected.end(),
+                    [](const FacePoint& p, const FacePoint& q) {
+                      return p.face == q.face && test::sameBits(p.a, q.a) &&
+                             test::sameBits(p.b, q.b);
+                    });
+}
+
+TEST(TraceStroke, HasTheBitsOfAPlainTracerForAnyFieldSeedAndStep) {
+  std::size_t points = 0;
+  for (const NamedMesh& each : meshesForTracing()) {
+    SCOPED_TRACE(each.name);
+    const TriangleMesh& mesh = each.mesh;
+    for (const StrokeExtent& extent : std::initializer_list<StrokeExtent>{
+             {}, {.length = 4.0F, .step = 0.125F}, {.length = 9.0F, .step = 0.7F}}) {
+      for (const FacePoint& seed : seedsOn(mesh)) {
+        const auto max = traceMaxStroke(mesh, seed, extent);
+        const auto min = traceMinStroke(mesh, seed, extent);
+        const std::string place = "step " + std::to_string(extent.step) + ", face " +
+                                  std::to_string(seed.face) + ", " + std::to_string(seed.a) + ' ' +
+                                  std::to_string(seed.b);
+        EXPECT_TRUE(sameBits(max, test::plainStroke(mesh, mesh.maxDirection, seed, extent)))
+            << place;
+        EXPECT_TRUE(sameBits(min, test::plainStroke(mesh, mesh.minDirection, seed, extent)))
+            << place;
+        points += max.size() + min.size();
+      }
+    }
+  }
+  EXPECT_GT(points, 500000U);
+}
+
+TEST(GenerateStrokes, TracesALineOfLengthOneInStepsOfAHundredthThroughEverySeed) {
+  for (NamedMesh& each : smoothMeshes()) {
+    SCOPED_TRACE(each.name);
+    generateStrokes(each.mesh, 100);
+    forEachLine(each.mesh, [&](const std::vector<FacePoint>& line, const FacePoint& seed,
+                               const std::vector<double>& field) {
+      EXPECT_TRUE(sameBits(
+          line, test::plainStroke(each.mesh, field, seed, {.length = 1.0F, .step = 0.01F})));
+    });
+  }
 }
 
 // --- Directions in faces ---
