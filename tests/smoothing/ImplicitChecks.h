@@ -96,4 +96,53 @@ inline void expectSolved(const SolvedStep& step) {
   }
 }
 
+/// One pass less would have left a residual above the tolerance: of a solve with that many passes
+/// it is formed anew from the matrix written out in full.
+inline void expectNoPassTooMany(const SolvedStep& step, const ImplicitStep& outcome) {
+  const int n = step.before.vertexCount;
+  const DenseMatrix system = dense(step.system, n);
+  for (int axis = 0; axis < 3; ++axis) {
+    const int passes = outcome.solves[static_cast<std::size_t>(axis)].iter;
+    const std::vector<double> b = coordinates(step.before, axis);
+    std::vector<double> oneBased(b.size() + 1, 0.0);
+    std::copy(b.begin(), b.end(), oneBased.begin() + 1);
+    std::vector<double> x = oneBased;
+    // The first pass is made whenever there is a residual at all.
+    if (passes < 2) continue;
+    const LinbcgSettings fewer = {.itol = 1, .tol = 0.0, .itmax = passes - 2};
+    linbcg(step.system, n, oneBased, x, fewer);
+    x.erase(x.begin());
+    const std::vector<double> product = system.times(x);
+    double residual = 0.0;
+    double size = 0.0;
+    for (std::size_t i = 0; i < b.size(); ++i) {
+      residual += (b[i] - product[i]) * (b[i] - product[i]);
+      size += b[i] * b[i];
+    }
+    EXPECT_GT(std::sqrt(residual), step.tolerance * std::sqrt(size)) << axis;
+  }
+}
+
+/// On any mesh a step leaves faces and kinds alone, keeps vertices that are not interior where they
+/// are and finite positions finite, in at most 101 passes.
+template <class Flow>
+void expectHarmlessStep(const NamedMesh& named, float dt) {
+  SCOPED_TRACE(::testing::Message() << named.name << ", dt " << dt);
+  const CapturedText text;
+  TriangleMesh mesh = named.mesh;
+  const ImplicitStep step = Flow(mesh, dt).step();
+  for (const LinbcgResult& solve : step.solves) EXPECT_LE(solve.iter, 101);
+  EXPECT_EQ(mesh.faces, named.mesh.faces);
+  EXPECT_EQ(mesh.vertexKind, named.mesh.vertexKind);
+  ASSERT_EQ(mesh.vertices.size(), named.mesh.vertices.size());
+  const auto finite = [](float x) { return std::isfinite(x); };
+  const auto& before = named.mesh.vertices;
+  if (!std::all_of(before.begin(), before.end(), finite) || !(dt >= 0.0F && dt < 1e3F)) return;
+  EXPECT_TRUE(std::all_of(mesh.vertices.begin(), mesh.vertices.end(), finite));
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    if (mesh.vertexKind[static_cast<std::size_t>(i)] == InteriorVertex) continue;
+    EXPECT_EQ(mesh.position(i), named.mesh.position(i)) << i;
+  }
+}
+
 }  // namespace gravlin::test
