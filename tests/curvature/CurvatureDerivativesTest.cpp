@@ -2,12 +2,14 @@
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <utility>
 #include <vector>
 
 #include "curvature/CurvatureDerivatives.h"
 #include "curvature/CurvatureTensor.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
+#include "support/ThreadCounts.h"
 
 namespace gravlin {
 namespace {
@@ -228,18 +230,47 @@ TEST(CurvatureDerivatives, SkipVerticesThatAreNotInterior) {
   }
 }
 
-TEST(CurvatureDerivatives, AreUnitOrZero) {
-  TriangleMesh mesh = test::bumpyGrid(9, 7);
-  computeCurvatureTensor(mesh);
-  computeCurvatureDerivatives(mesh);
-  int unit = 0;
-  for (int i = 0; i < mesh.vertexCount; ++i) {
-    const double l = length(vectorAt(mesh.maxDerivativeGradient, i));
-    if (l == 0.0) continue;
-    EXPECT_NEAR(l, 1.0, 1e-12);
-    ++unit;
+TEST(CurvatureDerivatives, AreUnitOrZeroOnEveryFiniteMesh) {
+  for (NamedMesh& each : test::everyMesh()) {
+    if (each.name == "not a number" || each.name == "infinite") continue;
+    SCOPED_TRACE(each.name);
+    TriangleMesh& mesh = each.mesh;
+    computeCurvatureTensor(mesh);
+    computeCurvatureDerivatives(mesh);
+    int unit = 0;
+    for (int i = 0; i < mesh.vertexCount; ++i) {
+      for (const auto* field : {&mesh.maxDerivativeGradient, &mesh.minDerivativeGradient}) {
+        const double l = length(vectorAt(*field, i));
+        EXPECT_TRUE(l == 0.0 || std::abs(l - 1.0) < 1e-12) << l;
+        if (l > 0.0) ++unit;
+      }
+    }
+    if (each.name == "bumpy grid" || each.name == "torus") {
+      EXPECT_GT(unit, mesh.vertexCount);
+    }
   }
-  EXPECT_GT(unit, mesh.vertexCount / 2);
+}
+
+TEST(CurvatureDerivatives, HaveTheSameBitsOnAnyNumberOfThreads) {
+  // With more than 4096 vertices for each of eight threads.
+  TriangleMesh mesh = test::jittered(test::torus(260, 140), 0.005);
+  ASSERT_GT(mesh.vertexCount, 8 * 4096);
+  computeCurvatureTensor(mesh);
+  const auto gradients = [&](int threads) {
+    const test::ScopedThreadCount scope(threads);
+    computeCurvatureDerivatives(mesh);
+    return std::pair(mesh.maxDerivativeGradient, mesh.minDerivativeGradient);
+  };
+  const auto alone = gradients(1);
+  const PlainGradients expected = plainGradients(mesh);
+  for (int i = 0; i < mesh.vertexCount; i += 977) {
+    expectSameBits(vectorAt(alone.first, i), expected.max[static_cast<std::size_t>(i)], i);
+  }
+  for (const int threads : {2, 3, 8}) {
+    mesh.maxDerivativeGradient.clear();
+    mesh.minDerivativeGradient.clear();
+    EXPECT_TRUE(gradients(threads) == alone) << threads;
+  }
 }
 
 TEST(CurvatureDerivatives, StayZeroWhereCurvatureIsConstant) {

@@ -8,6 +8,7 @@
 #include "curvature/CurvatureTensor.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
+#include "support/TiltedPlanes.h"
 
 namespace gravlin {
 namespace {
@@ -238,6 +239,63 @@ TEST(CurvatureTensor, TurnsTheTangentAxesBy45DegreesOnAFlatPatch) {
   const double s = std::sqrt(0.5);
   EXPECT_NEAR(length(maxDirectionOf(mesh, 0) - Vec3{-s, s, 0.0}), 0.0, 1e-15);
   EXPECT_NEAR(length(minDirectionOf(mesh, 0) - Vec3{-s, -s, 0.0}), 0.0, 1e-15);
+}
+
+/// The tangent axes that the reflection of the x axis onto N leaves, turned by 45 degrees: what
+/// maximum and minimum are where the tensor vanishes.
+std::array<Vec3, 2> turnedAxes(const Vec3& N) {
+  const Vec3 h = unitOrZero(N.x >= 0.0 ? Vec3{1.0 + N.x, N.y, N.z} : Vec3{1.0 - N.x, -N.y, -N.z});
+  const Vec3 y = Vec3{0, 1, 0} - 2.0 * h.y * h;
+  const Vec3 z = Vec3{0, 0, 1} - 2.0 * h.z * h;
+  return {std::sqrt(0.5) * (y + z), std::sqrt(0.5) * (y - z)};
+}
+
+TEST(CurvatureTensor, OfATiltedPlaneIsTheRoundingOfItsNormals) {
+  int flat = 0;
+  double largest = 0.0;
+  for (NamedMesh& each : test::tiltedPlanes()) {
+    SCOPED_TRACE(each.name);
+    const TriangleMesh& mesh = each.mesh;
+    computeCurvatureTensor(each.mesh);
+    for (int i = 0; i < mesh.vertexCount; ++i) {
+      const auto k = static_cast<std::size_t>(i);
+      const auto ring = mesh.getNeighbours(i);
+      if (ring.size() < 3) continue;
+      double shortest = HUGE_VAL;
+      for (const int j : ring) {
+        shortest = std::min(shortest, length(mesh.position(j) - mesh.position(i)));
+      }
+      // 2 sin(theta / 2) over the distance for every neighbour; a principal curvature is three
+      // times one eigenvalue less the other, each at most that large.
+      const double bound = 4.0 * 2.0 * std::sqrt(test::cosineRounding / 2.0) / shortest;
+      EXPECT_LE(std::abs(mesh.maxCurvature[k]), bound);
+      EXPECT_LE(std::abs(mesh.minCurvature[k]), bound);
+      largest = std::max(largest, std::abs(mesh.maxCurvature[k]) * shortest);
+      if (mesh.maxCurvature[k] != 0.0 || mesh.minCurvature[k] != 0.0) continue;
+      const auto [max, min] = turnedAxes(mesh.vertexNormal(i));
+      EXPECT_LT(length(maxDirectionOf(mesh, i) - max), 1e-6);
+      EXPECT_LT(
+          std::min(length(minDirectionOf(mesh, i) - min), length(minDirectionOf(mesh, i) + min)),
+          1e-6);
+      ++flat;
+    }
+  }
+  EXPECT_GT(flat, 20) << "vertices without any curvature";
+  EXPECT_GT(largest, 1e-4) << "rounding shows on some plane";
+}
+
+TEST(CurvatureTensor, IsFiniteWherePositionsAreFiniteAndApart) {
+  for (NamedMesh& each : everyMesh()) {
+    if (each.name == "not a number" || each.name == "infinite") continue;
+    SCOPED_TRACE(each.name);
+    const TriangleMesh before = each.mesh;
+    computeCurvatureTensor(each.mesh);
+    EXPECT_EQ(each.mesh.faces, before.faces);
+    EXPECT_EQ(each.mesh.vertices, before.vertices);
+    for (int i = 0; i < each.mesh.vertexCount; ++i) {
+      for (const double x : estimateOf(each.mesh, i)) EXPECT_TRUE(std::isfinite(x)) << i;
+    }
+  }
 }
 
 TEST(CurvatureTensor, FramesAreRightHandedUnitAndTangent) {

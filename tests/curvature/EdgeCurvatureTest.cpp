@@ -10,6 +10,7 @@
 #include "mesh/FaceGeometry.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
+#include "support/TiltedPlanes.h"
 
 namespace gravlin {
 namespace {
@@ -81,6 +82,41 @@ TEST(EdgeCurvature, IsZeroOnAFlatMesh) {
   computeEdgeCurvatures(mesh);
   EXPECT_EQ(mesh.edgeCurvatures.size(), 3U * 40U);
   EXPECT_THAT(mesh.edgeCurvatures, Each(Eq(0.0)));
+}
+
+TEST(EdgeCurvature, OfATiltedPlaneIsTheRoundingOfItsNormals) {
+  // Three products and two sums of floats near 1 add half a unit of the last place each.
+  const double angle = std::acos(1.0 - test::cosineRounding - 5.0 * 5.96e-8);
+  double largest = 0.0;
+  for (NamedMesh& each : test::tiltedPlanes()) {
+    SCOPED_TRACE(each.name);
+    TriangleMesh& mesh = each.mesh;
+    computeEdgeCurvatures(mesh);
+    // All faces are halves of equal squares; no edge is longer than their diagonal.
+    const double side = length(mesh.position(1) - mesh.position(0));
+    const double bound = std::sqrt(2.0) * side * angle / (side * side) * 1.001;
+    for (const double value : mesh.edgeCurvatures) {
+      EXPECT_LE(std::abs(value), bound);
+      largest = std::max(largest, std::abs(value) * side);
+    }
+    for (std::size_t entry = 0; entry < mesh.edgeCurvatures.size(); ++entry) {
+      if (mesh.faceAdjacency[entry] >= 0) continue;
+      EXPECT_EQ(mesh.edgeCurvatures[entry], 0.0) << "at the border";
+    }
+  }
+  EXPECT_GT(largest, 1e-4) << "rounding shows on some plane";
+}
+
+TEST(EdgeCurvature, IsFiniteWherePositionsAreFinite) {
+  for (NamedMesh& each : test::everyMesh()) {
+    if (each.name == "not a number" || each.name == "infinite") continue;
+    SCOPED_TRACE(each.name);
+    const std::vector<int> faces = each.mesh.faces;
+    computeEdgeCurvatures(each.mesh);
+    EXPECT_EQ(each.mesh.faces, faces);
+    EXPECT_EQ(static_cast<int>(each.mesh.edgeCurvatures.size()), 3 * each.mesh.faceCount);
+    for (const double value : each.mesh.edgeCurvatures) EXPECT_TRUE(std::isfinite(value));
+  }
 }
 
 TEST(EdgeCurvature, IsNegativeAtTheEdgesOfACubeAndZeroAcrossItsDiagonals) {

@@ -439,19 +439,30 @@ TEST(GenerateStrokes, OnFacesOfZeroDirectionsAreSinglePoints) {
   EXPECT_THAT(mesh.strokes.minStrokes, Each(SizeIs(1)));
 }
 
-TEST(GenerateStrokes, GoesThroughOnAnyMesh) {
+TEST(GenerateStrokes, OnAnyMeshRunThroughTheirSeedsInsideTheirFaces) {
   for (NamedMesh& each : test::everyMesh()) {
     SCOPED_TRACE(each.name);
     computeCurvatureTensor(each.mesh);
+    const TriangleMesh before = each.mesh;
     generateStrokes(each.mesh, 50);
+    EXPECT_EQ(each.mesh.faces, before.faces);
+    EXPECT_EQ(each.mesh.vertexKind, before.vertexKind);
     const std::size_t expected = each.mesh.faceCount > 0 ? 50 : 0;
+    EXPECT_THAT(each.mesh.strokes.strokeSeeds, SizeIs(expected));
     EXPECT_THAT(each.mesh.strokes.maxStrokes, SizeIs(expected));
-    for (const std::vector<FacePoint>& line : each.mesh.strokes.maxStrokes) {
-      EXPECT_THAT(line, ::testing::Not(::testing::IsEmpty()));
+    EXPECT_THAT(each.mesh.strokes.minStrokes, SizeIs(expected));
+    forEachLine(each.mesh, [&](const std::vector<FacePoint>& line, const FacePoint& seed,
+                               const std::vector<double>&) {
+      EXPECT_THAT(line, ::testing::Contains(seed));
       for (const FacePoint& point : line) {
         EXPECT_TRUE(point.face >= 0 && point.face < each.mesh.faceCount);
+        EXPECT_TRUE(point.a >= 0.0 && point.b >= 0.0 && point.a + point.b <= 1.0 + 1e-15);
       }
-    }
+      if (line.size() > 1) {
+        EXPECT_TRUE(each.mesh.validFace(seed.face));
+        EXPECT_GT(faceArea(each.mesh, seed.face), 0.0);
+      }
+    });
   }
 }
 

@@ -144,6 +144,8 @@ TEST(MeshSmoother, NeverMovesAVertexThatIsNotInteriorByAFlow) {
         const test::CapturedText text;
         TriangleMesh mesh = named.mesh;
         flow.expected(mesh);
+        EXPECT_EQ(mesh.faces, named.mesh.faces) << flow.name << " on " << named.name;
+        EXPECT_TRUE(allNumbers(mesh)) << flow.name << " on " << named.name;
         for (int i = 0; i < mesh.vertexCount; ++i) {
           if (mesh.vertexKind[static_cast<std::size_t>(i)] == InteriorVertex) continue;
           EXPECT_EQ(mesh.position(i), named.mesh.position(i)) << flow.name << " on " << named.name;

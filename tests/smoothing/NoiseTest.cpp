@@ -112,8 +112,23 @@ TEST(Noise, TakesAnyMeshAndAnySize) {
   for (const test::NamedMesh& named : test::hostileMeshes()) {
     for (const float size : {0.05F, std::nanf(""), HUGE_VALF, -3e38F}) {
       TriangleMesh mesh = named.mesh;
+      SCOPED_TRACE(::testing::Message() << named.name << ' ' << size);
       addNoise(mesh, size);
-      EXPECT_EQ(mesh.vertices.size(), named.mesh.vertices.size()) << named.name;
+      ASSERT_EQ(mesh.vertices.size(), named.mesh.vertices.size());
+      EXPECT_EQ(mesh.faces, named.mesh.faces);
+      EXPECT_EQ(mesh.vertexKind, named.mesh.vertexKind);
+      if (named.name == "not a number" || named.name == "infinite" || !std::isfinite(size))
+        continue;
+      for (int i = 0; i < mesh.vertexCount; ++i) {
+        const Vec3 moved = mesh.position(i) - named.mesh.position(i);
+        if (mesh.vertexNormal(i) == Vec3{}) {
+          EXPECT_EQ(moved, Vec3{});
+        } else if (size == 0.05F) {
+          EXPECT_GT(length(moved), 0.0);
+          EXPECT_LT(length(moved), 5.0 * 0.05);  // five standard deviations
+          EXPECT_LT(length(cross(moved, mesh.vertexNormal(i))), 2e-6);
+        }
+      }
     }
   }
 }
