@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -276,12 +277,25 @@ TEST_F(CurvatureCommands, TensorSmoothingRedrawsAsItAnimates) {
 }
 
 TEST_F(CurvatureCommands, TensorSmoothingTakesOnlyTheFirstChoiceForTheMaximum) {
-  for (const auto& [choice, mode] :
-       {std::pair{"0", TensorMax}, {"1", TensorMin}, {"2", TensorMin}, {"3", TensorMin}}) {
-    load(test::torus(12, 8));
-    outside.dialogAnswers = {test::okWith({{"displayChoice", choice}})};
-    doc.OnSmoothingCurvatureTensor();
-    EXPECT_EQ(doc.displayMode, mode) << choice;
+  for (const bool animate : {false, true}) {
+    for (const char* choice : {"0", "1", "2", "3"}) {
+      SCOPED_TRACE(::testing::Message() << choice << (animate ? " animated" : ""));
+      load(test::torus(12, 8));
+      const ModesDrawn drawn(outside, doc);
+      outside.dialogAnswers = {test::okWith({{"displayChoice", choice},
+                                             {"animate", animate ? "1" : "0"},
+                                             {"animateEvery", "2"},
+                                             {"curvatureIterations", "4"},
+                                             {"directionIterations", "3"}})};
+      doc.OnSmoothingCurvatureTensor();
+      const bool max = std::string_view(choice) == "0";
+      // Animated, a phase redraws after each chunk of two and once more at its end.
+      std::vector<int> expected(animate ? 3 : 1, max ? CurvatureMax : CurvatureMin);
+      expected.insert(expected.end(), animate ? 2 : 1, max ? DirectionMax : DirectionMin);
+      expected.push_back(max ? TensorMax : TensorMin);
+      EXPECT_EQ(drawn.modes, expected);
+      EXPECT_EQ(doc.displayMode, max ? TensorMax : TensorMin);
+    }
   }
 }
 

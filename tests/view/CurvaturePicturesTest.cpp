@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <gtest/gtest.h>
 #include <ostream>
@@ -132,6 +133,29 @@ INSTANTIATE_TEST_SUITE_P(Gallery, CurvaturePictures, ::testing::ValuesIn(everyPi
                            std::ranges::replace(name, '-', '_');
                            return name;
                          });
+
+// --- Strokes without seeds ---
+
+bool allWhite(const Image& image) {
+  return std::ranges::all_of(image.rgb, [](std::uint8_t part) { return part == 255; });
+}
+
+TEST(StrokePictures, ASeedAmountOfZeroDrawsNothing) {
+  for (const auto handler : {&CGravlinDoc::OnStrokeMax, &CGravlinDoc::OnStrokeMin}) {
+    test::OffscreenView offscreen;
+    offscreen.target.overlay = false;  // the counts in the corner
+    offscreen.show(test::cutSphere(), FlatShading);
+    const auto drawWithSeeds = [&](const char* amount) {
+      offscreen.outside.dialogAnswers = {test::okWith({{"seedAmount", amount}})};
+      (offscreen.document.*handler)();
+      return offscreen.draw();
+    };
+    // The surface that hides the strokes behind it is as white as the background.
+    EXPECT_TRUE(allWhite(drawWithSeeds("0")));
+    EXPECT_FALSE(allWhite(drawWithSeeds("200")));
+    EXPECT_TRUE(allWhite(drawWithSeeds("0"))) << "the strokes from before are gone";
+  }
+}
 
 }  // namespace
 }  // namespace gravlin
