@@ -27,7 +27,7 @@ constexpr int saveId = 57603;
 /// A path as an item of a menu, with its number as mnemonic and shortened at the left.
 QString recentText(int place, const QString& path, const QFontMetrics& metrics) {
   constexpr int widest = 400;  // the widget's own pixels
-  QString shown = path;
+  QString shown = toPrintable(path);
   if (shown.startsWith(QDir::homePath() + '/')) shown.replace(0, QDir::homePath().size(), "~");
   shown = metrics.elidedText(shown, Qt::ElideLeft, widest).replace('&', "&&");
   return QString("&%1 %2").arg(place + 1).arg(shown);

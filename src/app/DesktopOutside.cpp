@@ -8,6 +8,7 @@
 #include "doc/dialogs/QtText.h"
 #include "doc/dialogs/WindowRoom.h"
 #include "mesh/MeshWriter.h"
+#include "numeric/PrintableText.h"
 #include "view/LineSvg.h"
 
 namespace gravlin {
@@ -73,11 +74,11 @@ std::optional<std::string> DesktopOutside::chooseFile(FileDialog kind) {
 
 void DesktopOutside::showMessage(const std::string& text) {
   const CommandDialog waiting(desktop.lock);
-  CMessageDlg(text, desktop.window).exec();
+  CMessageDlg(printable(text), desktop.window).exec();
 }
 
 void DesktopOutside::showStatus(const std::string& sentence) {
-  status = toQString(sentence);
+  status = toQString(printable(sentence));
   desktop.statusChanged();
 }
 

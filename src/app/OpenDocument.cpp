@@ -37,7 +37,8 @@ OpenDocument::OpenDocument(Desktop& sharedDesktop, QString titleOfNew)
 }
 
 QString OpenDocument::title() const {
-  return document.path.empty() ? newTitle : QFileInfo(fromPath(document.path)).fileName();
+  return document.path.empty() ? newTitle
+                               : toPrintable(QFileInfo(fromPath(document.path)).fileName());
 }
 
 void OpenDocument::updateTitles() {

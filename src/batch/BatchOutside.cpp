@@ -4,6 +4,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "numeric/PrintableText.h"
+
 namespace gravlin {
 namespace {
 
@@ -36,7 +38,7 @@ std::optional<std::string> BatchOutside::chooseFile(FileDialog) {
 }
 
 void BatchOutside::say(const std::string& text) {
-  std::fprintf(errors, "gravlin-batch: %s\n", text.c_str());
+  std::fprintf(errors, "gravlin-batch: %s\n", printable(text).c_str());
 }
 
 void BatchOutside::showMessage(const std::string& text) {
