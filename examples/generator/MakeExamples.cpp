@@ -1,11 +1,13 @@
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
+#include <string>
 
 #include "generator/Gear.h"
 #include "generator/Gourd.h"
 #include "generator/Relief.h"
+#include "mesh/SafeFile.h"
+#include "numeric/PrintableText.h"
 
 /// Writes every example mesh into the folder named on the command line.
 int main(int argumentCount, char** arguments) {
@@ -19,10 +21,11 @@ int main(int argumentCount, char** arguments) {
   for (const auto& [name, shape] :
        {std::pair("gear.ply2", gear()), std::pair("gourd.ply2", gourd()),
         std::pair("relief.ply2", relief())}) {
-    std::ofstream file(folder / name, std::ios::binary);
-    file << ply2Text(shape) << std::flush;
-    if (!file) {
-      std::cerr << "Cannot write " << folder / name << '\n';
+    const std::string path = folder / name;
+    gravlin::SafeFile file(path);
+    if (file.stream() != nullptr) std::fputs(ply2Text(shape).c_str(), file.stream());
+    if (!file.commit()) {
+      std::cerr << "Cannot write " << gravlin::printable(path) << ": " << file.error() << ".\n";
       allWritten = false;
     }
   }

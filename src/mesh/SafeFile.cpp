@@ -84,12 +84,16 @@ void SafeFile::openBeside() {
   constexpr mode_t everyone = 0666;  // less what the process's mask takes away
   constexpr int mostNames = 1000;
   const fs::path folder = folderOf(target);
+  const HeldSignals held;
   for (int k = 0; k < mostNames && descriptor < 0; ++k) {
     temporary = folder / (".gravlin-" + std::to_string(::getpid()) + "-" + std::to_string(k));
     descriptor = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, everyone);
     if (descriptor < 0 && errno != EEXIST) break;
   }
-  if (descriptor >= 0) return;
+  if (descriptor >= 0) {
+    removal.emplace(temporary);
+    return;
+  }
   noteError();
   temporary.clear();
 }
@@ -131,6 +135,7 @@ bool SafeFile::commit() {
     return false;
   }
   temporary.clear();
+  removal.reset();
   syncFolder(folderOf(target));
   return true;
 }

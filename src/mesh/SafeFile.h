@@ -2,14 +2,18 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <sys/types.h>
+
+#include "mesh/SignalRemoval.h"
 
 namespace gravlin {
 
 /// A file that is written beside the one it replaces and takes its place in one step, so that at
 /// every moment either the old file or the complete new one is there, also after a power cut. Until
-/// `commit` succeeds the old file stands; without it the destructor leaves no trace.
+/// `commit` succeeds the old file stands; without it the destructor leaves no trace, and neither do
+/// SIGHUP, SIGINT and SIGTERM, which end the program all the same.
 ///
 /// A symbolic link stays and what it points to is replaced; the permissions and, where allowed, the
 /// owner of the old file are kept. What is not a regular file, such as a pipe or a terminal, is
@@ -40,11 +44,12 @@ class SafeFile {
   bool close();
   void noteError();
 
-  std::string target;         ///< the file meant, symbolic links followed
-  std::string temporary;      ///< what is written in its place; empty when it is written directly
-  int descriptor = -1;        ///< of what is written
-  std::FILE* file = nullptr;  ///< a buffer in front of the descriptor
-  int errorNumber = 0;        ///< of the first failure
+  std::string target;     ///< the file meant, symbolic links followed
+  std::string temporary;  ///< what is written in its place; empty when it is written directly
+  std::optional<SignalRemoval> removal;  ///< of `temporary`
+  int descriptor = -1;                   ///< of what is written
+  std::FILE* file = nullptr;             ///< a buffer in front of the descriptor
+  int errorNumber = 0;                   ///< of the first failure
 };
 
 }  // namespace gravlin

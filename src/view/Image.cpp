@@ -4,6 +4,8 @@
 #include <png.h>
 #include <stdexcept>
 
+#include "mesh/SafeFile.h"
+
 namespace gravlin {
 namespace {
 
@@ -26,10 +28,17 @@ png_image describe(int width, int height) {
 }  // namespace
 
 void writePng(const Image& image, const std::string& path) {
+  SafeFile file(path);
   png_image png = describe(image.width, image.height);
-  if (png_image_write_to_file(&png, path.c_str(), 0, image.rgb.data(), 0, nullptr) == 0) {
-    fail("Cannot write", path, png);
-  }
+  const bool encoded =
+      file.stream() != nullptr &&
+      png_image_write_to_stdio(&png, file.stream(), 0, image.rgb.data(), 0, nullptr) != 0;
+  if (encoded && file.commit()) return;
+  // What the system says tells more than that libpng could not write.
+  const std::string reason = file.error();
+  if (reason.empty()) fail("Cannot write", path, png);
+  png_image_free(&png);
+  throw std::runtime_error("Cannot write " + path + ": " + reason + ".");
 }
 
 Image readPng(const std::string& path) {

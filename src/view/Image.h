@@ -20,7 +20,7 @@ struct Image {
 };
 
 /// Writes a PNG file. Throws std::runtime_error with a sentence for the user when that fails, and
-/// then leaves no part of a file behind.
+/// then leaves what was there under this name as it was.
 void writePng(const Image& image, const std::string& path);
 /// Reads any PNG file as red, green and blue. Throws std::runtime_error when that fails.
 Image readPng(const std::string& path);

@@ -1,0 +1,146 @@
+#include <csignal>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <memory>
+#include <unistd.h>
+#include <vector>
+
+#include "mesh/SafeFile.h"
+#include "mesh/SignalRemoval.h"
+#include "support/TemporaryFolder.h"
+
+namespace gravlin {
+namespace {
+
+using test::contentOf;
+using test::TemporaryFolder;
+using ::testing::ExitedWithCode;
+using ::testing::KilledBySignal;
+
+constexpr int endings[] = {SIGHUP, SIGINT, SIGTERM};
+
+void makeFile(const std::string& path) {
+  std::fclose(std::fopen(path.c_str(), "w"));
+}
+
+TEST(SignalRemoval, ASignalRemovesTheFileAndEndsTheProgramAsItAlwaysDoes) {
+  for (const int signal : endings) {
+    const TemporaryFolder folder;
+    EXPECT_EXIT(
+        {
+          const std::string path = folder.file("a");
+          makeFile(path);
+          const SignalRemoval removal(path);
+          raise(signal);
+        },
+        KilledBySignal(signal), "");
+    EXPECT_EQ(folder.entryCount(), 0);
+  }
+}
+
+TEST(SignalRemoval, EveryFileThatIsThereGoes) {
+  const TemporaryFolder folder;
+  EXPECT_EXIT(
+      {
+        std::vector<std::unique_ptr<SignalRemoval>> removals;
+        for (const char* name : {"a", "b", "c"}) {
+          makeFile(folder.file(name));
+          removals.push_back(std::make_unique<SignalRemoval>(folder.file(name)));
+        }
+        removals.erase(removals.begin() + 1);
+        raise(SIGTERM);
+      },
+      KilledBySignal(SIGTERM), "");
+  EXPECT_EQ(folder.entryCount(), 1);
+  EXPECT_TRUE(std::filesystem::exists(folder.file("b"))) << "its removal was over";
+}
+
+TEST(SignalRemoval, WithoutAFileTheHandlersAreAsTheyWere) {
+  for (const int signal : endings) {
+    struct sigaction before = {};
+    struct sigaction during = {};
+    struct sigaction after = {};
+    sigaction(signal, nullptr, &before);
+    {
+      const SignalRemoval first("a");
+      const SignalRemoval second("b");
+      sigaction(signal, nullptr, &during);
+    }
+    sigaction(signal, nullptr, &after);
+    EXPECT_EQ(before.sa_handler, SIG_DFL);
+    EXPECT_NE(during.sa_handler, SIG_DFL);
+    EXPECT_EQ(after.sa_handler, SIG_DFL);
+  }
+}
+
+TEST(SignalRemoval, ASignalThatIsIgnoredStaysIgnored) {
+  EXPECT_EXIT(
+      {
+        std::signal(SIGHUP, SIG_IGN);  // as nohup does
+        const SignalRemoval removal("a");
+        raise(SIGHUP);
+        _exit(3);
+      },
+      ExitedWithCode(3), "");
+}
+
+TEST(SignalRemoval, MoreFilesThanTheTableHoldsDoNoHarm) {
+  std::vector<std::unique_ptr<SignalRemoval>> removals;
+  for (int k = 0; k < 100; ++k) removals.push_back(std::make_unique<SignalRemoval>("a"));
+  removals.clear();
+  struct sigaction after = {};
+  sigaction(SIGTERM, nullptr, &after);
+  EXPECT_EQ(after.sa_handler, SIG_DFL);
+}
+
+TEST(HeldSignals, ASignalWaitsForTheEndOfTheScope) {
+  const TemporaryFolder folder;
+  EXPECT_EXIT(
+      {
+        {
+          const HeldSignals held;
+          raise(SIGTERM);
+          makeFile(folder.file("reached"));
+          { const HeldSignals again; }
+          makeFile(folder.file("reached too"));
+        }
+        makeFile(folder.file("not reached"));
+      },
+      KilledBySignal(SIGTERM), "");
+  EXPECT_EQ(folder.entryCount(), 2);
+}
+
+TEST(SafeFile, ASignalLeavesTheOldFileAndNothingElse) {
+  for (const int signal : endings) {
+    const TemporaryFolder folder;
+    const std::string path = folder.write("a", "old");
+    EXPECT_EXIT(
+        {
+          SafeFile file(path);
+          std::fputs("new", file.stream());
+          std::fflush(file.stream());
+          raise(signal);
+        },
+        KilledBySignal(signal), "");
+    EXPECT_EQ(contentOf(path), "old");
+    EXPECT_EQ(folder.entryCount(), 1);
+  }
+}
+
+TEST(SafeFile, ASignalAfterCommitLeavesTheNewFile) {
+  const TemporaryFolder folder;
+  const std::string path = folder.write("a", "old");
+  EXPECT_EXIT(
+      {
+        SafeFile file(path);
+        std::fputs("new", file.stream());
+        file.commit();
+        raise(SIGTERM);
+      },
+      KilledBySignal(SIGTERM), "");
+  EXPECT_EQ(contentOf(path), "new");
+  EXPECT_EQ(folder.entryCount(), 1);
+}
+
+}  // namespace
+}  // namespace gravlin
