@@ -168,7 +168,8 @@ class PathWriter {
 
   void endPiece() {
     if (drawing && last) addPoint(*last);
-    if (drawing) text += "\"/>\n";
+    if (drawing && extended) text += "\"/>\n";
+    if (drawing && !extended) text.resize(start);
     drawing = false;
     last.reset();
   }
@@ -186,26 +187,33 @@ class PathWriter {
   }
 
   void addPoint(const SeenPoint& p) {
-    text += drawing ? "L" : "<path d=\"M";
-    append(p.x);
-    text += ' ';
-    append(p.y);
+    const std::string written = textOf(p.x) + ' ' + textOf(p.y);
+    if (!drawing) {
+      start = text.size();
+      firstWritten = written;
+      extended = false;
+    }
+    extended = extended || written != firstWritten;
+    text += (drawing ? "L" : "<path d=\"M") + written;
     drawing = true;
     last.reset();
   }
 
-  void append(double value) {
+  static std::string textOf(double value) {
     std::array<char, 64> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
                                    std::chars_format::fixed, 2)
                          .ptr;
-    text.append(digits.data(), end);
+    return {digits.data(), end};
   }
 
   const DepthBuffer& buffer;
   ViewSize size;
   std::string text;
   bool drawing = false;
+  std::size_t start = 0;          ///< of the piece being drawn, in the text
+  std::string firstWritten;       ///< its first point
+  bool extended = false;          ///< it has another point than that
   std::optional<SeenPoint> last;  ///< reached by the piece being drawn and not yet written
 };
 

@@ -13,7 +13,7 @@ namespace gravlin {
 /// edges between front and back faces and those at the boundary. What the surface hides is left
 /// out: a depth buffer of the surface, twice as fine as the view, tells point by point. Work grows
 /// with the faces, the pixels they cover and the lengths of the lines on screen; lines beyond the
-/// edges of the view are cut off there.
+/// edges of the view are cut off there. A piece whose points are written as one is left out.
 std::string linesAsSvg(const TriangleMesh& mesh, const LinesToDraw& drawing, const Camera& camera,
                        ViewSize size);
 

@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <set>
 
 #include "support/Meshes.h"
 #include "view/LineSvg.h"
@@ -70,6 +72,41 @@ TEST(LineSvg, AClosedLineOnAVisibleSideIsOnePathThatComesBack) {
   const std::string text = svgOf(test::cube(), {{4, 5, 6, 7}, true});
   EXPECT_EQ(count(text, "<path"), 1);
   EXPECT_EQ(count(text, "L"), 4);
+}
+
+/// The points of each path, as they are written.
+std::vector<std::set<std::string>> pointsOfPaths(const std::string& text) {
+  std::vector<std::set<std::string>> paths;
+  for (auto at = text.find("d=\"M"); at != std::string::npos; at = text.find("d=\"M", at)) {
+    at += 4;
+    const std::string points = text.substr(at, text.find('"', at) - at);
+    paths.emplace_back();
+    for (std::size_t from = 0; from <= points.size();) {
+      const std::size_t end = std::min(points.find('L', from), points.size());
+      paths.back().insert(points.substr(from, end - from));
+      from = end + 1;
+    }
+  }
+  return paths;
+}
+
+// A line comes out from behind a corner of the screen, each time 0.01 units farther, a fifth of the
+// distance between two of its points that are looked at: at first only one of them is seen.
+TEST(LineSvg, APieceOfOnePointIsLeftOut) {
+  int longer = 0;
+  for (int k = 0; k < 500; ++k) {
+    TriangleMesh mesh = screenBeforeTriangle(5.0);
+    const Vec3 hidden = mesh.position(3);
+    const Vec3 corner = mesh.position(1);
+    storeVec3(mesh.vertices.data() + 9, hidden + (0.9 + 0.001 * k) * (corner - hidden));
+    storeVec3(mesh.vertices.data() + 12, hidden);
+    for (const std::set<std::string>& points : pointsOfPaths(svgOf(mesh, {{4, 3}, false}))) {
+      EXPECT_GE(points.size(), 2U) << k;
+      ++longer;
+    }
+  }
+  EXPECT_GT(longer, 100);
+  EXPECT_EQ(count(svgOf(test::cube(), {{4, 4}, false}), "<path"), 0);
 }
 
 TEST(LineSvg, KindsAreGroupsInTheirColours) {
