@@ -19,6 +19,8 @@ endif()
 
 if(GRAVLIN_SANITIZE)
   target_compile_options(gravlin_options INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=address,undefined,float-cast-overflow -fno-sanitize-recover=all
+    -fno-omit-frame-pointer)
+  target_compile_definitions(gravlin_options INTERFACE _GLIBCXX_ASSERTIONS)
   target_link_options(gravlin_options INTERFACE -fsanitize=address,undefined)
 endif()
