@@ -28,7 +28,7 @@ QStringList absolutePaths(const std::vector<std::string>& files) {
 
 }  // namespace
 
-CGravlinApp::CGravlinApp(const CommandLine& commandLine)
+CGravlinApp::CGravlinApp(const DesktopArguments& commandLine)
     : files(absolutePaths(commandLine.files)),
       settings(openSettings(commandLine.settingsFile)),
       frame(*settings) {
@@ -59,7 +59,7 @@ int runGravlin(int argc, char** argv) {
   check.reset();
   QApplication::setApplicationName(CGravlinApp::applicationName);
   QApplication::setWindowIcon(programIcon());
-  const std::optional<CommandLine> commandLine = readCommandLine(argc, argv);
+  const std::optional<DesktopArguments> commandLine = readDesktopArguments(argc, argv);
   if (!commandLine) return 2;
   if (!QOpenGLContext().create()) {
     std::fprintf(stderr, "gravlin: OpenGL is missing here. %s\n", adviceWithoutDisplay);

@@ -4,7 +4,7 @@
 #include <QSettings>
 
 #include "app/CMainFrame.h"
-#include "app/CommandLine.h"
+#include "app/DesktopArguments.h"
 
 namespace gravlin {
 
@@ -15,7 +15,7 @@ class CGravlinApp {
   static constexpr const char* registryKey = "Local AppWizard-Generated Applications";
   static constexpr const char* applicationName = "Gravlin";
 
-  explicit CGravlinApp(const CommandLine& commandLine);
+  explicit CGravlinApp(const DesktopArguments& commandLine);
 
   /// What must be settled before the QApplication is made: the kind of OpenGL that views get.
   static void prepare();

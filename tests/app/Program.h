@@ -42,7 +42,7 @@ class Program {
 
   /// Starts the program anew with the same settings.
   void start(const std::vector<QString>& files = {}) {
-    CommandLine line;
+    DesktopArguments line;
     for (const QString& path : files) line.files.push_back(path.toStdString());
     line.settingsFile = file("settings.ini").toStdString();
     app = nullptr;

@@ -16,6 +16,7 @@ class ProgramTest : public QObject {
  private Q_SLOTS:
   void helpAndVersionNeedNoDisplay_data();
   void helpAndVersionNeedNoDisplay();
+  void anAnswerThatCannotBeWrittenIsAFailure();
   void withoutADisplayItSaysHowToGetPictures_data();
   void withoutADisplayItSaysHowToGetPictures();
   void aSenselessCommandLineIsComplainedAbout();
@@ -62,6 +63,18 @@ void ProgramTest::helpAndVersionNeedNoDisplay() {
   QVERIFY2(ending.error.isEmpty(), ending.error);
 }
 
+void ProgramTest::anAnswerThatCannotBeWrittenIsAFailure() {
+  for (const char* option : {"--help", "--version"}) {
+    QProcess process;
+    process.setStandardOutputFile("/dev/full");
+    process.start(GRAVLIN_PROGRAM, {option});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("gravlin: Standard output could not be written.\n"));
+  }
+}
+
 void ProgramTest::withoutADisplayItSaysHowToGetPictures_data() {
   QTest::addColumn<QString>("display");
   QTest::newRow("none") << QString();
@@ -83,6 +96,9 @@ void ProgramTest::aSenselessCommandLineIsComplainedAbout() {
   const Ending ending = run({"--colour", "red"}, QProcessEnvironment::systemEnvironment());
   QCOMPARE(ending.exitCode, 2);
   QVERIFY2(ending.error.contains("--colour"), ending.error);
+  const Ending escaped = run({"--col\x1b"}, QProcessEnvironment::systemEnvironment());
+  QCOMPARE(escaped.exitCode, 2);
+  QVERIFY2(escaped.error.contains("--col\\x1b"), escaped.error);
 }
 
 void ProgramTest::aFileAndSettingsOfTheCommandLineAreUsed() {

@@ -1,15 +1,17 @@
-#include "app/CommandLine.h"
+#include "app/DesktopArguments.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <iostream>
 
+#include "numeric/PrintableText.h"
+
 namespace gravlin {
 namespace {
 
 /// The options of the program, bound to `line`.
-void describe(CLI::App& app, CommandLine& line) {
+void describe(CLI::App& app, DesktopArguments& line) {
   app.name("gravlin");
   app.description("A workbench for triangle meshes: smoothing, curvature and feature lines.");
   app.footer("To draw pictures or to process meshes without a display, see gravlin-batch.");
@@ -23,28 +25,32 @@ void describe(CLI::App& app, CommandLine& line) {
 }  // namespace
 
 std::optional<int> answerWithoutWindow(int argc, const char* const* argv) {
-  CommandLine ignored;
+  DesktopArguments ignored;
   CLI::App app;
   describe(app, ignored);
   app.allow_extras();
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& answer) {
-    return app.exit(answer);
+    const int exitCode = app.exit(answer);
+    if (std::cout.flush()) return exitCode;
+    std::cerr << "gravlin: Standard output could not be written.\n";
+    return 1;
   } catch (const CLI::ParseError&) {
     // Told about when Qt has taken its options.
   }
   return std::nullopt;
 }
 
-std::optional<CommandLine> readCommandLine(int argc, const char* const* argv) {
-  CommandLine line;
+std::optional<DesktopArguments> readDesktopArguments(int argc, const char* const* argv) {
+  DesktopArguments line;
   CLI::App app;
   describe(app, line);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& complaint) {
-    app.exit(complaint);
+    std::cerr << "gravlin: " << printable(complaint.what())
+              << "\nRun with --help for more information.\n";
     return std::nullopt;
   }
   return line;
