@@ -1,14 +1,14 @@
 #include "batch/CommandLine.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <CLI/CLI.hpp>
-#include <cstring>
-#include <fstream>
-#include <iostream>
+#include <functional>
 #include <map>
+#include <memory>
+#include <utility>
 
 #include "batch/Help.h"
+#include "batch/Script.h"
 #include "batch/Session.h"
 
 namespace gravlin {
@@ -23,6 +23,9 @@ struct HelpRequest {
 struct VersionRequest {};
 struct ManPageRequest {};
 
+/// The words of a chain that are still to be read.
+using Rest = std::span<const std::string>;
+
 /// Reads words up to the first one that its parser does not know.
 class WordReader {
  public:
@@ -34,6 +37,7 @@ class WordReader {
   WordReader& operator=(const WordReader&) = delete;
 
   CLI::App app;
+  std::function<void()> forget = [] {};  ///< drops what options have noted, for another attempt
 
   /// An option that has something printed instead of anything run.
   template <class Request>
@@ -41,26 +45,44 @@ class WordReader {
     app.add_flag_callback(option, [request] { throw Request(request); });
   }
 
-  /// Takes what is for this reader from the front of the words.
-  void read(Words& words) {
-    const Words all = words;
-    std::reverse(words.begin(), words.end());
-    try {
-      app.parse(std::move(words));
-    } catch (const CLI::ParseError& error) {
-      throw UsageError(beginning + error.what());
-    } catch (const std::logic_error&) {  // --switch=word, where the parser expects a number
-      throw UsageError(beginning + firstSwitchWithValue(all) + ": a switch takes no value");
+  /// Takes what is for this reader from the front of the words and returns the others.
+  ///
+  /// The parser copies all words that it gets, so a long chain comes in pieces: a longer one only
+  /// where all of a piece was taken or something seemed to be missing at its end.
+  Rest read(Rest words) {
+    for (std::size_t size = 32; size < words.size(); size *= 2) {
+      try {
+        const std::size_t taken = parse(words.first(size));
+        if (taken < size) return words.subspan(taken);
+      } catch (const UsageError&) {
+        // What is wrong with the whole is told below.
+      }
     }
-    words = app.remaining();
-    if (!words.empty() && words.front() == "--") words.erase(words.begin());
-    if (!words.empty() && words.front().starts_with('-')) {
-      throw UsageError(beginning + "unknown option " + words.front());
-    }
+    return words.subspan(parse(words));
   }
 
  private:
-  std::string firstSwitchWithValue(const Words& words) const {
+  /// How many words at the front are for this reader.
+  std::size_t parse(Rest piece) {
+    forget();
+    try {
+      app.parse(Words(piece.rbegin(), piece.rend()));
+    } catch (const CLI::ParseError& error) {
+      throw UsageError(beginning + error.what());
+    } catch (const std::logic_error&) {  // --switch=word, where the parser expects a number
+      throw UsageError(beginning + firstSwitchWithValue(piece) + ": a switch takes no value");
+    }
+    // The parser keeps "--" among what it leaves, wherever it stood.
+    const Words left = app.remaining();
+    const bool separator = !left.empty() && left.front() == "--";
+    const std::size_t taken = piece.size() - left.size() + (separator ? 1 : 0);
+    if (taken < piece.size() && piece[taken].starts_with('-')) {
+      throw UsageError(beginning + "unknown option " + piece[taken]);
+    }
+    return taken;
+  }
+
+  std::string firstSwitchWithValue(Rest words) const {
     for (const std::string& word : words) {
       const CLI::Option* option = app.get_option_no_throw(word.substr(0, word.find('=')));
       if (option != nullptr && option->get_expected_max() == 0) return word;
@@ -83,21 +105,25 @@ const Step* stepCalled(const std::string& name) {
 class StepReader {
  public:
   StepReader(const Step& step, Session& trial) : name(step.name), reader(step.name + ": ") {
+    reader.forget = [this] { call = {}; };
     reader.addRequest("--help,-h", HelpRequest{&step});
     for (const std::string& operand : step.operands) {
       const auto note = [this](const std::string& text) { call.operands.push_back(text); };
       reader.app.add_option_function<std::string>(operand, note)->required();
     }
     if (!step.form) return;
+    bool anyText = false;
     for (const Field& field : step.form(trial).fields) {
       if (field.enabled) addOption(field);
+      anyText = anyText || (field.enabled && isComboBox(field));
     }
+    if (anyText) reader.app.add_flag_callback(anyTextOption, [this] { call.anyText = true; });
   }
 
-  StepCall read(Words& words) {
-    call = {};
-    const Words all = words;
-    reader.read(words);
+  /// Takes the words of one call from the front.
+  StepCall read(Rest& words) {
+    const Rest all = words;
+    words = reader.read(words);
     const std::size_t taken = all.size() - words.size();
     if (!words.empty() && taken > 0) refuseValue(all[taken - 1], words.front());
     return std::move(call);
@@ -149,8 +175,8 @@ class ChainReader {
   std::vector<StepCall> calls;
 
   /// Appends the calls that the words ask for.
-  void read(Words words) {
-    program.read(words);
+  void read(Rest words) {
+    words = program.read(words);
     while (!words.empty()) {
       const Step& step = takeStep(words);
       StepCall call = readerOf(step).read(words);
@@ -165,17 +191,17 @@ class ChainReader {
   }
 
  private:
-  static const Step& takeStep(Words& words) {
+  static const Step& takeStep(Rest& words) {
     const std::string word = words.front();
     const Step* step = stepCalled(word);
     if (step == nullptr) {
       throw UsageError((word.starts_with('-') ? "unknown option " : "unknown step ") + word);
     }
-    words.erase(words.begin());
+    words = words.subspan(1);
     return *step;
   }
 
-  static const Step& takeSubject(const Step& step, Words& words) {
+  static const Step& takeSubject(const Step& step, Rest& words) {
     if (words.empty()) throw UsageError(step.name + ": the name of a step is missing");
     const Step& subject = takeStep(words);
     if (!subject.hasDialog) throw UsageError(step.name + ": " + subject.name + " has no dialog");
@@ -193,66 +219,72 @@ class ChainReader {
   std::map<const Step*, std::unique_ptr<StepReader>> readers;
 };
 
-constexpr std::string_view blanks = " \t\r";
+/// Reads the arguments and the scripts that stand among them.
+class ArgumentReader {
+ public:
+  explicit ArgumentReader(Rest allArguments) : arguments(allArguments) {}
 
-void readScript(const std::string& path, ChainReader& chain) {
-  std::ifstream file;
-  if (path != "-") file.open(path);
-  std::istream& script = path == "-" ? std::cin : file;
-  if (!script) throw StepFailure(path + " could not be read: " + std::strerror(errno) + ".");
-  std::string text;
-  for (int number = 1; std::getline(script, text); ++number) {
-    try {
-      chain.read(wordsOf(text));
-    } catch (const UsageError& error) {
-      throw UsageError(path + ":" + std::to_string(number) + ": " + error.what());
+  ChainReader chain;
+
+  void read() {
+    Rest rest = arguments;
+    while (true) {
+      const std::size_t end = endOfChain(rest);
+      chain.read(rest.first(end));
+      if (end == rest.size()) break;
+      if (end + 1 == rest.size()) throw UsageError("--script: the name of a file is missing");
+      runScript(rest[end + 1]);
+      rest = rest.subspan(end + 2);
     }
+    if (chain.calls.empty()) throw UsageError("there is no step to run; --help lists them");
   }
-  if (script.bad()) throw StepFailure(path + " could not be read: " + std::strerror(errno) + ".");
-}
+
+  /// Why an answer to this request would pass for a success of a chain that did not run, if it
+  /// would: other steps stand beside it, or what comes behind shows that --help was meant as the
+  /// name of a file.
+  std::string notRunFor(const Step* step) const {
+    const bool last = arguments.back() == "--help" || arguments.back() == "-h";
+    if (step == nullptr || (chain.calls.empty() && !scriptRead && last)) return {};
+    return step->name +
+           " --help: help is for a step alone, so nothing was run; a file of this name is ./--help";
+  }
+
+ private:
+  static constexpr std::string_view scriptOption = "--script";
+
+  /// Where the next script is asked for. Behind "--" the word is the name of a file.
+  static std::size_t endOfChain(Rest words) {
+    for (std::size_t k = 0; k < words.size(); ++k) {
+      if (words[k] == scriptOption && (k == 0 || words[k - 1] != "--")) return k;
+    }
+    return words.size();
+  }
+
+  void runScript(const std::string& path) {
+    if (path == "-" && std::exchange(standardInputRead, true)) {
+      throw UsageError("--script -: standard input can be read only once");
+    }
+    scriptRead = true;
+    readScript(path, [this](const Words& words) { chain.read(words); });
+  }
+
+  Rest arguments;
+  bool scriptRead = false;
+  bool standardInputRead = false;
+};
 
 }  // namespace
 
-std::vector<std::string> wordsOf(std::string_view line) {
-  std::vector<std::string> words;
-  std::size_t at = line.find_first_not_of(blanks);
-  while (at < line.size() && line[at] != '#') {
-    std::string word;
-    while (at < line.size() && blanks.find(line[at]) == std::string_view::npos) {
-      const char c = line[at++];
-      if (c != '"' && c != '\'') {
-        word += c;
-        continue;
-      }
-      const std::size_t close = line.find(c, at);
-      if (close == std::string_view::npos) throw UsageError("a quote is not closed");
-      word += line.substr(at, close - at);
-      at = close + 1;
-    }
-    words.push_back(word);
-    at = line.find_first_not_of(blanks, at);
-  }
-  return words;
-}
-
 CommandLine readCommandLine(std::span<const std::string> arguments) {
   CommandLine line;
+  ArgumentReader reader(arguments);
   try {
-    ChainReader chain;
-    constexpr std::string_view scriptOption = "--script";
-    auto start = arguments.begin();
-    for (auto end = start; true; start = end + 2) {
-      end = std::find(start, arguments.end(), scriptOption);
-      chain.read({start, end});
-      if (end == arguments.end()) break;
-      if (end + 1 == arguments.end()) throw UsageError("--script: the name of a file is missing");
-      readScript(end[1], chain);
-    }
-    if (chain.calls.empty()) throw UsageError("there is no step to run; --help lists them");
-    line.quiet = chain.quiet;
-    line.calls = std::move(chain.calls);
+    reader.read();
+    line.quiet = reader.chain.quiet;
+    line.calls = std::move(reader.chain.calls);
   } catch (const HelpRequest& request) {
     line.answer = request.step == nullptr ? helpText() : helpText(*request.step);
+    line.notRun = reader.notRunFor(request.step);
   } catch (const VersionRequest&) {
     line.answer = versionText();
   } catch (const ManPageRequest&) {

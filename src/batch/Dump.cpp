@@ -205,11 +205,20 @@ std::vector<std::string> namesIn(std::string_view list) {
   return names;
 }
 
+std::string listOfFields() {
+  std::string list;
+  for (const std::string_view name : dumpFieldNames()) {
+    list.append(list.empty() ? "" : ", ").append(name);
+  }
+  return list;
+}
+
 void checkNames(Session& session, const StepCall&) {
   const std::vector<std::string_view> known = dumpFieldNames();
   for (const std::string& name : namesIn(session.dump.fields)) {
     if (std::find(known.begin(), known.end(), name) == known.end()) {
-      throw UsageError("--fields: there is no field '" + name + "'.");
+      throw UsageError("--fields: there is no field '" + name + "'. The fields are " +
+                       listOfFields() + ".");
     }
   }
 }
@@ -247,6 +256,7 @@ Step dumpStep() {
   return {.name = "dump",
           .menu = "Chain",
           .summary = "write what is known of the mesh as JSON; - is standard output",
+          .remark = "The fields are " + listOfFields() + ".",
           .operands = {"FILE"},
           .form =
               [](Session& session) {

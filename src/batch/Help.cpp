@@ -91,12 +91,22 @@ OptionHelp describe(const Field& field) {
   return help;
 }
 
+/// Of the option that belongs to a combo box.
+OptionHelp describeAnyText(const Field& field) {
+  return {.flags = anyTextOption,
+          .meaning = joined({"pass on a text for --", kebabCase(field.name),
+                             " that is none of its entries, as typed into the dialog"}),
+          .standard = {}};
+}
+
 std::vector<OptionHelp> optionsOf(const Step& step) {
   std::vector<OptionHelp> options;
   if (step.form == nullptr) return options;
   Session session;
   for (const Field& field : step.form(session).fields) {
-    if (field.enabled) options.push_back(describe(field));
+    if (!field.enabled) continue;
+    options.push_back(describe(field));
+    if (isComboBox(field)) options.push_back(describeAnyText(field));
   }
   return options;
 }
@@ -111,6 +121,7 @@ std::string usageOf(const Step& step) {
 }
 
 std::string meaningOf(const OptionHelp& option) {
+  if (option.standard.empty()) return option.meaning;
   return joined({option.meaning, between(option.meaning, " "), "(default ", option.standard, ")"});
 }
 
@@ -151,9 +162,9 @@ struct Paragraph {
 constexpr Paragraph generalOptions[] = {
     {"--quiet", "drop the lines that solvers print on standard output"},
     {"--script FILE", "steps from a text file in this place, one a line; # begins a comment"},
-    {"--help", "this text, or behind a step its options with ranges and defaults"},
+    {"--help", "this text, or behind a step alone its options with ranges and defaults"},
     {"--version", "the version"},
-    {"--", "ends the options of a step, for a FILE that begins with a hyphen"},
+    {"--", "ends the options of a step, for a FILE that begins with a hyphen, as in -- -a.ply2"},
 };
 
 constexpr Paragraph notes[] = {
@@ -168,6 +179,11 @@ constexpr Paragraph notes[] = {
      "that a mesh was opened from is not overwritten when that would lose what could not be read "
      "or written. Lengths in options are those of the mesh in memory, whose largest extent is "
      "20."},
+    {"Names",
+     "that begin with a hyphen are written behind --, which ends the options of a step, or with ./ "
+     "in front, as in ./-a.ply2. The name - is standard output for dump, and standard input, once, "
+     "for --script."},
+    {"Scripts", "are plain text in UTF-8 of at most 64 MiB, without control characters."},
     {"Threads",
      "are as many as there are processors where a step can use them, or as the environment "
      "variable GRAVLIN_THREADS says. Results are the same with any number."},
@@ -226,6 +242,7 @@ std::string helpText(const Step& step) {
   for (const OptionHelp& option : options) {
     text += joined({"  ", option.flags, "\n", wrapped(meaningOf(option), 10)});
   }
+  if (!step.remark.empty()) text += joined({"\n", wrapped(step.remark, 0)});
   return text;
 }
 
@@ -251,12 +268,13 @@ std::string manPage() {
       if (step.menu != menu) continue;
       page += joined({".TP\n.B ", roff(usageOf(step)), "\n", roff(step.summary), "\n"});
       const std::vector<OptionHelp> options = optionsOf(step);
-      if (options.empty()) continue;
+      if (options.empty() && step.remark.empty()) continue;
       page += ".RS\n";
       for (const OptionHelp& option : options) {
         page += joined({".TP\n.B ", roff(option.flags), "\n"});
         page += joined({roff(meaningOf(option)), "\n"});
       }
+      if (!step.remark.empty()) page += joined({".PP\n", roff(step.remark), "\n"});
       page += ".RE\n";
     }
   }

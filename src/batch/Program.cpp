@@ -5,6 +5,7 @@
 
 #include "batch/CommandLine.h"
 #include "batch/ViewSteps.h"
+#include "numeric/PrintableText.h"
 #include "numeric/TextSink.h"
 
 namespace gravlin {
@@ -12,13 +13,21 @@ namespace {
 
 enum ExitStatus : int { AllIsWell = 0, StepFailed = 1, NotUnderstood = 2 };
 
+void checkOutput(BatchStreams streams) {
+  if (!allWritten(streams.output)) throw StepFailure("Standard output could not be written.");
+}
+
 /// Goes through all calls without running any of them.
 void checkCalls(std::span<const StepCall> calls, BatchStreams streams) {
   Session trial(streams);
   for (const StepCall& call : calls) {
     try {
       const Step& described = call.described();
-      if (described.form) applySettings(described.form(trial), call.settings);
+      if (described.form) {
+        const Form form = described.form(trial);
+        applySettings(form, call.settings);
+        checkEntries(form, call);
+      }
       if (call.step->check) call.step->check(trial, call);
     } catch (const UsageError& error) {
       throw UsageError(call.described().name + " " + error.what());
@@ -33,7 +42,7 @@ int runCalls(std::span<const StepCall> calls, BatchStreams streams) {
     calls[k].step->run(session, calls[k]);
     if (session.outside.failed) return StepFailed;
   }
-  if (!allWritten(streams.output)) throw StepFailure("Standard output could not be written.");
+  checkOutput(streams);
   return AllIsWell;
 }
 
@@ -54,13 +63,15 @@ TextSink textSink(BatchStreams streams, bool quiet) {
 
 int runBatch(std::span<const std::string> arguments, BatchStreams streams) {
   const auto fail = [&](const char* reason, ExitStatus status) {
-    std::fprintf(streams.errors, "gravlin-batch: %s\n", reason);
+    std::fprintf(streams.errors, "gravlin-batch: %s\n", printable(reason).c_str());
     return status;
   };
   try {
     const CommandLine line = readCommandLine(arguments);
     if (!line.answer.empty()) {
       std::fputs(line.answer.c_str(), streams.output);
+      checkOutput(streams);
+      if (!line.notRun.empty()) throw UsageError(line.notRun);
       return AllIsWell;
     }
     checkCalls(line.calls, streams);

@@ -37,6 +37,7 @@ struct StepCall {
   const Step* subject = nullptr;  ///< the step that this one speaks of, else null
   std::vector<std::string> operands = {};
   std::vector<Setting> settings = {};
+  bool anyText = false;  ///< a combo box takes a text that is none of its entries
 
   /// The step whose options `settings` are.
   const Step& described() const { return subject == nullptr ? *step : *subject; }
@@ -52,6 +53,7 @@ struct Step {
   std::string name;                        ///< as it is typed
   std::string menu;                        ///< the heading in the help that it stands under
   std::string summary;                     ///< one line without a full stop
+  std::string remark = {};                 ///< sentences below the options in its help, if any
   std::vector<std::string> operands = {};  ///< names of the words that must follow it, "FILE"
   bool hasDialog = false;                  ///< another step may speak of it
   Subject subject = Subject::None;         ///< whether it speaks of another step
@@ -67,6 +69,16 @@ struct Step {
 /// Every step: one for each row of the command table that has a handler and a step name, and those
 /// that only a chain needs. The list lives as long as the program.
 std::span<const Step> allSteps();
+
+/// The option that lets a text pass which is none of a combo box's entries.
+inline constexpr const char* anyTextOption = "--any-text";
+
+/// Whether the field's text is chosen from a list and may also be typed.
+bool isComboBox(const Field& field);
+
+/// Throws UsageError, with the entries, when a combo box of the form is to be given a text that is
+/// none of them, unless the call allows any text.
+void checkEntries(const Form& form, const StepCall& call);
 
 /// Types the settings into the form. Throws UsageError with the field's own sentence when one is
 /// refused.

@@ -90,6 +90,12 @@ std::vector<Step> makeSteps() {
   return steps;
 }
 
+/// The field that a setting was typed for.
+const Field& fieldOf(const Form& form, const Setting& setting) {
+  return *std::find_if(form.fields.begin(), form.fields.end(),
+                       [&](const Field& field) { return field.name == setting.field; });
+}
+
 }  // namespace
 
 std::span<const Step> allSteps() {
@@ -97,11 +103,31 @@ std::span<const Step> allSteps() {
   return steps;
 }
 
+bool isComboBox(const Field& field) {
+  return std::holds_alternative<std::string*>(field.value) && !field.choices.empty();
+}
+
+void checkEntries(const Form& form, const StepCall& call) {
+  if (call.anyText) return;
+  for (const Setting& setting : call.settings) {
+    const Field& field = fieldOf(form, setting);
+    const auto isEntry = [&](const Choice& choice) { return choice.text == setting.text; };
+    if (!isComboBox(field) || std::any_of(field.choices.begin(), field.choices.end(), isEntry)) {
+      continue;
+    }
+    std::string entries;
+    for (const Choice& choice : field.choices) {
+      entries += (entries.empty() ? "\"" : ", \"") + std::string(choice.text) + "\"";
+    }
+    throw UsageError("--" + kebabCase(setting.field) + ": there is no entry \"" + setting.text +
+                     "\". Choose one of " + entries + "; " + anyTextOption +
+                     " before it passes the text on as typed into the dialog.");
+  }
+}
+
 void applySettings(const Form& form, std::span<const Setting> settings) {
   for (const Setting& setting : settings) {
-    const auto field = std::find_if(form.fields.begin(), form.fields.end(),
-                                    [&](const Field& f) { return f.name == setting.field; });
-    const std::string refusal = storeText(*field, setting.text);
+    const std::string refusal = storeText(fieldOf(form, setting), setting.text);
     if (!refusal.empty()) throw UsageError("--" + kebabCase(setting.field) + ": " + refusal);
   }
 }

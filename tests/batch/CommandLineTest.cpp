@@ -160,15 +160,78 @@ TEST(CommandLine, AScriptThatCannotBeReadIsAFailureOfAFile) {
   EXPECT_THROW(read({"--script", "/no/such/file"}), StepFailure);
 }
 
-TEST(WordsOf, SplitsAtBlanksOutsideQuotesUpToAComment) {
-  EXPECT_THAT(wordsOf("  a\tb  "), ElementsAre("a", "b"));
-  EXPECT_THAT(wordsOf(R"(--method "Laplacian Flow" 'it "is"')"),
-              ElementsAre("--method", "Laplacian Flow", "it \"is\""));
-  EXPECT_THAT(wordsOf("a '' b"), ElementsAre("a", "", "b"));
-  EXPECT_THAT(wordsOf("pre'fix ed'#no # yes"), ElementsAre("prefix ed#no"));
-  EXPECT_THAT(wordsOf("#"), IsEmpty());
-  EXPECT_THAT(wordsOf(""), IsEmpty());
-  EXPECT_THROW(wordsOf("'open"), UsageError);
+TEST(CommandLine, BehindTheSeparatorEveryWordIsAName) {
+  EXPECT_THAT(callsOf({"open", "--", "--script", "save", "--", "--help"}),
+              ElementsAre("open --script", "save --help"));
+  EXPECT_THAT(callsOf({"points", "--", "undo"}), ElementsAre("points", "undo"));
+  EXPECT_THAT(callsOf({"visualization", "--line-width", "2", "--", "undo"}),
+              ElementsAre("visualization lineWidth=2", "undo"));
+  EXPECT_THAT(callsOf({"open", "./-x", "render", "--size", "8x8", "--", "-y.png", "points"}),
+              ElementsAre("open ./-x", "render -y.png size=8x8", "points"));
+}
+
+TEST(CommandLine, HelpBesideOtherStepsOrInTheirPlaceIsNoSuccess) {
+  for (const std::vector<std::string>& alone : {std::vector<std::string>{"open", "--help"},
+                                                {"open", "-h"},
+                                                {"--quiet", "open", "--help"},
+                                                {"open", "a", "--help"},
+                                                {"visualization", "--line-width", "2", "--help"},
+                                                {"preset", "visualization", "--help"},
+                                                {"--help"},
+                                                {"points", "--version"}}) {
+    if (alone.back() == "--version") {
+      EXPECT_EQ(refusalOf(alone), "points: unknown option --version");
+      continue;
+    }
+    EXPECT_EQ(read(alone).notRun, "") << alone.front();
+  }
+  for (const std::vector<std::string>& chain :
+       {std::vector<std::string>{"open", "--help", "save", "x.ply2"},
+        {"open", "--help", "save"},
+        {"open", "a", "save", "--help"},
+        {"open", "a", "points", "points", "--help"},
+        {"points", "--help", "undo"}}) {
+    EXPECT_THAT(read(chain).answer, StartsWith("Usage: "));
+    EXPECT_THAT(read(chain).notRun, HasSubstr("--help: help is for a step alone"));
+    EXPECT_THAT(read(chain).notRun, HasSubstr("./--help"));
+  }
+  const test::TemporaryFolder folder;
+  const std::string script = folder.write("chain.txt", "open --help\n");
+  EXPECT_NE(read({"--script", script}).notRun, "");
+  const std::string empty = folder.write("empty.txt", "\n");
+  EXPECT_NE(read({"--script", empty, "open", "--help"}).notRun, "");
+}
+
+TEST(CommandLine, StandardInputIsOneScriptOnly) {
+  const test::TemporaryFolder folder;
+  const std::string steps = folder.write("steps.txt", "points\n");
+  EXPECT_EQ(
+      test::runShell(std::string(GRAVLIN_BATCH_PROGRAM) + " --script - < '" + steps + "'").status,
+      0);
+  const test::RunResult twice = test::runShell(std::string(GRAVLIN_BATCH_PROGRAM) +
+                                               " --script - --script - < '" + steps + "'");
+  EXPECT_EQ(twice.status, 2);
+  EXPECT_EQ(twice.errors, "gravlin-batch: --script -: standard input can be read only once\n");
+}
+
+TEST(CommandLine, LongOptionListsAndLongChainsAreReadToTheirEnd) {
+  std::vector<std::string> words = {"visualization"};
+  for (int k = 0; k < 1000; ++k) {
+    words.insert(words.end(), {"--line-width", std::to_string(k), "--gray-scale"});
+  }
+  words.push_back("points");
+  EXPECT_THAT(callsOf(words), ElementsAre("visualization lineWidth=999 grayScale=1", "points"));
+  words.back() = "--point-size";
+  EXPECT_THAT(refusalOf(words), StartsWith("visualization: --point-size"));
+  words.back() = "--colour";
+  EXPECT_EQ(refusalOf(words), "visualization: unknown option --colour");
+}
+
+// Twice as many words take about twice as long; where every step copied all that follow it, these
+// would be ten thousand million copies.
+TEST(CommandLine, AChainOfAHundredThousandStepsOnOneLineIsReadAtOnce) {
+  const std::vector<std::string> words(100000, "points");
+  EXPECT_EQ(read(words).calls.size(), words.size());
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sstream>
 
+#include "batch/Dump.h"
 #include "batch/Help.h"
 #include "batch/Session.h"
 
@@ -62,6 +64,33 @@ TEST(Help, OfAStepReadsWell) {
               "          Point size: 0 to 100 (default 3)\n"
               "  --[no-]gray-scale\n"
               "          Gray-Scale (default --no-gray-scale)\n");
+  }
+}
+
+const Step& stepCalled(std::string_view name) {
+  const auto steps = allSteps();
+  return *std::find_if(steps.begin(), steps.end(),
+                       [&](const Step& step) { return step.name == name; });
+}
+
+TEST(Help, TellsThatAComboBoxTakesAnyTextAndNoOtherStepDoes) {
+  for (const Step& step : allSteps()) {
+    if (step.form == nullptr) continue;
+    const bool expected = step.name == "smooth-shape" || step.name == "subdivision";
+    EXPECT_EQ(helpText(step).find("\n  --any-text\n") != std::string::npos, expected) << step.name;
+  }
+  EXPECT_THAT(manPage(), HasSubstr("\n.B \\-\\-any\\-text\n"));
+}
+
+TEST(Help, OfDumpListsItsFields) {
+  std::string help = helpText(stepCalled("dump"));
+  std::replace(help.begin(), help.end(), '\n', ' ');  // lines may end anywhere
+  for (const std::string_view name : dumpFieldNames()) {
+    for (const std::string& text : {help, manPage()}) {
+      EXPECT_TRUE(text.find(" " + std::string(name) + ",") != std::string::npos ||
+                  text.find(" " + std::string(name) + ".") != std::string::npos)
+          << name;
+    }
   }
 }
 

@@ -68,6 +68,45 @@ TEST_F(Program, RefusesAValueOutsideItsRangeBeforeTheFirstStepRuns) {
   EXPECT_FALSE(exists("out.ply2"));
 }
 
+TEST_F(Program, RefusesAMethodThatIsNoEntryBeforeTheFirstStepRunsAndNamesTheEntries) {
+  const std::string save = "open " + mesh + " save " + in("out.ply2") + " ";
+  for (const auto& [step, entries] :
+       {std::pair<std::string, std::vector<std::string>>{
+            "subdivision", {"\"Loop\"", "\"Modified butterfly\"", "\"Linear\""}},
+        {"smooth-shape", {"\"Laplacian Flow\"", "\"Bilaplacian (Kobbelt)\""}}}) {
+    for (const std::string prefix : {"", "preset "}) {
+      const test::RunResult result = run(save + prefix + step + " --method linear");
+      EXPECT_EQ(result.status, 2);
+      EXPECT_THAT(result.errors, StartsWith("gravlin-batch: " + step + " --method: "));
+      EXPECT_THAT(result.errors, HasSubstr("\"linear\""));
+      EXPECT_THAT(result.errors, HasSubstr("--any-text"));
+      for (const std::string& entry : entries) EXPECT_THAT(result.errors, HasSubstr(entry));
+      EXPECT_FALSE(exists("out.ply2"));
+    }
+  }
+  EXPECT_EQ(run(save + "noise --any-text").status, 2) << "it has no list of entries";
+}
+
+// A quarter of each face: 2 faces become 8, and a method that does not exist smooths nothing.
+TEST_F(Program, PassesAnyTextOnAsTypedIntoTheDialogWhenToldTo) {
+  const auto dumped = [&](const std::string& chain) {
+    const test::RunResult result =
+        run("open " + mesh + " " + chain + " dump - --fields faceCount,vertices");
+    EXPECT_EQ(result.status, 0) << result.errors;
+    return result;
+  };
+  const std::string linear = dumped("subdivision --method Linear").output;
+  EXPECT_EQ(json::parse(linear)["faceCount"], 8);
+  EXPECT_EQ(dumped("subdivision --any-text --method linear").output, linear);
+  EXPECT_EQ(dumped("preset subdivision --any-text --method '' subdivision").output, linear);
+  EXPECT_EQ(dumped("subdivision --any-text --method Linear").output, linear);
+  const std::string rough = "subdivision noise ";
+  const test::RunResult smoothed = dumped(rough + "smooth-shape --any-text --method 'no flow'");
+  EXPECT_EQ(smoothed.output, dumped(rough).output);
+  EXPECT_THAT(smoothed.errors, HasSubstr("No method is called \"no flow\""));
+  EXPECT_NE(dumped(rough + "smooth-shape").output, smoothed.output);
+}
+
 TEST_F(Program, RefusesWhatItDoesNotUnderstandBeforeTheFirstStepRuns) {
   const std::string save = "open " + mesh + " save " + in("out.ply2") + " ";
   for (const auto& [words, reason] :
@@ -79,7 +118,8 @@ TEST_F(Program, RefusesWhatItDoesNotUnderstandBeforeTheFirstStepRuns) {
         {"preset visualization --point-size x", "visualization --point-size: Enter a number."},
         {"camera --translate 1,2", "camera --translate: Enter three numbers"},
         {"pick 3 top", "pick top: Enter an integer."},
-        {"dump x.json --fields vertices,colour", "dump --fields: there is no field 'colour'."}}) {
+        {"dump x.json --fields vertices,colour",
+         "dump --fields: there is no field 'colour'. The fields are vertexCount, "}}) {
     const test::RunResult result = run(save + words);
     EXPECT_EQ(result.status, 2) << words;
     EXPECT_THAT(result.errors, StartsWith("gravlin-batch: ")) << words;
@@ -300,6 +340,74 @@ TEST_F(Program, HelpGoesToStandardOutputAndSucceeds) {
   EXPECT_THAT(one.output, HasSubstr("--line-width X"));
   EXPECT_THAT(one.output, HasSubstr("0 to 100"));
   EXPECT_THAT(run("--version").output, StartsWith("gravlin-batch "));
+}
+
+TEST_F(Program, AnAnswerThatCannotBeWrittenIsAFailure) {
+  for (const std::string option : {"--help", "--version", "--man", "visualization --help"}) {
+    const test::RunResult result = run(option + " > /dev/full");
+    EXPECT_EQ(result.status, 1) << option;
+    EXPECT_EQ(result.errors, "gravlin-batch: Standard output could not be written.\n") << option;
+  }
+}
+
+TEST_F(Program, HelpInsideAChainIsPrintedAndTellsThatNothingWasRun) {
+  const test::RunResult result = run("open --help save " + in("out.ply2"));
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.output, StartsWith("Usage: gravlin-batch ... open FILE"));
+  EXPECT_THAT(result.errors, HasSubstr("nothing was run"));
+  EXPECT_FALSE(exists("out.ply2"));
+  EXPECT_EQ(run("open --help").status, 0);
+}
+
+TEST_F(Program, NamesThatBeginWithAHyphenAreFilesBehindTheSeparator) {
+  const test::RunResult result = test::runShell(
+      "cd " + in("") + " && " + program +
+      " open square.ply2 save -- -y.ply2 open ./-y.ply2 dump -- --fields save -- --script.ply2"
+      " open -- --script.ply2 save ./--help dump -- --script");
+  EXPECT_EQ(result.status, 0) << result.errors;
+  for (const char* name : {"-y.ply2", "--fields", "--help.ply2", "--script"}) {
+    EXPECT_TRUE(exists(name)) << name;
+  }
+}
+
+TEST_F(Program, ShowsControlCharactersOfFileNamesEscaped) {
+  const std::string name = "'" + folder.file("a\x1b[31m\nb.ply2") + "'";
+  const test::RunResult missing = run("open " + name);
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_THAT(missing.errors, HasSubstr(R"(a\x1b[31m\nb.ply2: )"));
+  EXPECT_EQ(std::count(missing.errors.begin(), missing.errors.end(), '\n'), 1);
+  const std::string lines = "'" + folder.file("l\x1b\n.obj") + "'";
+  const test::RunResult written =
+      run("open " + mesh + " face-angle --threshold-mode angle export-lines " + lines);
+  EXPECT_EQ(written.status, 0);
+  EXPECT_THAT(written.errors, HasSubstr(R"(l\x1b\n.obj.)"));
+  EXPECT_TRUE(exists("l\x1b\n.obj"));
+  EXPECT_THAT(run("'frob\x1b'").errors, HasSubstr(R"(unknown step frob\x1b)"));
+}
+
+// A picture over a file, a link and a device, none of which can take all of it.
+TEST_F(Program, AFailedPictureLeavesWhatWasThere) {
+  namespace fs = std::filesystem;
+  folder.write("old.png", "old");
+  fs::create_symlink("/dev/full", folder.file("full.png"));
+  fs::create_symlink("old.png", folder.file("link.png"));
+  for (const std::string step : {"render ", "render-histogram "}) {
+    const test::RunResult full = run(step + in("full.png"));
+    EXPECT_EQ(full.status, 1);
+    EXPECT_EQ(full.errors, "gravlin-batch: Cannot write " + folder.file("full.png") +
+                               ": No space left on device.\n");
+    EXPECT_TRUE(fs::is_symlink(folder.file("full.png")));
+    const test::RunResult large =
+        test::runShell("trap '' XFSZ; ulimit -f 1; " + std::string(program) + " " + step +
+                       in("link.png") + " --size 2000x1500");
+    EXPECT_EQ(large.status, 1) << large.errors;
+    EXPECT_THAT(large.errors, HasSubstr("File too large"));
+    EXPECT_EQ(test::contentOf(folder.file("old.png")), "old");
+  }
+  EXPECT_EQ(folder.entryCount(), 4);
+  EXPECT_EQ(run("render " + in("link.png")).status, 0);
+  EXPECT_TRUE(fs::is_symlink(folder.file("link.png")));
+  EXPECT_EQ(readPng(folder.file("old.png")).width, 800);
 }
 
 TEST_F(Program, NeedsNeitherADisplayNorItsLibraries) {

@@ -64,6 +64,7 @@ class ChainMaker {
       if (std::holds_alternative<bool*>(field.value)) {
         words.push_back((below(2) == 0 ? "--" : "--no-") + name);
       } else if (const std::optional<std::string> text = valueOf(step, field, session)) {
+        if (isComboBox(field)) words.push_back(anyTextOption);
         words.push_back("--" + name);
         words.push_back(*text);
       }
