@@ -5,6 +5,8 @@
 #include <cstring>
 #include <sys/stat.h>
 
+#include "numeric/AvailableMemory.h"
+
 namespace gravlin {
 namespace {
 
@@ -16,6 +18,13 @@ std::size_t expectedSize(std::FILE* stream) {
   return static_cast<std::size_t>(status.st_size);
 }
 
+/// A pipe may never end, and a file may have a size that nothing has been written to.
+std::unique_ptr<char[]> room(std::size_t size) {
+  constexpr std::size_t harmless = std::size_t{64} << 20;
+  if (size > harmless) requireMemory(size);
+  return std::make_unique_for_overwrite<char[]>(size);
+}
+
 }  // namespace
 
 StreamText readToEnd(std::FILE* stream) {
@@ -23,14 +32,14 @@ StreamText readToEnd(std::FILE* stream) {
   // One character more than expected lets the first read find the end; one is for the NUL.
   std::size_t capacity = std::max(leastCapacity, expectedSize(stream) + 2);
   StreamText text;
-  text.characters = std::make_unique_for_overwrite<char[]>(capacity);
+  text.characters = room(capacity);
   while (true) {
     errno = 0;
-    const std::size_t room = capacity - 1 - text.size;
-    const std::size_t count = std::fread(text.characters.get() + text.size, 1, room, stream);
+    const std::size_t space = capacity - 1 - text.size;
+    const std::size_t count = std::fread(text.characters.get() + text.size, 1, space, stream);
     text.size += count;
-    if (count < room) break;
-    auto larger = std::make_unique_for_overwrite<char[]>(2 * capacity);
+    if (count < space) break;
+    auto larger = room(2 * capacity);
     std::memcpy(larger.get(), text.characters.get(), text.size);
     text.characters = std::move(larger);
     capacity *= 2;

@@ -17,7 +17,7 @@ struct StreamText {
 };
 
 /// Reads until the stream ends. A regular file takes one allocation of its size; a pipe is followed
-/// by doubling. Throws std::bad_alloc.
+/// by doubling. Throws std::bad_alloc, also when the memory that is available does not suffice.
 StreamText readToEnd(std::FILE* stream);
 
 }  // namespace gravlin
