@@ -1,7 +1,9 @@
 #include "features/LineExport.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <utility>
 
@@ -39,15 +41,44 @@ struct LineVertices {
   }
 };
 
-void appendPosition(std::string& text, const TriangleMesh& mesh, int vertex) {
+/// A position in the units of the file.
+std::array<float, 3> positionInFile(const TriangleMesh& mesh, int vertex) {
   const Vec3 centre = 0.5 * (loadVec3(mesh.boxMin.data()) + loadVec3(mesh.boxMax.data()));
   const Vec3 p = centre + mesh.position(vertex) * mesh.extentTolerance;
-  append(text, static_cast<float>(p.x));
+  return {static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)};
+}
+
+void appendPosition(std::string& text, const TriangleMesh& mesh, int vertex) {
+  const auto [x, y, z] = positionInFile(mesh, vertex);
+  append(text, x);
   text += ' ';
-  append(text, static_cast<float>(p.y));
+  append(text, y);
   text += ' ';
-  append(text, static_cast<float>(p.z));
+  append(text, z);
   text += '\n';
+}
+
+/// The parts of a line that run through finite positions: a program that reads the lines has no use
+/// for others, or fails at them. A closed line that is broken begins behind the first break.
+std::vector<Polyline> finiteParts(const TriangleMesh& mesh, Polyline line) {
+  const auto isBroken = [&mesh](int v) {
+    const auto [x, y, z] = positionInFile(mesh, v);
+    return !std::isfinite(x) || !std::isfinite(y) || !std::isfinite(z);
+  };
+  std::vector<int>& vertices = line.vertices;
+  const auto firstBreak = std::find_if(vertices.begin(), vertices.end(), isBroken);
+  std::vector<Polyline> parts;
+  if (firstBreak == vertices.end()) {
+    parts.push_back(std::move(line));
+    return parts;
+  }
+  if (line.closed) std::rotate(vertices.begin(), firstBreak, vertices.end());
+  for (auto start = vertices.begin(); start != vertices.end();) {
+    const auto end = std::find_if(start, vertices.end(), isBroken);
+    if (end - start > 1) parts.push_back({.vertices = {start, end}, .closed = false});
+    start = std::find_if_not(end, vertices.end(), isBroken);
+  }
+  return parts;
 }
 
 /// Calls `visit` for each vertex of a line in order; a closed line comes back to its first.
@@ -72,9 +103,11 @@ double meanCurvatureAlong(const TriangleMesh& mesh, const Polyline& line,
 
 void addLines(const TriangleMesh& mesh, std::vector<Polyline> polylines, int kind,
               const std::vector<double>& curvature, std::vector<ExportedLine>& lines) {
-  for (Polyline& line : polylines) {
-    const double mean = meanCurvatureAlong(mesh, line, curvature);
-    lines.push_back({kindNames[static_cast<std::size_t>(kind)], kind, std::move(line), mean});
+  for (Polyline& polyline : polylines) {
+    for (Polyline& part : finiteParts(mesh, std::move(polyline))) {
+      const double mean = meanCurvatureAlong(mesh, part, curvature);
+      lines.push_back({kindNames[static_cast<std::size_t>(kind)], kind, std::move(part), mean});
+    }
   }
 }
 

@@ -33,10 +33,12 @@ struct LinesToDraw {
 /// What the links of a mesh stand for.
 enum class LineOrigin { RidgesAndValleys, Creases };
 
-/// The chained ridge lines, then the chained valley lines of a mesh.
+/// The chained ridge lines, then the chained valley lines of a mesh. Where a position is not
+/// finite, in memory or in the file's units, a line is broken, and parts of one vertex are left
+/// out.
 std::vector<ExportedLine> linesToExport(const TriangleMesh& mesh, LineOrigin origin);
 
-/// The lines of a pen drawing, ridges first.
+/// The lines of a pen drawing, ridges first, broken in the same way.
 std::vector<ExportedLine> linesToExport(const TriangleMesh& mesh, const SilhouetteLines& drawing);
 
 /// The lines as Wavefront text: one "v" record per line vertex, one "l" record per line, a group

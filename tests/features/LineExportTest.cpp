@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <limits>
 
 #include "features/LineExport.h"
 #include "features/LinkGrowth.h"
@@ -44,6 +45,39 @@ TEST(LineExport, LinesOfTheCreaseDetectionAreConvexAndConcaveCreases) {
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_EQ(lines[0].kind, "convex_crease");
   EXPECT_EQ(lines[1].kind, "concave_crease");
+}
+
+// A hexagon of ridges around, and a valley through vertices 0 2 4 6 8 of a row beside it.
+TEST(LineExport, LinesBreakAtPositionsThatAreNotFinite) {
+  TriangleMesh mesh = test::twoTriangles();
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  mesh.vertices.clear();
+  for (int v = 0; v < 12; ++v) {
+    for (const float x : {static_cast<float>(v), 0.0F, 0.0F}) mesh.vertices.push_back(x);
+  }
+  mesh.vertexCount = 12;
+  mesh.boxMin = mesh.boxMax = {0.0F, 0.0F, 0.0F};
+  mesh.extentTolerance = 1.0;
+  test::prepareLines(mesh, 3.0, -1.0);
+  for (int v = 0; v < 6; ++v) link(mesh.ridgeLinks, v, (v + 1) % 6);
+  for (int v = 6; v < 11; ++v) link(mesh.valleyLinks, v, v + 1);
+  mesh.vertices[3 * 2 + 1] = nan;                                      // in the ring
+  mesh.vertices[3 * 7 + 2] = -std::numeric_limits<float>::infinity();  // leaves vertex 6 alone
+  mesh.vertices[3 * 9] = std::numeric_limits<float>::max();            // finite in memory only
+  mesh.extentTolerance = 2.0;
+  const auto lines = linesToExport(mesh, LineOrigin::RidgesAndValleys);
+  ASSERT_EQ(lines.size(), 2U);
+  EXPECT_EQ(lines[0].line, (Polyline{{3, 4, 5, 0, 1}, false}));
+  EXPECT_EQ(lines[1].line, (Polyline{{10, 11}, false}));
+  for (const std::string& text : {linesAsObj(mesh, lines), linesAsVtk(mesh, lines)}) {
+    EXPECT_EQ(text.find("nan"), std::string::npos) << text;
+    EXPECT_EQ(text.find("inf"), std::string::npos) << text;
+  }
+  const SilhouetteLines drawing = {{{{0, 1, 2, 3}, false}}, {{{6, 7, 8}, true}}};
+  const auto penned = linesToExport(mesh, drawing);
+  ASSERT_EQ(penned.size(), 2U);
+  EXPECT_EQ(penned[0].line, (Polyline{{0, 1}, false}));
+  EXPECT_EQ(penned[1].line, (Polyline{{8, 6}, false})) << "across the former end";
 }
 
 TEST(LineExport, WithoutLinesTheFilesAreEmptyButValid) {
