@@ -2,6 +2,8 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
 
 #include "doc/dialogs/CMessageDlg.h"
 #include "doc/dialogs/ParameterDialog.h"
@@ -75,6 +77,20 @@ std::optional<std::string> DesktopOutside::chooseFile(FileDialog kind) {
 void DesktopOutside::showMessage(const std::string& text) {
   const CommandDialog waiting(desktop.lock);
   CMessageDlg(printable(text), desktop.window).exec();
+}
+
+bool DesktopOutside::confirm(const Question& question) {
+  const CommandDialog waiting(desktop.lock);
+  QMessageBox box(QMessageBox::Warning, "Gravlin", toQString(question.text), QMessageBox::Cancel,
+                  desktop.window);
+  box.setObjectName("question");
+  box.setTextFormat(Qt::PlainText);  // names of files may hold anything
+  QPushButton* goOn = box.addButton(toQString(question.goOn), QMessageBox::AcceptRole);
+  goOn->setObjectName("goOn");
+  box.setDefaultButton(QMessageBox::Cancel);
+  box.setEscapeButton(QMessageBox::Cancel);
+  box.exec();
+  return box.clickedButton() == goOn;
 }
 
 void DesktopOutside::showStatus(const std::string& sentence) {

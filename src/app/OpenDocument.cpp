@@ -97,12 +97,16 @@ void OpenDocument::holdViews(bool held) {
   for (CGravlinView* view : outside.views) view->hold(held);
 }
 
-/// Tells the desktop about the file last asked for, if the document has taken it.
+/// Tells the desktop about the file last asked for, if the document has taken it. One of which
+/// nothing was read is not offered again.
 void OpenDocument::noteFile() {
+  if (document.path.empty()) outside.currentFile.clear();
   const QString asked = std::exchange(outside.chosenFile, QString());
   if (asked.isEmpty() || toPath(asked) != document.path) return;
   outside.currentFile = asked;
-  desktop.fileUsed(asked);
+  const MeshOrigin& origin = document.meshOrigin;
+  const bool unreadable = origin.extent == ReadExtent::Nothing && origin.path == document.path;
+  if (!unreadable) desktop.fileUsed(asked);
 }
 
 bool OpenDocument::mayDropChanges() {

@@ -46,6 +46,12 @@ void BatchOutside::showMessage(const std::string& text) {
   failed = true;
 }
 
+/// Nobody is there who could be asked.
+bool BatchOutside::confirm(const Question& question) {
+  showMessage(question.refusal);
+  return false;
+}
+
 void BatchOutside::showStatus(const std::string& sentence) {
   if (!sentence.empty()) say(sentence);
 }

@@ -236,6 +236,7 @@ void runDump(Session& session, const StepCall& call) {
     }
     return;
   }
+  session.keepMeshFile(path);
   SafeFile file(path);
   if (file.stream() != nullptr)
     dump({session.document, session.view, session.outside.histogram}, fields, file.stream());

@@ -63,6 +63,12 @@ struct Session {
     outside.attach(&document);
   }
 
+  /// Before a step writes something that is no mesh. Throws StepFailure when the file there is the
+  /// one that the mesh was opened from or saved to, by whatever name.
+  void keepMeshFile(const std::string& path) const {
+    if (std::string loss = document.lossByOverwriting(path); !loss.empty()) throw StepFailure(loss);
+  }
+
   BatchStreams streams;
   ViewState view;
   BatchOutside outside;

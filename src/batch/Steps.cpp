@@ -7,7 +7,6 @@
 #include "batch/Step.h"
 #include "batch/ViewSteps.h"
 #include "doc/CommandTable.h"
-#include "mesh/MeshReader.h"
 
 namespace gravlin {
 namespace {
@@ -28,12 +27,9 @@ std::string menuPathOf(const Command& row) {
 }
 
 /// A window shows the empty mesh of a file that it could make nothing of; a chain ends there, so
-/// that no later step takes it for the mesh. An extension without a reader is no such file: the
-/// mesh is meant to be empty then.
-void endAtUnreadableFile(Session& session, const std::string& path) {
-  const bool unreadable =
-      session.document.readExtent == ReadExtent::Nothing && hasReader(extensionOf(path));
-  if (unreadable) session.outside.failed = true;
+/// that no later step takes it for the mesh.
+void endAtUnreadableFile(Session& session) {
+  if (session.document.meshOrigin.extent == ReadExtent::Nothing) session.outside.failed = true;
 }
 
 Step stepOf(const Command& row) {
@@ -53,7 +49,7 @@ Step stepOf(const Command& row) {
     }
     (session.document.*row.handler)();
     session.outside.forgetAnswers();
-    if (row.file == FileDialog::Open) endAtUnreadableFile(session, call.operands[0]);
+    if (row.file == FileDialog::Open) endAtUnreadableFile(session);
   };
   return step;
 }

@@ -66,6 +66,7 @@ void checkPictureFile(const StepCall& call) {
 void runRender(Session& session, const StepCall& call) {
   RenderParameters render;
   applySettings(render.form(), call.settings);
+  session.keepMeshFile(call.operands[0]);
   try {
     if (!session.picture) session.picture = std::make_unique<Picture>();
     const DrawTarget target = {.size = sizeOf(render.size), .overlay = render.overlay};
@@ -78,6 +79,7 @@ void runRender(Session& session, const StepCall& call) {
 void runRenderHistogram(Session& session, const StepCall& call) {
   RenderHistogramParameters render;
   applySettings(render.form(), call.settings);
+  session.keepMeshFile(call.operands[0]);
   try {
     writePng(drawHistogram(session.outside.histogram, sizeOf(render.size)), call.operands[0]);
   } catch (const std::runtime_error& error) {

@@ -108,18 +108,26 @@ void CGravlinDoc::keepUndoCopy() {
 void CGravlinDoc::keepUndoCopy(std::unique_ptr<TriangleMesh> copy) {
   undoMesh = std::move(copy);
   undoIsModified = std::exchange(modified, true);
+  undoOrigin = meshOrigin;
 }
 
 void CGravlinDoc::OnEditUndo() {
   if (!undoMesh) return;
   replaceMesh(std::move(undoMesh));
   modified = undoIsModified;
+  const std::string openedPath = std::exchange(meshOrigin, undoOrigin).path;
+  const bool ofAnotherFile = openedPath != meshOrigin.path;
+  if (ofAnotherFile) path.clear();
   currentMesh->buildAdjacency();
   currentMesh->buildFaceAdjacency();
   needsRecompute = true;
   if (displayMode == FeatureLines) displayMode = FlatShading;
   redraw();
-  outside.showStatus("");  // what it told was about the shape that is gone
+  // What the status bar told was about the shape that is gone.
+  outside.showStatus(ofAnotherFile
+                         ? "Undo has brought back the shape from before " + fileNameOf(openedPath) +
+                               " was opened; choose a name to save it."
+                         : "");
   tellOfNonFinitePositions();
 }
 

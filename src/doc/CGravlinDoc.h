@@ -31,6 +31,15 @@
 
 namespace gravlin {
 
+/// The file that a shape was read from, and what is missing of it since.
+struct MeshOrigin {
+  std::string path;                       ///< empty for a mesh without a file
+  ReadExtent extent = ReadExtent::Whole;  ///< how much of the file was read
+  /// How far positions in memory may lie from those of the file, in its units, by what `normalize`
+  /// has lost since; see PositionLoss.h. What commands change on purpose is no part of it.
+  double positionLoss = 0.0;
+};
+
 /// One open document: the current mesh, one undo copy, the values that the dialogs remember, and a
 /// handler for every menu command. Knows nothing of windows; see Outside.
 ///
@@ -48,11 +57,12 @@ class CGravlinDoc {
   int displayMode = FlatShading;           ///< a DisplayMode
   bool needsRecompute = false;             ///< derived data is stale; redraw clears it
   std::uint64_t revision =
-      0;                   ///< raised by every redraw: whatever is cached of an older one is stale
-  bool modified = false;   ///< the geometry changed since it was opened or saved
-  std::string path;        ///< the file last opened or saved; empty for a new document
-  std::string openedPath;  ///< the file last opened
-  ReadExtent readExtent = ReadExtent::Whole;  ///< how much of that file was read
+      0;                  ///< raised by every redraw: whatever is cached of an older one is stale
+  bool modified = false;  ///< the geometry changed since it was opened or saved
+  /// The file last opened or saved. Empty for a new document, and when Undo has brought back the
+  /// shape of another file than the one last opened.
+  std::string path;
+  MeshOrigin meshOrigin;  ///< of the current mesh
 
   bool showsColourLegend = false;  ///< the scale's values beside a picture that has colours of it
 
@@ -146,7 +156,16 @@ class CGravlinDoc {
   /// Writes the current mesh; a name without an extension gets ".ply2". On failure the old file
   /// stands, a message is shown, and the result is false. So it is with the file that the mesh came
   /// from when writing would lose what this file alone holds.
+  ///
+  /// Asks before a file with content becomes empty because nothing writes its extension, and before
+  /// the file last opened or saved is replaced by one whose positions lie more than 1e-5 of the
+  /// mesh's extent from those stored: those of the present shape, exactly as they are in memory,
+  /// plus what `meshOrigin.positionLoss` says of them. Where a file becomes empty the result is
+  /// false.
   bool saveFile(const std::string& filePath);
+  /// Why something that is no mesh may not be written under this name, as a sentence: the mesh was
+  /// opened from or saved to the file that is there. Empty when it may.
+  std::string lossByOverwriting(const std::string& filePath) const;
   /// Writes the feature lines of the current mesh, which must exist, as .obj, .vtk or .svg. When
   /// none were looked for, and on failure, the old file stands, a message is shown, and the result
   /// is false. When none were found the file has none.
@@ -180,8 +199,15 @@ class CGravlinDoc {
   void replaceMesh(std::unique_ptr<TriangleMesh> mesh);
   /// Forgets the lines that the document keeps beside those of the mesh.
   void dropLines();
+  /// Whether the name leads to the file last opened or saved, and that is not empty.
+  bool holdsItsMesh(const std::string& filePath) const;
   /// Why saving under this name would lose what only the file there holds; empty when it would not.
   std::string lossBySaving(const std::string& filePath) const;
+  /// How far a file would lie from the positions stored, and why, as a part of a sentence; empty
+  /// when it is not worth a word.
+  std::string shiftBySaving() const;
+  bool saveNothing(const std::string& filePath);
+  void noteSaved(const SaveResult& saved, const std::string& shift);
   bool hasMeshToSave();  ///< shows a message when there is none
   std::unique_ptr<TriangleMesh> geometryCopy() const;
   void bringBack(TriangleMesh* before);
@@ -199,6 +225,7 @@ class CGravlinDoc {
 
   Outside& outside;
   bool tellsOfShape = false;   ///< the status bar has a sentence that ends with the shape
+  MeshOrigin undoOrigin;       ///< of the undo copy
   bool undoIsModified = true;  ///< what `modified` becomes when the undo copy comes back
 };
 

@@ -5,6 +5,7 @@
 #include "doc/CGravlinDoc.h"
 #include "features/LineExport.h"
 #include "mesh/MeshFile.h"
+#include "mesh/MeshMeasures.h"
 #include "mesh/SafeFile.h"
 
 namespace gravlin {
@@ -17,6 +18,10 @@ void CGravlinDoc::OnExportLines() {
 
 bool CGravlinDoc::exportLines(const std::string& filePath) {
   const TriangleMesh& mesh = *currentMesh;
+  if (const std::string loss = lossByOverwriting(filePath); !loss.empty()) {
+    outside.showMessage(loss);
+    return false;
+  }
   if (linesFrom == LinesFrom::Nothing && mesh.ridgeLinks.empty() && mesh.valleyLinks.empty()) {
     outside.showMessage(
         "There are no lines to export yet. Edit > Edge Detection finds some: Face Angle, or Local "
@@ -48,12 +53,14 @@ bool CGravlinDoc::exportLines(const std::string& filePath) {
                         ".");
     return false;
   }
+  const std::string broken =
+      countNonFiniteVertices(mesh) == 0 ? "" : " Positions that are not finite are left out.";
   if (lines.empty()) {
-    outside.showStatus("No lines were found on this mesh; " + filePath + " holds none.");
+    outside.showStatus("No lines were found on this mesh; " + filePath + " holds none." + broken);
     return true;
   }
   const std::string count = std::to_string(lines.size()) + (lines.size() == 1 ? " line" : " lines");
-  outside.showStatus(count + " written to " + filePath + ".");
+  outside.showStatus(count + " written to " + filePath + "." + broken);
   return true;
 }
 

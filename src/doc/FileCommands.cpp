@@ -6,6 +6,7 @@
 #include "doc/CGravlinDoc.h"
 #include "mesh/MeshMeasures.h"
 #include "mesh/MeshWriter.h"
+#include "mesh/PositionLoss.h"
 
 namespace gravlin {
 namespace {
@@ -20,6 +21,14 @@ bool isEmptyFile(const std::string& path) {
   std::error_code error;
   return std::filesystem::file_size(path, error) == 0 && !error;
 }
+
+/// Whether a regular file is there that is not empty.
+bool holdsSomething(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(path, error) && !isEmptyFile(path);
+}
+
+constexpr const char* namesToSave = "a name that ends in .ply2 or .plyR";
 
 }  // namespace
 
@@ -37,8 +46,7 @@ bool CGravlinDoc::openFile(const std::string& filePath) {
   }
   replaceMesh(std::move(opened.mesh));
   path = filePath;
-  openedPath = filePath;
-  readExtent = opened.extent;
+  meshOrigin = {filePath, opened.extent, opened.positionLoss};
   modified = false;
   undoIsModified = true;   // what is kept for undo belongs to another file
   needsRecompute = false;  // both normals came with the mesh
@@ -60,10 +68,22 @@ bool CGravlinDoc::hasMeshToSave() {
   return currentMesh != nullptr;
 }
 
+bool CGravlinDoc::holdsItsMesh(const std::string& filePath) const {
+  return (isSameFile(filePath, meshOrigin.path) || isSameFile(filePath, path)) &&
+         !isEmptyFile(filePath);
+}
+
+std::string CGravlinDoc::lossByOverwriting(const std::string& filePath) const {
+  if (!currentMesh || !holdsItsMesh(filePath)) return {};
+  return "Cannot write " + filePath + ": the mesh was " +
+         (isSameFile(filePath, meshOrigin.path) ? "opened from" : "saved to") +
+         " it and would be lost there. Choose another name.";
+}
+
 std::string CGravlinDoc::lossBySaving(const std::string& filePath) const {
   const std::string target = pathToSave(filePath);
-  const bool wasOpened = isSameFile(target, openedPath);
-  if ((!wasOpened && !isSameFile(target, path)) || isEmptyFile(target)) return {};
+  if (!holdsItsMesh(target)) return {};
+  const bool wasOpened = isSameFile(target, meshOrigin.path);
   const std::string extension = extensionOf(target);
   if (wasOpened && !hasWriter(extension)) {
     return "the mesh was opened from it, and the extension \"" + extension +
@@ -75,16 +95,36 @@ std::string CGravlinDoc::lossBySaving(const std::string& filePath) const {
   if (currentMesh->vertexCount > 0 && currentMesh->countUsedVertices() == 0) {
     return "no face uses any of the vertices, and such are left out, so all would be lost";
   }
-  if (!wasOpened || readExtent == ReadExtent::Whole) return {};
+  if (!wasOpened || meshOrigin.extent == ReadExtent::Whole) return {};
   return "not all of it could be read, and what is missing in the mesh would be lost";
 }
 
-bool CGravlinDoc::saveFile(const std::string& filePath) {
-  if (!hasMeshToSave()) return false;
-  const std::string loss = lossBySaving(filePath);
-  if (!loss.empty()) {
-    outside.showMessage("Cannot save " + pathToSave(filePath) + ": " + loss +
-                        ". Save under another name that ends in .ply2 or .plyR.");
+std::string CGravlinDoc::shiftBySaving() const {
+  constexpr double negligible = 1e-5;  // of the extent
+  const std::optional<WritingLoss> writing = lossByWriting(*currentMesh);
+  if (!writing) return {};
+  const double shift = meshOrigin.positionLoss + writing->largest;
+  if (!(shift > negligible * writing->extent)) return {};
+  std::string text = "by up to " + lossText(shift);
+  if (writing->extent > 0.0) {
+    text += ", " + lossText(100.0 * shift / writing->extent) + " % of the extent of the mesh";
+  }
+  // Half of the last decimal, and a little for the rounding before.
+  constexpr double lossOfDecimals = 0.6e-6;
+  if (meshOrigin.positionLoss > writing->largest) return text + ", since its box was not measured";
+  if (writing->largest < lossOfDecimals) return text + ", since files hold six decimals";
+  return text + ", since numbers have seven digits and it lies far from the origin";
+}
+
+/// Under a name that nothing writes: a new file is made, and has nothing in it.
+bool CGravlinDoc::saveNothing(const std::string& filePath) {
+  const std::string extension = extensionOf(filePath);
+  const std::string loss = "Save writes no ." + extension + " files: the file would be left empty.";
+  const bool asks = holdsSomething(filePath);
+  if (asks && !outside.confirm({.text = loss,
+                                .goOn = "Empty the File",
+                                .refusal = filePath + " stays as it is. " + loss + " Choose " +
+                                           namesToSave + "."})) {
     return false;
   }
   const SaveResult saved = saveMeshFile(filePath, *currentMesh);
@@ -92,19 +132,66 @@ bool CGravlinDoc::saveFile(const std::string& filePath) {
     outside.showMessage(saved.error);
     return false;
   }
+  meshOrigin.positionLoss += saved.positionLoss;
+  redraw();
+  const std::string outcome = filePath + " is empty: Save writes no ." + extension +
+                              " files. The mesh is not saved; choose " + namesToSave + ".";
+  if (asks) {
+    outside.showStatus(outcome);
+  } else {
+    outside.showMessage(outcome);
+  }
+  return false;
+}
+
+bool CGravlinDoc::saveFile(const std::string& filePath) {
+  if (!hasMeshToSave()) return false;
+  const std::string target = pathToSave(filePath);
+  const std::string loss = lossBySaving(filePath);
+  if (!loss.empty()) {
+    outside.showMessage("Cannot save " + target + ": " + loss + ". Save under another name, " +
+                        namesToSave + ".");
+    return false;
+  }
+  if (!hasWriter(extensionOf(target))) return saveNothing(target);
+  const std::string shift = shiftBySaving();
+  if (!shift.empty() && holdsItsMesh(target) &&
+      !outside.confirm({.text = "Saving over " + fileNameOf(target) + " moves its vertices " +
+                                shift + ". Another name keeps the file as it is.",
+                        .goOn = "Save",
+                        .refusal = "Cannot save " + target + ": its vertices would move " + shift +
+                                   ". Save under another name."})) {
+    return false;
+  }
+  const SaveResult saved = saveMeshFile(filePath, *currentMesh);
+  if (!saved.error.empty()) {
+    outside.showMessage(saved.error);
+    return false;
+  }
+  noteSaved(saved, shift);
+  return true;
+}
+
+void CGravlinDoc::noteSaved(const SaveResult& saved, const std::string& shift) {
   path = saved.path;
-  if (saved.notice.empty()) {
+  if (isSameFile(path, meshOrigin.path)) {
+    meshOrigin = {meshOrigin.path, ReadExtent::Whole,
+                  0.0};  // it has nothing any more but this mesh
+  }
+  meshOrigin.positionLoss += saved.positionLoss;
+  const bool holdsMesh = saved.notice.empty();
+  if (holdsMesh) {
     modified = false;
     undoIsModified = true;  // the file holds what an undo would leave
   }
   redraw();
-  if (saved.notice.empty()) {
-    outside.showSuccess("Saved " + std::filesystem::path(saved.path).filename().string() + ".");
-    tellsOfShape = true;  // the next one is not saved
+  if (!holdsMesh) return outside.showStatus(saved.notice);
+  if (shift.empty()) {
+    outside.showSuccess("Saved " + fileNameOf(saved.path) + ".");
   } else {
-    outside.showStatus(saved.notice);
+    outside.showStatus("Saved " + saved.path + "; its vertices lie off " + shift + ".");
   }
-  return true;
+  tellsOfShape = true;  // the next one is not saved
 }
 
 }  // namespace gravlin

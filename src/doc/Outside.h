@@ -30,6 +30,13 @@ struct ProgressRange {
   int step;
 };
 
+/// What is asked before a command does something that cannot be taken back.
+struct Question {
+  std::string text;     ///< what would be lost
+  std::string goOn;     ///< the words on the button that has it done all the same
+  std::string refusal;  ///< one sentence or two for where nobody can be asked: then it is not done
+};
+
 /// Everything that a document asks of the world around it. The desktop answers with windows, the
 /// batch program with its arguments, tests with a script; so every command is one code path that
 /// runs with and without a window. The "view" is the one the running command was given to.
@@ -44,6 +51,8 @@ class Outside {
   virtual std::optional<std::string> chooseFile(FileDialog kind) = 0;
   /// Shows the "Message" dialog and waits until it is closed.
   virtual void showMessage(const std::string& text) = 0;
+  /// Asks whether to go on, with "no" as what somebody says who only presses Return or Escape.
+  virtual bool confirm(const Question& question) = 0;
   /// One sentence in the status bar.
   virtual void showStatus(const std::string& sentence) = 0;
   /// One sentence in the status bar that only says that all went as it was meant to.

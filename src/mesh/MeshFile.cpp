@@ -11,6 +11,7 @@
 
 #include "mesh/MeshReader.h"
 #include "mesh/MeshWriter.h"
+#include "mesh/PositionLoss.h"
 #include "mesh/SafeFile.h"
 
 namespace gravlin {
@@ -86,23 +87,33 @@ class PlaceGuard {
   bool released = false;
 };
 
-/// Returns what was odd, as writeMesh does.
-std::string save(const std::string& path, TriangleMesh& mesh) {
+/// What writing found.
+struct Written {
+  std::string oddities;  ///< as of writeMesh
+  double positionLoss = 0.0;
+};
+
+Written save(const std::string& path, TriangleMesh& mesh) {
   SafeFile file(path);
   if (file.stream() == nullptr) throw std::runtime_error(file.error());
   PlaceGuard guard(mesh);
   mesh.denormalize();
-  std::string oddities = writeMesh({file.stream(), path, extensionOf(path)}, mesh);
-  mesh.normalize();
+  Written written;
+  written.oddities = writeMesh({file.stream(), path, extensionOf(path)}, mesh);
+  written.positionLoss = normalizeMeasuringLoss(mesh);
   if (!file.commit()) throw std::runtime_error(file.error());
   guard.release();
-  return oddities;
+  return written;
 }
 
 }  // namespace
 
+std::string fileNameOf(const std::string& path) {
+  return path.substr(path.find_last_of('/') + 1);  // all of it without a slash
+}
+
 std::string extensionOf(const std::string& path) {
-  const std::string name = path.substr(path.find_last_of('/') + 1);  // all of it without a slash
+  const std::string name = fileNameOf(path);
   const std::size_t dot = name.find_last_of('.');
   return dot == std::string::npos ? std::string() : name.substr(dot + 1);
 }
@@ -123,6 +134,7 @@ OpenResult openMeshFile(const std::string& path) {
   result.notice =
       sentence(unreadable ? "Nothing was read from " : "Opened ", path, report.oddities);
   result.extent = report.extent;
+  result.positionLoss = report.positionLoss;
   return result;
 }
 
@@ -133,13 +145,14 @@ std::string pathToSave(const std::string& path) {
 SaveResult saveMeshFile(const std::string& path, TriangleMesh& mesh) {
   SaveResult result;
   result.path = pathToSave(path);
-  std::string oddities;
+  Written written;
   const std::string reason = reasonOfFailure([&] {
     if (path.empty() || path.ends_with('/')) throw std::runtime_error("a file name is missing");
-    oddities = save(result.path, mesh);
+    written = save(result.path, mesh);
   });
   result.error = sentence("Cannot save ", result.path, reason);
-  result.notice = sentence("Saved ", result.path, oddities);
+  result.notice = sentence("Saved ", result.path, written.oddities);
+  result.positionLoss = written.positionLoss;
   return result;
 }
 

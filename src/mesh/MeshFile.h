@@ -27,6 +27,9 @@ struct MeshFile {
 /// What follows the last dot of the file name in `path`; empty without a dot.
 std::string extensionOf(const std::string& path);
 
+/// What follows the last slash.
+std::string fileNameOf(const std::string& path);
+
 /// How much of what a file was to hold has been read.
 enum class ReadExtent {
   Whole,
@@ -40,6 +43,7 @@ struct OpenResult {
   std::string error;                   ///< the sentence to show on failure, else empty
   std::string notice;                  ///< what was odd about the file, in one sentence, or empty
   ReadExtent extent = ReadExtent::Whole;
+  double positionLoss = 0.0;  ///< how far positions lie from the file's, see PositionLoss.h
 };
 
 /// Opens and reads a mesh file. Changes nothing but its result.
@@ -50,6 +54,7 @@ struct SaveResult {
   std::string path;    ///< the file that was meant: the path given, with ".ply2" where it was added
   std::string error;   ///< the sentence to show on failure, else empty
   std::string notice;  ///< why the file does not hold the mesh, in one sentence, or empty
+  double positionLoss = 0.0;  ///< what bringing the mesh back from the file's units lost
 };
 
 /// Where a mesh goes that is to be saved under a name: without an extension it gets ".ply2".

@@ -1,6 +1,7 @@
 #include "mesh/MeshReader.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 #include <new>
@@ -11,7 +12,9 @@
 #include <utility>
 #include <vector>
 
+#include "mesh/FaceRecords.h"
 #include "mesh/MeshMeasures.h"
+#include "mesh/PositionLoss.h"
 #include "mesh/Scanner.h"
 #include "mesh/StreamText.h"
 #include "numeric/AvailableMemory.h"
@@ -66,8 +69,8 @@ void requireMemoryFor(int vertexCount, int faceCount) {
 /// Takes the numbers of one file from its text into a mesh and keeps account of what was odd.
 class RecordReader {
  public:
-  RecordReader(std::string_view text, TriangleMesh& destination)
-      : scanner(text), mesh(destination) {}
+  RecordReader(std::string_view fileText, TriangleMesh& destination)
+      : text(fileText), scanner(fileText), mesh(destination) {}
 
   void readData();
   void readPly();
@@ -85,7 +88,8 @@ class RecordReader {
     int vertices = 0;
     int faces = 0;
   };
-  Counts readCounts();
+  Counts readCounts(int numbersPerVertex);
+  void requireRoomFor(const Counts& counts, int numbersPerVertex) const;
   WrittenCount readWrittenCount(const Noun& noun);
   int readCount(const Noun& noun);
   int usable(const WrittenCount& count, const Noun& noun);
@@ -101,6 +105,7 @@ class RecordReader {
   float takeFloat();
   void noteFailureIn(const std::string& record);
 
+  std::string_view text;
   Scanner scanner;
   TriangleMesh& mesh;
   bool failed = false;  ///< a number of the current record could not be read
@@ -114,18 +119,18 @@ class RecordReader {
 
 void RecordReader::readData() {
   const int count = readArrayCount(vertexNoun);
-  requireMemoryFor(count, 0);
+  requireRoomFor({.vertices = count}, 3);
   readVertices(count);
 }
 
 void RecordReader::readPly() {
-  const Counts counts = readCounts();
+  const Counts counts = readCounts(5);
   readVerticesOfFiveNumbers(counts.vertices);
   readFaces(counts.faces);
 }
 
 void RecordReader::readPly2() {
-  const Counts counts = readCounts();
+  const Counts counts = readCounts(3);
   readVertices(counts.vertices);
   readFaces(counts.faces);
 }
@@ -142,12 +147,32 @@ void RecordReader::readPlyR() {
 
 // --- Parts of formats ---
 
-RecordReader::Counts RecordReader::readCounts() {
+RecordReader::Counts RecordReader::readCounts(int numbersPerVertex) {
   Counts counts;
   counts.vertices = readArrayCount(vertexNoun);
   counts.faces = readArrayCount(faceNoun);
-  requireMemoryFor(counts.vertices, counts.faces);
+  requireRoomFor(counts, numbersPerVertex);
   return counts;
+}
+
+/// Lets a few counts at the beginning of a small file not take all memory, be there as much of it
+/// as there may: a number takes a digit and something that ends it.
+void RecordReader::requireRoomFor(const Counts& counts, int numbersPerVertex) const {
+  constexpr std::uint64_t harmless = std::uint64_t{64} << 20;
+  constexpr std::uint64_t bytesOfRecord = 3 * sizeof(float);  // or of three corners
+  constexpr std::uint64_t numbersPerFace = 4;
+  const auto vertices = static_cast<std::uint64_t>(counts.vertices);
+  const auto faces = static_cast<std::uint64_t>(counts.faces);
+  const std::uint64_t numbers =
+      static_cast<std::uint64_t>(numbersPerVertex) * vertices + numbersPerFace * faces;
+  const std::uint64_t left = text.size() - scanner.position();
+  if (left < 2 * numbers && bytesOfRecord * (vertices + faces) > harmless) {
+    const std::string faceText = counts.faces == 0 ? "" : " and " + counted(counts.faces, faceNoun);
+    throw std::length_error("it announces " + counted(counts.vertices, vertexNoun) + faceText +
+                            ", but only " + std::to_string(left) +
+                            (left == 1 ? " byte follows" : " bytes follow"));
+  }
+  requireMemoryFor(counts.vertices, counts.faces);
 }
 
 WrittenCount RecordReader::readWrittenCount(const Noun& noun) {
@@ -209,13 +234,16 @@ void RecordReader::readVerticesOfFiveNumbers(int count) {
 void RecordReader::readFaces(int count) {
   mesh.setFaceCount(count);
   int largerPolygons = 0;
+  FaceRecords records(text, mesh.vertexCount);
   forEachRecord(faceNoun, count, [&](int f) {
     int* c = mesh.faces.data() + 3 * toIndex(f);
+    const std::size_t begin = scanner.position();
     const float corners = takeFloat();  // every face is taken as a triangle all the same
-    if (corners > 3.0F) ++largerPolygons;
     c[0] = takeInt();
     c[1] = takeInt();
     c[2] = takeInt();
+    if (!(corners > 3.0F) || failed) return;
+    if (records.hasMoreCorners({begin, scanner.position(), corners, count - f})) ++largerPolygons;
   });
   if (largerPolygons == 0) return;
   flawed = true;
@@ -292,18 +320,29 @@ std::string joined(const std::vector<std::string>& pieces) {
   return text;
 }
 
+/// "x and z", empty for no axis.
+std::string axisNames(const std::array<bool, 3>& wanted) {
+  std::string names;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    if (!wanted[axis]) continue;
+    if (!names.empty()) names += " and ";
+    names += static_cast<char>('x' + static_cast<char>(axis));
+  }
+  return names;
+}
+
 /// Reads positions, faces and marks.
 ReadReport readRecords(const MeshFile& file, TriangleMesh& mesh) {
   const Reader reader = readerOf(file.extension);
   if (reader == nullptr) {
     return {"the extension \"" + file.extension + "\" has no reader, so the mesh is empty",
-            ReadExtent::Nothing};
+            ReadExtent::Nothing, 0.0};
   }
   const StreamText text = readToEnd(file.stream);
   if (text.errorNumber != 0) throw std::system_error(text.errorNumber, std::generic_category());
   RecordReader records(text.view(), mesh);
   (records.*reader)();
-  return {joined(records.oddities), records.extent()};
+  return {joined(records.oddities), records.extent(), 0.0};
 }
 
 }  // namespace
@@ -321,10 +360,19 @@ ReadReport readMesh(const MeshFile& file, TriangleMesh& mesh) {
   if (nonFinite > 0) {
     add(counted(nonFinite, vertexNoun) + " with a coordinate that is no finite number");
   }
-  mesh.normalize();
+  const std::array<bool, 3> withoutBox = axesWithoutBox(mesh);
+  report.positionLoss = normalizeMeasuringLoss(mesh);
   if (report.oddities.empty() && !hasFiniteShape(mesh)) {
     add("the mesh cannot be scaled to the view, since all of it is at one place or its size is no "
         "finite number");
+  }
+  if (hasFiniteShape(mesh)) {
+    if (const std::string axes = axisNames(withoutBox); !axes.empty()) {
+      add("its box could not be measured along " + axes +
+          ", where coordinates only rise from vertex to vertex or lie beyond 1000000, so the view "
+          "does not fit it and saving may move vertices by up to " +
+          lossText(report.positionLoss));
+    }
   }
   mesh.buildAdjacency();
   mesh.buildFaceAdjacency();

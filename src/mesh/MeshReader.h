@@ -14,6 +14,7 @@ inline constexpr int maxArrayEntries = 500'000'000;
 struct ReadReport {
   std::string oddities;  ///< "the file ended in face 3 of 8"; empty when nothing was odd
   ReadExtent extent = ReadExtent::Whole;
+  double positionLoss = 0.0;  ///< as normalizeMeasuringLoss returns it
 };
 
 /// Whether meshes of this extension can be read.
@@ -24,8 +25,10 @@ bool hasReader(std::string_view extension);
 ///
 /// Numbers are taken as fscanf takes "%d" and "%f" in the "C" locale. One that cannot be read is 0,
 /// a negative count too, and marks out of range are ignored. Throws std::length_error, with the
-/// reason as its text, for counts whose arrays would pass `maxArrayEntries`, std::bad_alloc when
-/// memory does not suffice, and std::system_error when the stream cannot be read.
+/// reason as its text, for counts whose arrays would pass `maxArrayEntries`, and for counts whose
+/// positions and corners would pass 64 MB with fewer than two bytes of text for each number;
+/// std::bad_alloc when memory does not suffice, and std::system_error when the stream cannot be
+/// read.
 ReadReport readMesh(const MeshFile& file, TriangleMesh& mesh);
 
 }  // namespace gravlin

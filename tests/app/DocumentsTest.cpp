@@ -36,6 +36,9 @@ class DocumentsTest : public QObject {
   void saveAsksForAFileLikeSaveAs();
   void aNameWithoutAnExtensionIsSavedAsPly2();
   void saveOffersANameUnderWhichMeshesAreWritten();
+  void aFileIsLeftEmptyOnlyWhenTheUserSaysSo();
+  void aFileWhoseVerticesWouldMoveIsReplacedOnlyWhenTheUserSaysSo();
+  void afterUndoBringsBackAnotherFilesShapeNoNameIsOffered();
   void changesAreMarkedInTheTitleUntilTheyAreSaved();
   void theMainWindowMarksTheChangesOfTheDocumentThatFillsIt();
   void closingAsksAboutChanges();
@@ -44,6 +47,7 @@ class DocumentsTest : public QObject {
   void leavingTheProgramAsksForEveryChangedDocument();
   void aFileDoesNotReplaceChangesUnasked();
   void recentFilesListTheFourLastOnes();
+  void filesThatNothingIsReadFromAreNoRecentFiles();
   void aRecentFileOpensInTheActiveDocument();
   void aRecentFileThatIsGoneLeavesTheList();
   void aDroppedFileIsOpened();
@@ -311,6 +315,81 @@ void DocumentsTest::saveOffersANameUnderWhichMeshesAreWritten() {
   }
 }
 
+/// Saves under the name of a file that is there, which Qt asks about first, and has `answer` deal
+/// with the question that comes then. Returns its text.
+QString saveOver(Program& program, const char* name, std::function<void(QDialog&)> answer) {
+  QString text;
+  std::unique_ptr<NextDialog> replace;
+  std::unique_ptr<NextDialog> question;
+  NextDialog choose("saveFile", [&](QDialog& dialog) {
+    // Qt's own question has no name.
+    replace = std::make_unique<NextDialog>("", [&](QDialog& box) {
+      question = std::make_unique<NextDialog>("question", [&](QDialog& asked) {
+        text = dynamic_cast<QMessageBox&>(asked).text();
+        answer(asked);
+      });
+      press(box, QMessageBox::Yes);
+    });
+    chooseFile(dialog, program.file(name));
+  });
+  program.step("save").trigger();
+  return text;
+}
+
+QByteArray contentOf(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+const auto pressReturn = [](QDialog& box) { QTest::keyClick(&box, Qt::Key_Return); };
+
+void DocumentsTest::aFileIsLeftEmptyOnlyWhenTheUserSaysSo() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  const QString model = program.file("model.obj", "v 1 2 3");
+  QCOMPARE(saveOver(program, "model.obj", pressReturn),
+           "Save writes no .obj files: the file would be left empty.");
+  QCOMPARE(contentOf(model), "v 1 2 3");
+  saveOver(program, "model.obj", [](QDialog& box) { box.reject(); });
+  QCOMPARE(contentOf(model), "v 1 2 3");
+  saveOver(program, "model.obj", [](QDialog& box) { click(box, "goOn"); });
+  QCOMPARE(contentOf(model), "");
+  QCOMPARE(program.opened().title(), "t.ply2");
+}
+
+void DocumentsTest::aFileWhoseVerticesWouldMoveIsReplacedOnlyWhenTheUserSaysSo() {
+  constexpr const char* rising = "4 2\n0.13 0 0\n0.24 2 0\n0.37 0 1\n0.41 1 0\n3 0 1 2\n3 1 2 3\n";
+  Program program;
+  program.open("rising.ply2", rising);
+  QVERIFY(program.status().contains("its box could not be measured"));
+  const QString asked = saveOver(program, "rising.ply2", pressReturn);
+  QVERIFY2(asked.startsWith("Saving over rising.ply2 moves its vertices by up to 0.0"),
+           qPrintable(asked));
+  QCOMPARE(contentOf(program.file("rising.ply2")), rising);
+  saveOver(program, "rising.ply2", [](QDialog& box) { click(box, "goOn"); });
+  QVERIFY(contentOf(program.file("rising.ply2")) != rising);
+}
+
+void DocumentsTest::afterUndoBringsBackAnotherFilesShapeNoNameIsOffered() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  change(program);
+  NextDialog discard("saveChanges", [](QDialog& box) { press(box, QMessageBox::Discard); });
+  program.open("s.ply2", squareText);
+  QVERIFY(discard.answered());
+  program.step("undo").trigger();
+  QVERIFY2(program.status().contains("before s.ply2 was opened"), qPrintable(program.status()));
+  QString name = "none";
+  NextDialog look("saveFile", [&](QDialog& dialog) {
+    name = control<QLineEdit>(dialog, "fileNameEdit").text();
+    dialog.reject();
+  });
+  program.step("save").trigger();
+  QVERIFY(look.answered());
+  QCOMPARE(name, "");
+  QCOMPARE(program.opened().title(), "Gravl1");
+}
+
 void DocumentsTest::changesAreMarkedInTheTitleUntilTheyAreSaved() {
   Program program;
   program.open("t.ply2", tetrahedronText);
@@ -484,6 +563,18 @@ void DocumentsTest::recentFilesListTheFourLastOnes() {
   check();
   program.start();
   check();
+}
+
+void DocumentsTest::filesThatNothingIsReadFromAreNoRecentFiles() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  program.open("model.obj", "v 0 0 0");
+  program.open("garbage.ply2", "no numbers");
+  program.open("damaged.ply2", "4 2\n0 0 0\n");
+  const QStringList texts = recentTexts(program);
+  QCOMPARE(texts.size(), 2);
+  QVERIFY(texts[0].endsWith("damaged.ply2"));
+  QVERIFY(texts[1].endsWith("t.ply2"));
 }
 
 void DocumentsTest::aRecentFileOpensInTheActiveDocument() {

@@ -179,12 +179,77 @@ TEST_F(Program, AFileThatCannotBeWrittenEndsTheChain) {
   EXPECT_EQ(run("open " + large + " dump - > /dev/full").status, 1) << "more than one buffer";
 }
 
-TEST_F(Program, AnExtensionWithoutReaderIsWarnedOfAndGivesAnEmptyMesh) {
+TEST_F(Program, AFileThatNothingReadsEndsTheChain) {
   const std::string obj = folder.write("mesh.obj", "v 0 0 0\n");
-  const test::RunResult result = run("open '" + obj + "' dump - --fields vertexCount");
-  EXPECT_EQ(result.status, 0);
+  const test::RunResult result = run("open '" + obj + "' dump " + in("out.json"));
+  EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.errors, HasSubstr("no reader"));
-  EXPECT_EQ(json::parse(result.output)["vertexCount"], 0);
+  EXPECT_FALSE(exists("out.json"));
+}
+
+TEST_F(Program, ANameThatNothingWritesBecomesAnEmptyFileAndEndsTheChain) {
+  const test::RunResult result = run("open " + mesh + " save " + in("new.obj") + " report");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, "gravlin-batch: " + folder.file("new.obj") +
+                               " is empty: Save writes no .obj files. The mesh is not saved; "
+                               "choose a name that ends in .ply2 or .plyR.\n");
+  EXPECT_TRUE(exists("new.obj"));
+  EXPECT_EQ(test::contentOf(folder.file("new.obj")), "");
+}
+
+TEST_F(Program, AFileIsNotEmptiedBecauseNothingWritesItsExtension) {
+  for (const char* name : {"model.obj", "picture.png", "square.PLY2"}) {
+    const std::string path = folder.write(name, "something");
+    const test::RunResult result = run("open " + mesh + " save '" + path + "' report");
+    EXPECT_EQ(result.status, 1) << name;
+    EXPECT_EQ(result.output, "") << name;
+    EXPECT_THAT(result.errors, StartsWith("gravlin-batch: " + path + " stays as it is.")) << name;
+    EXPECT_EQ(test::contentOf(path), "something");
+  }
+}
+
+TEST_F(Program, NoStepWritesOverTheFileOfTheMesh) {
+  std::filesystem::create_symlink(folder.file("square.ply2"), folder.file("link.png"));
+  std::filesystem::create_hard_link(folder.file("square.ply2"), folder.file("same"));
+  const std::string creases = "face-angle --threshold-mode angle ";
+  for (const std::string& step :
+       {"dump " + mesh, "dump " + in("same"), "dump " + in("link.png"), "render " + in("link.png"),
+        "render " + in("same"), "render-histogram " + in("link.png"),
+        creases + "export-lines " + mesh, creases + "export-lines " + in("same")}) {
+    const test::RunResult result = run("open " + mesh + " " + step + " report");
+    EXPECT_EQ(result.status, 1) << step;
+    EXPECT_EQ(result.output, "") << step;
+    EXPECT_THAT(result.errors, HasSubstr("the mesh was opened from it")) << step;
+    EXPECT_EQ(test::contentOf(folder.file("square.ply2")), square) << step;
+  }
+  const test::RunResult saved =
+      run("open " + mesh + " save " + in("out.ply2") + " dump " + in("out.ply2"));
+  EXPECT_EQ(saved.status, 1);
+  EXPECT_THAT(saved.errors, HasSubstr("the mesh was saved to it"));
+  EXPECT_THAT(test::contentOf(folder.file("out.ply2")), StartsWith("4\n2\n"));
+}
+
+TEST_F(Program, AMeshThatTheDigitsOfItsFileDoNotHoldIsSavedElsewhereOnly) {
+  constexpr const char* rising = "4 2\n0.13 0 0\n0.24 2 0\n0.37 0 1\n0.41 1 0\n3 0 1 2\n3 1 2 3\n";
+  const std::string path = folder.write("rising.ply2", rising);
+  const test::RunResult refused = run("open '" + path + "' save '" + path + "' report");
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.output, "");
+  EXPECT_THAT(refused.errors, HasSubstr("its box could not be measured along x"));
+  EXPECT_THAT(refused.errors, HasSubstr("Cannot save " + path + ": its vertices would move by up"));
+  EXPECT_EQ(test::contentOf(path), rising);
+  const test::RunResult elsewhere = run("open '" + path + "' save " + in("copy.ply2"));
+  EXPECT_EQ(elsewhere.status, 0);
+  EXPECT_THAT(elsewhere.errors, HasSubstr("copy.ply2; its vertices lie off by up to 0.0"));
+  EXPECT_THAT(test::contentOf(folder.file("copy.ply2")), StartsWith("4\n2\n"));
+}
+
+TEST_F(Program, AFewCountsDoNotTakeAllMemory) {
+  const std::string path = folder.write("huge.ply2", "160000000 160000000\n");
+  const test::RunResult result = run("open '" + path + "' report");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.errors, HasSubstr("and 160000000 faces, but only 1 byte follows."));
 }
 
 TEST_F(Program, RunsStepsFromLeftToRightOnOneDocument) {

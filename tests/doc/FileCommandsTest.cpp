@@ -136,8 +136,38 @@ TEST_F(FileCommands, OpenKeepsTheUndoSlotSoThatUndoBringsTheEarlierFileBack) {
   doc.OnEditUndo();
   EXPECT_EQ(doc.currentMesh->vertices, unsmoothed);
   EXPECT_EQ(doc.currentMesh->faceCount, 2);
-  EXPECT_EQ(doc.path, trianglePath);
   EXPECT_TRUE(doc.modified) << "what is shown is not what the opened file holds";
+}
+
+TEST_F(FileCommands, UndoAfterOpenTellsThatTheShapeIsAnotherFilesAndOffersNoName) {
+  open(squarePath);
+  moveVertexZero(1.0F);
+  open(trianglePath);
+  doc.OnEditUndo();
+  EXPECT_EQ(
+      outside.statuses.back(),
+      "Undo has brought back the shape from before triangle.ply2 was opened; choose a name to "
+      "save it.");
+  EXPECT_EQ(doc.path, "");
+  EXPECT_EQ(doc.meshOrigin.path, squarePath);
+  // Within one file it keeps its name and has nothing to tell.
+  moveVertexZero(1.0F);
+  saveAs(folder.file("out.ply2"));
+  doc.OnEditUndo();
+  EXPECT_EQ(outside.statuses.back(), "");
+  EXPECT_EQ(doc.path, folder.file("out.ply2"));
+}
+
+TEST_F(FileCommands, AShapeThatUndoBringsBackIsStillNotSavedOverTheDamagedFileItCameFrom) {
+  const std::string content = "4 2\n0 0 0\n4 0 0\n4 2 0\n0 2 0\n3 0 1 2\n3 0 2";
+  const std::string damaged = folder.write("damaged.ply2", content);
+  open(damaged);
+  moveVertexZero(1.0F);
+  open(trianglePath);
+  doc.OnEditUndo();
+  EXPECT_FALSE(doc.saveFile(damaged));
+  EXPECT_THAT(outside.messages.back(), HasSubstr("not all of it could be read"));
+  EXPECT_EQ(test::contentOf(damaged), content);
 }
 
 TEST_F(FileCommands, SaveWritesTheUnitsOfTheFile) {
@@ -188,14 +218,123 @@ TEST_F(FileCommands, SaveEndsTheModificationAndUndoBringsItBack) {
   EXPECT_TRUE(doc.modified) << "the file holds what was undone";
 }
 
-TEST_F(FileCommands, AFormatThatHoldsNothingDoesNotCountAsSaved) {
+TEST_F(FileCommands, ANameWithoutAWriterBecomesAnEmptyFileWithAMessageAndDoesNotCountAsSaved) {
   open(squarePath);
   moveVertexZero(1.0F);
+  outside.forget();
   saveAs(folder.file("out.obj"));
+  EXPECT_TRUE(std::filesystem::exists(folder.file("out.obj")));
   EXPECT_EQ(test::contentOf(folder.file("out.obj")), "");
+  EXPECT_THAT(outside.messages,
+              ElementsAre(folder.file("out.obj") +
+                          " is empty: Save writes no .obj files. The mesh is not saved; choose a "
+                          "name that ends in .ply2 or .plyR."));
   EXPECT_TRUE(doc.modified);
-  EXPECT_THAT(outside.statuses.back(), HasSubstr("obj"));
-  EXPECT_THAT(outside.messages, IsEmpty());
+  EXPECT_EQ(doc.path, squarePath) << "there is nothing in the other one";
+}
+
+TEST_F(FileCommands, AFileIsNotLeftEmptyUnasked) {
+  open(squarePath);
+  const std::string model = folder.write("model.obj", "v 1 2 3\n");
+  const std::string question = "question Save writes no .obj files: the file would be left empty.";
+  outside.forget();
+  outside.confirmAnswers = {false};
+  saveAs(model);
+  EXPECT_THAT(outside.calls, ElementsAre("save file", question));
+  EXPECT_EQ(test::contentOf(model), "v 1 2 3\n");
+  outside.forget();
+  outside.confirmAnswers = {true};
+  saveAs(model);
+  EXPECT_EQ(outside.calls[1], question);
+  EXPECT_EQ(test::contentOf(model), "");
+  EXPECT_THAT(outside.messages, IsEmpty()) << "it was said before";
+  EXPECT_TRUE(outside.finished());
+}
+
+/// Its x only rises, so the middle of its box lies half a million away.
+constexpr const char* rising = "4 2\n0.13 0 0\n0.24 2 0\n0.37 0 1\n0.41 1 0\n3 0 1 2\n3 1 2 3\n";
+
+TEST_F(FileCommands, SavingAsksBeforeItMovesTheVerticesOfItsFile) {
+  const std::string path = folder.write("rising.ply2", rising);
+  std::filesystem::create_hard_link(path, folder.file("same.ply2"));
+  open(path);
+  for (const char* name : {"rising.ply2", "same.ply2"}) {
+    outside.forget();
+    outside.confirmAnswers = {false};
+    EXPECT_FALSE(doc.saveFile(folder.file(name)));
+    ASSERT_EQ(outside.calls.size(), 1U) << name;
+    EXPECT_THAT(outside.calls[0], StartsWith("question Saving over " + std::string(name) +
+                                             " moves its vertices by up to 0.0"));
+    EXPECT_THAT(outside.calls[0],
+                HasSubstr(" % of the extent of the mesh, since its box was not "));
+    EXPECT_EQ(test::contentOf(path), rising) << name;
+  }
+  outside.forget();
+  outside.confirmAnswers = {true};
+  EXPECT_TRUE(doc.saveFile(path));
+  EXPECT_NE(test::contentOf(path), rising);
+  EXPECT_FALSE(doc.modified);
+  EXPECT_THAT(outside.statuses.back(), HasSubstr("; its vertices lie off by up to 0.0"));
+}
+
+TEST_F(FileCommands, SavingElsewhereTellsInOneSentenceHowFarVerticesMove) {
+  open(folder.write("rising.ply2", rising));
+  outside.forget();
+  EXPECT_TRUE(doc.saveFile(folder.file("copy.ply2")));
+  ASSERT_EQ(outside.statuses.size(), 1U);
+  EXPECT_THAT(outside.statuses[0], StartsWith("Saved " + folder.file("copy.ply2") +
+                                              "; its vertices lie off by up to 0.0"));
+  EXPECT_FALSE(doc.modified);
+  // That file is now the one last saved.
+  outside.confirmAnswers = {false};
+  EXPECT_FALSE(doc.saveFile(folder.file("copy.ply2")));
+  EXPECT_TRUE(outside.finished());
+}
+
+// A hundredth of a unit across, with digits behind the sixth decimal; and a shape smoothed a
+// million units away, where single precision goes in steps of 1/16.
+TEST_F(FileCommands, SavingAsksWhereDigitsAreTooFew) {
+  open(folder.write("tiny.ply2",
+                    "3 1\n0.01 0.00000037 0\n0 0.01 0.00000041\n0.005 0 0.0000003\n3 0 1 2\n"));
+  outside.confirmAnswers = {false};
+  EXPECT_FALSE(doc.saveFile(folder.file("tiny.ply2")));
+  EXPECT_THAT(outside.calls.back(), HasSubstr("since files hold six decimals"));
+  const std::string far =
+      folder.write("far.ply2", "3 1\n900002 0 0\n900000 0 1\n900001 2 0\n3 0 1 2\n");
+  open(far);
+  EXPECT_TRUE(doc.saveFile(far)) << "as long as it is what was read";
+  moveVertexZero(doc.currentMesh->vertices[0] - 0.2F);
+  outside.confirmAnswers = {false};
+  EXPECT_FALSE(doc.saveFile(far));
+  EXPECT_THAT(outside.calls.back(), HasSubstr("seven digits and it lies far from the origin"));
+  EXPECT_TRUE(outside.finished());
+}
+
+TEST_F(FileCommands, SavingAMeshOverItsFileAgainAndAgainAsksNothing) {
+  open(squarePath);
+  for (int k = 0; k < 5; ++k) {
+    moveVertexZero(doc.currentMesh->vertices[0] + 0.37F);
+    EXPECT_TRUE(doc.saveFile(squarePath));
+  }
+  EXPECT_EQ(outside.statuses.back(), "Saved square.ply2.");
+}
+
+TEST_F(FileCommands, OtherWritersKeepTheFileOfTheMeshToo) {
+  open(squarePath);
+  std::filesystem::create_symlink(squarePath, folder.file("link.obj"));
+  std::filesystem::create_hard_link(squarePath, folder.file("same.json"));
+  for (const char* name : {"square.ply2", "link.obj", "same.json"}) {
+    EXPECT_EQ(doc.lossByOverwriting(folder.file(name)),
+              "Cannot write " + folder.file(name) +
+                  ": the mesh was opened from it and would be lost there. Choose another name.");
+  }
+  EXPECT_TRUE(doc.saveFile(folder.file("saved.ply2")));
+  EXPECT_THAT(doc.lossByOverwriting(folder.file("saved.ply2")), HasSubstr("saved to it"));
+  EXPECT_EQ(doc.lossByOverwriting(folder.file("new.json")), "");
+  EXPECT_EQ(doc.lossByOverwriting(trianglePath), "");
+  EXPECT_FALSE(doc.exportLines(folder.file("link.obj")));
+  EXPECT_THAT(outside.messages.back(), HasSubstr("the mesh was opened from it"));
+  EXPECT_EQ(test::contentOf(squarePath), square);
 }
 
 TEST_F(FileCommands, SavingDoesNotLoseWhatCouldNotBeReadFromTheFile) {
@@ -259,10 +398,15 @@ TEST_F(FileCommands, SavingDoesNotEmptyTheFileThatTheMeshCameFrom) {
 }
 
 TEST_F(FileCommands, AnEmptyFileHasNothingToLose) {
-  for (const char* name : {"new.ply2", "new.data", "new.obj"}) {
+  for (const char* name : {"new.data", "new.obj"}) {
     open(folder.write(name, ""));
-    EXPECT_TRUE(doc.saveFile(folder.file(name))) << name;
+    doc.saveFile(folder.file(name));
+    EXPECT_THAT(outside.messages.back(), HasSubstr("is empty: Save writes no")) << name;
   }
+  outside.forget();
+  open(folder.write("new.ply2", ""));
+  EXPECT_TRUE(doc.saveFile(folder.file("new.ply2")));
+  EXPECT_TRUE(doc.saveFile(folder.file("new.ply2"))) << "what is there now was written by us";
   EXPECT_EQ(test::contentOf(folder.file("new.ply2")), "0\n0\n");
   EXPECT_THAT(outside.messages, IsEmpty());
 }
@@ -302,7 +446,8 @@ TEST_F(FileCommands, AreSafeOnHostileMeshes) {
     SCOPED_TRACE(hostile.name);
     doc.currentMesh = std::make_unique<TriangleMesh>(hostile.mesh);
     for (const char* name : {"a.ply2", "a.plyR", "a.data"}) {
-      EXPECT_TRUE(doc.saveFile(folder.file(name)));
+      outside.confirmAnswers = {true};  // some are too small or too large for the digits of a file
+      EXPECT_EQ(doc.saveFile(folder.file(name)), name != std::string("a.data"));
       EXPECT_TRUE(doc.openFile(folder.file(name)));
       doc.currentMesh = std::make_unique<TriangleMesh>(hostile.mesh);
     }

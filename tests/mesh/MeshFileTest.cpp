@@ -22,6 +22,7 @@ using ::testing::AllOf;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
@@ -79,9 +80,15 @@ TEST(MeshFile, PlySwapsTheSecondAndThirdNumberAndIgnoresTwo) {
 }
 
 TEST(MeshFile, TheNumberBeforeTheCornersIsIgnored) {
-  const OpenResult opened = openText("a.ply2", "3 3 0 0 0 1 0 0 0 1 0  4 0 1 2  x");
-  ASSERT_TRUE(opened.mesh);
-  EXPECT_THAT(opened.mesh->corners(0), ElementsAre(0, 1, 2));
+  const std::string vertices = "4 2\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n";
+  for (const std::string faces :
+       {"4 0 1 2\n4 0 2 3\n", "4 0 1 2 4 0 2 3", "4\n0\n1\n2\n4\n0\n2\n3"}) {
+    const OpenResult opened = openText("a.ply2", vertices + faces);
+    ASSERT_TRUE(opened.mesh);
+    EXPECT_THAT(opened.mesh->faces, ElementsAre(0, 1, 2, 0, 2, 3));
+    EXPECT_EQ(opened.notice, "") << faces;
+    EXPECT_EQ(opened.extent, ReadExtent::Whole) << faces;
+  }
   const OpenResult odd = openText("a.ply2", "3 1 0 0 0 1 0 0 0 1 0  -2.5e3 0 1 2");
   EXPECT_EQ(odd.notice, "");
   EXPECT_THAT(odd.mesh->faces, ElementsAre(0, 1, 2));
@@ -279,6 +286,53 @@ TEST(MeshFile, CountsThatNoArrayCanHoldAreAnError) {
                                 " and 166666666 is the most that can be held.");
     EXPECT_EQ(opened.notice, "");
   }
+}
+
+// Eight million vertices are 96 MB of positions, and their numbers take 48 million bytes of text.
+TEST(MeshFile, CountsThatTheTextCannotBearOutAreAnError) {
+  const TemporaryFolder folder;
+  for (const auto& [name, content, announced] :
+       {std::tuple<std::string, std::string, std::string>{"a.data", "8000000", "8000000 vertices"},
+        {"a.ply2", "8000000 1", "8000000 vertices and 1 face"},
+        {"a.plyR", "1 8000000 0", "1 vertex and 8000000 faces"},
+        {"a.ply", "3000000 3000000 0 0", "3000000 vertices and 3000000 faces"},
+        {"a.ply2", "160000000 160000000", "160000000 vertices and 160000000 faces"}}) {
+    const std::string path = folder.write(name, content);
+    const OpenResult opened = openMeshFile(path);
+    EXPECT_FALSE(opened.mesh) << content;
+    EXPECT_EQ(opened.error.substr(0, opened.error.find(", but only ")),
+              "Cannot open " + path + ": it announces " + announced);
+    EXPECT_THAT(opened.error,
+                EndsWith(content.size() < 10 ? ", but only 0 bytes follow." : " bytes follow."));
+  }
+}
+
+TEST(MeshFile, AShortFileKeepsItsCountsWhereTheyAreHarmlessOrTheTextMayHoldThem) {
+  const OpenResult small = openText("a.data", "1000000 1 2 3");
+  ASSERT_TRUE(small.mesh) << small.error;
+  EXPECT_EQ(small.mesh->vertexCount, 1000000);
+  // Six million vertices, of which the text has fewer, at two bytes a number.
+  const std::string text = "6000000" + std::string(36000000, ' ');
+  const OpenResult large = openText("a.data", text);
+  ASSERT_TRUE(large.mesh) << large.error;
+  EXPECT_EQ(large.mesh->vertexCount, 6000000);
+  EXPECT_EQ(openText("a.data", text.substr(0, text.size() - 1)).mesh, nullptr) << "a byte less";
+}
+
+TEST(MeshFile, OpeningTellsOfABoxThatCouldNotBeMeasured) {
+  const OpenResult rising =
+      openText("a.ply2", "4 2\n0.13 0 0\n0.24 2 0\n0.37 0 1\n0.41 1 0\n3 0 1 2\n3 1 2 3\n");
+  EXPECT_GT(rising.positionLoss, 1e-3);
+  EXPECT_THAT(
+      rising.notice,
+      AllOf(HasSubstr(": its box could not be measured along x, where coordinates only rise"),
+            HasSubstr("saving may move vertices by up to 0.0")));
+  EXPECT_EQ(rising.extent, ReadExtent::Whole);
+  const OpenResult far = openText(
+      "a.ply2", "3 1\n2000000 0 -1500000\n3000000 2 -3000000\n2000000 0 -2000000\n3 0 1 2\n");
+  EXPECT_THAT(far.notice, HasSubstr(" along x and z, where"));
+  const OpenResult found = openText("a.ply2", twoFaces);
+  EXPECT_EQ(found.positionLoss, 0.0);
 }
 
 TEST(MeshFile, WhatCannotBeOpenedIsAnError) {

@@ -78,6 +78,17 @@ void ScriptedOutside::showMessage(const std::string& text) {
   messages.push_back(text);
 }
 
+bool ScriptedOutside::confirm(const Question& question) {
+  calls.push_back("question " + question.text);
+  if (confirmAnswers.empty()) {
+    ADD_FAILURE() << "the script has no answer for: " << question.text;
+    return false;
+  }
+  const bool answer = confirmAnswers.front();
+  confirmAnswers.pop_front();
+  return answer;
+}
+
 void ScriptedOutside::showStatus(const std::string& text) {
   calls.push_back("status " + text);
   statuses.push_back(text);

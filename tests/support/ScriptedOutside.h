@@ -28,13 +28,14 @@ class ScriptedOutside : public Outside {
   // --- The script ---
   std::deque<DialogAnswer> dialogAnswers;              ///< taken from the front
   std::deque<std::optional<std::string>> fileAnswers;  ///< nothing: cancelled
+  std::deque<bool> confirmAnswers;                     ///< whether to go on
   std::function<void()> whenRedrawn;  ///< called inside redraw, to look at the document there
   ViewAngles angles;                  ///< of the view that the command was given to
 
   // --- The record ---
   /// One text per call, in order: "dialog CNoiseDlg", "open file", "save file", "message ...",
-  /// "status ...", "show progress 0..10 by 1", "step progress", "hide progress", "redraw",
-  /// "histogram ...", "histogram values 42", "lighting 2", "line width 1 point size 3",
+  /// "question ...", "status ...", "show progress 0..10 by 1", "step progress", "hide progress",
+  /// "redraw", "histogram ...", "histogram values 42", "lighting 2", "line width 1 point size 3",
   /// "angles 10 20 30", "counts 8 12".
   std::vector<std::string> calls;
   std::vector<std::string> messages;
@@ -45,13 +46,16 @@ class ScriptedOutside : public Outside {
   /// How many recorded calls equal `call`.
   int count(const std::string& call) const;
   /// Whether every scripted answer has been asked for.
-  bool finished() const { return dialogAnswers.empty() && fileAnswers.empty(); }
+  bool finished() const {
+    return dialogAnswers.empty() && fileAnswers.empty() && confirmAnswers.empty();
+  }
   /// Forgets the record; the script stays.
   void forget();
 
   bool showDialog(const Form& form) override;
   std::optional<std::string> chooseFile(FileDialog kind) override;
   void showMessage(const std::string& text) override;
+  bool confirm(const Question& question) override;
   void showStatus(const std::string& sentence) override;
   void showSuccess(const std::string& sentence) override { showStatus(sentence); }
   void showProgress(ProgressRange range) override;

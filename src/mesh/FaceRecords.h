@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+namespace gravlin {
+
+/// A face of a file as far as it is read: the count of corners that it announces and three of them.
+struct FaceRecord {
+  std::size_t begin = 0;  ///< in the file's text, at the blanks before the count
+  std::size_t end = 0;    ///< behind the third corner
+  float corners = 3.0F;   ///< the count
+  int facesLeft = 1;      ///< of the file, this one included
+};
+
+/// Finds out whether records that announce more than three corners have more: some programs write a
+/// 4 before the three corners of every triangle.
+///
+/// What stands on the line of a record decides where that is clear: nothing more, or just the
+/// corners that are missing. Otherwise, with several records on a line or one on several, they have
+/// more if all faces that are left can be read with all the corners that they announce. Triangles
+/// cannot: that takes more numbers than there are.
+class FaceRecords {
+ public:
+  /// The text must be followed by one NUL that does not belong to it, and outlive this.
+  FaceRecords(std::string_view fileText, int meshVertexCount)
+      : text(fileText), vertexCount(meshVertexCount) {}
+
+  /// Whether a record that announces more than three corners has more. The whole file is looked
+  /// through at most once, so that all calls together take no longer than reading it again.
+  bool hasMoreCorners(const FaceRecord& record);
+
+ private:
+  bool standsOnItsLine(const FaceRecord& record) const;
+  std::size_t wordsBehind(const FaceRecord& record) const;
+  bool readAsPolygons(const FaceRecord& first) const;
+
+  std::string_view text;
+  int vertexCount;
+  std::optional<bool> polygons;  ///< what looking through the file gave
+};
+
+}  // namespace gravlin

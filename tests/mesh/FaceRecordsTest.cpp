@@ -1,0 +1,47 @@
+#include <gtest/gtest.h>
+
+#include "mesh/FaceRecords.h"
+#include "mesh/Scanner.h"
+
+namespace gravlin {
+namespace {
+
+/// Which of the records of a text, read one after the other as triangles, have more corners.
+std::string largerOnes(const std::string& text, int vertexCount) {
+  const int faceCount = 3;
+  FaceRecords records(text, vertexCount);
+  Scanner scanner(text);
+  std::string larger;
+  for (int f = 0; f < faceCount; ++f) {
+    const std::size_t begin = scanner.position();
+    const std::optional<float> corners = scanner.scanFloat();
+    for (int k = 0; k < 3; ++k) scanner.scanInt();
+    if (!corners || *corners <= 3.0F) continue;
+    const FaceRecord record = {begin, scanner.position(), *corners, faceCount - f};
+    if (records.hasMoreCorners(record)) larger += std::to_string(f);
+  }
+  return larger;
+}
+
+TEST(FaceRecords, ACountBeforeThreeCornersAloneIsOrdinary) {
+  EXPECT_EQ(largerOnes("\n4 0 1 2\n4 3 4 5\n7 6 7 8\n", 9), "");
+  EXPECT_EQ(largerOnes("\r\n4 0 1 2 \t\r\n4 3 4 5\r\n7 6 7 8", 9), "") << "no line end at the end";
+  EXPECT_EQ(largerOnes(" 4 0 1 2 4 3 4 5 4 6 7 8", 9), "") << "one line for all";
+  EXPECT_EQ(largerOnes("\n4\n0\n1\n2\n4\n3\n4\n5\n4\n6\n7\n8\n", 9), "") << "one number a line";
+  EXPECT_EQ(largerOnes("\n4 0 1 2 4 3 4 5\n4 6 7 8\n", 9), "") << "two on one line";
+  EXPECT_EQ(largerOnes("\n4 0 1 2\n4 3 4 5\n4 6 7 8\n2 1\n0\n1\n2\n", 9), "") << "marks behind";
+  EXPECT_EQ(largerOnes("\n1e30 0 1 2\ninf 3 4 5\n3.5 6 7 8\n", 9), "");
+}
+
+TEST(FaceRecords, ACountWithItsCornersIsAPolygon) {
+  EXPECT_EQ(largerOnes("\n4 0 1 2 3\n4 3 4 5 6\n3 6 7 8\n", 9).substr(0, 1), "0");
+  EXPECT_EQ(largerOnes(" 4 0 1 2 3 4 3 4 5 6 3 6 7 8", 9).substr(0, 1), "0") << "one line for all";
+  EXPECT_EQ(largerOnes("\n4\n0\n1\n2\n3\n3\n4\n5\n6\n3\n6\n7\n8\n", 9).substr(0, 1), "0")
+      << "one number a line";
+  EXPECT_EQ(largerOnes("\n7 0 1 2 3 4 5 6\n", 9).substr(0, 1), "0")
+      << "the rest of the file is missing, and the line alone tells";
+  EXPECT_EQ(largerOnes("\n3 0 1 2\n5 3 4 5 6 7\n3 6 7 8\n", 9), "1");
+}
+
+}  // namespace
+}  // namespace gravlin
