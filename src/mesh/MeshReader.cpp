@@ -369,9 +369,9 @@ ReadReport readMesh(const MeshFile& file, TriangleMesh& mesh) {
   if (hasFiniteShape(mesh)) {
     if (const std::string axes = axisNames(withoutBox); !axes.empty()) {
       add("its box could not be measured along " + axes +
-          ", where coordinates only rise from vertex to vertex or lie beyond 1000000, so the view "
-          "does not fit it and saving may move vertices by up to " +
-          lossText(report.positionLoss));
+          ", so saving may move vertices by up to " + lossText(report.positionLoss) +
+          " and the view does not fit (coordinates there only rise from vertex to vertex, or lie "
+          "beyond 1000000)");
     }
   }
   mesh.buildAdjacency();
