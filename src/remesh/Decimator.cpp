@@ -129,7 +129,10 @@ class Decimation {
     for (const LabelledEdge& edge : changed.lost) {
       if (heap.contains(edge.label)) heap.remove(edge.label);
     }
-    for (const LabelledEdge& edge : changed.moved) edges[toIndex(edge.label)] = {i, edge.neighbour};
+    for (const LabelledEdge& edge : changed.moved) {
+      Ends& ends = edges[toIndex(edge.label)];
+      (ends.i == j ? ends.i : ends.j) = i;  // the first end stays the one that survives
+    }
     for (const auto* list : {&changed.kept, &changed.moved}) {
       for (const LabelledEdge& edge : *list) {
         if (heap.contains(edge.label)) heap.changeCost(edge.label, costOf({i, edge.neighbour}));

@@ -16,6 +16,10 @@ struct DecimationResult {
 /// Reduces the document's current mesh by collapsing edges, cheapest first: an edge's cost is the
 /// least value of the summed error quadrics of its two ends (see vertexQuadrics), and it collapses
 /// into the point where that value is taken. Without a mesh nothing happens.
+///
+/// Edges are pairs (i, j) with i > j at first, and i is the end that survives the edge's collapse.
+/// When j vanishes into i, other edges that had j have i in the same place of their pair: (m, j)
+/// becomes (m, i), which m survives, and (j, m) becomes (i, m).
 class Decimator {
  public:
   /// Points to the mesh that the operations work on from now on; null for none. The mesh is not

@@ -85,6 +85,58 @@ TEST(Decimator, CollapsesTheEdgesThatThePlainSearchCollapses) {
   }
 }
 
+/// A vertex with two neighbours that are no neighbours of each other.
+struct Corner {
+  int middle;
+  int nearest;
+  int next;
+};
+
+/// The first such corner of a mesh that `wanted` accepts.
+template <class Wanted>
+Corner findCorner(const TriangleMesh& mesh, const Wanted& wanted) {
+  for (int middle = 0; middle < mesh.vertexCount; ++middle) {
+    const auto ring = mesh.getNeighbours(middle);
+    for (const int nearest : ring) {
+      for (const int next : ring) {
+        const bool apart =
+            next != nearest && std::ranges::find(mesh.getNeighbours(nearest), next) ==
+                                   mesh.getNeighbours(nearest).end();
+        if (apart && wanted(Corner{middle, nearest, next})) return {middle, nearest, next};
+      }
+    }
+  }
+  ADD_FAILURE() << "no such corner";
+  return {0, 0, 0};
+}
+
+/// Which of the corner's vertices are left after two collapses, when its first edge is by far the
+/// shortest of the mesh and so the cheapest, and its second one comes next.
+std::set<int> leftAfterTwo(TriangleMesh mesh, const Corner& corner) {
+  const Vec3 p = mesh.position(corner.middle);
+  for (const auto& [v, share] : {std::pair(corner.nearest, 0.05), {corner.next, 0.2}}) {
+    mesh.setPosition(v, p + share * (mesh.position(v) - p));
+  }
+  EXPECT_EQ(decimate(mesh, 1.5F / static_cast<float>(mesh.vertexCount)).vertices, 2);
+  std::set<int> left;
+  for (const int v : {corner.middle, corner.nearest, corner.next}) {
+    if (mesh.neighbourCount(v) > 0) left.insert(v);
+  }
+  return left;
+}
+
+TEST(Decimator, ASurvivorTakesThePlaceOfTheVanishedEndInItsEdges) {
+  const TriangleMesh mesh = test::torus(16, 10);
+  // At first the higher index survives. (m, j) becomes (m, i): m survives its collapse.
+  const Corner second =
+      findCorner(mesh, [](const Corner& c) { return c.nearest > c.middle && c.next > c.middle; });
+  EXPECT_EQ(leftAfterTwo(mesh, second), std::set{second.next});
+  // (j, m) becomes (i, m): i survives.
+  const Corner first =
+      findCorner(mesh, [](const Corner& c) { return c.nearest > c.middle && c.next < c.middle; });
+  EXPECT_EQ(leftAfterTwo(mesh, first), std::set{first.nearest});
+}
+
 TEST(Decimator, CountsWhatItRemoved) {
   for (const auto& [name, rough] : roughMeshes()) {
     TriangleMesh mesh = rough;

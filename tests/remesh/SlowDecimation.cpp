@@ -213,8 +213,8 @@ class SlowDecimation {
     mesh.buildAdjacency();
   }
 
-  /// Edges of j become edges of i, unless i has one to the same vertex; then all of i's are weighed
-  /// anew.
+  /// In the pairs of j's edges i takes the place of j, unless i has an edge to the same vertex; then
+  /// all edges of i are weighed anew.
   void renew(int i, int j) {
     addTo(matrices[toIndex(i)], matrices[toIndex(j)]);
     const auto otherEnd = [](const Edge& edge, int v) { return edge.i == v ? edge.j : edge.i; };
@@ -227,10 +227,12 @@ class SlowDecimation {
     }
     for (Edge& edge : edges) {
       if (!touches(edge, j)) continue;
-      const int other = otherEnd(edge, j);
-      edge.i = i;
-      edge.j = other;
-      edge.valid = !joined.contains(other);
+      edge.valid = !joined.contains(otherEnd(edge, j));
+      if (edge.i == j) {
+        edge.i = i;
+      } else {
+        edge.j = i;
+      }
     }
     for (Edge& edge : edges) {
       if (touches(edge, i)) edge = weighed(edge);
