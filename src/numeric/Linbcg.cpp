@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <exception>
 #include <new>
 #include <string>
@@ -114,12 +114,21 @@ class StoppingTest {
   double znrm = 0.0;
 };
 
+/// With spaces in front up to this width.
+std::string aligned(const std::string& text, std::size_t width) {
+  return std::string(std::max(width, text.size()) - text.size(), ' ') + text;
+}
+
+/// "iter=%4d err=%12.6f\n" with a point in every locale, which printf does not promise.
 std::string lineOf(const LinbcgResult& result) {
   // Room for the longest double in fixed notation: 309 digits before the point.
-  std::array<char, 384> line;
-  const int written =
-      std::snprintf(line.data(), line.size(), "iter=%4d err=%12.6f\n", result.iter, result.err);
-  return {line.data(), static_cast<std::size_t>(written)};
+  std::array<char, 384> digits;
+  const char* const begin = digits.data();
+  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), result.err,
+                                        std::chars_format::fixed, 6)
+                              .ptr;
+  return "iter=" + aligned(std::to_string(result.iter), 4) +
+         " err=" + aligned(std::string(begin, end), 12) + "\n";
 }
 
 /// One of the systems from its first pass to its last. The sweeps go on over all of them until the

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <clocale>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
@@ -14,6 +16,7 @@
 #include "numeric/Random.h"
 #include "support/CapturedText.h"
 #include "support/DenseMatrix.h"
+#include "support/GermanLocale.h"
 
 namespace gravlin {
 namespace {
@@ -490,6 +493,32 @@ TEST(Linbcg, PrintsEveryPass) {
   EXPECT_EQ(found.result.iter, 2);
   EXPECT_NEAR(found.x[0], 2.0, 1e-15);
   EXPECT_NEAR(found.x[1], -1.0, 1e-15);
+}
+
+TEST(Linbcg, PrintsAPointWhereNumbersHaveAComma) {
+  const test::GermanLocale locale;
+  ASSERT_NE(std::setlocale(LC_ALL, ""), nullptr);
+  ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+  const CapturedText text;
+  solveTwoByTwo(1);
+  EXPECT_EQ(text.output, "iter=   1 err=    0.500000\niter=   2 err=    0.000000\n");
+}
+
+TEST(Linbcg, PrintsErrorsOfAnySizeAsPrintfDoes) {
+  DenseMatrix matrix(2);
+  matrix.at(0, 0) = matrix.at(1, 1) = 2.0;
+  matrix.at(0, 1) = matrix.at(1, 0) = 1.0;
+  // Measured against 0 the residual is infinite first, and in the end not a number.
+  for (const double b : {0.0, 1e-300, 1e-12, 3.0}) {
+    for (const int itmax : {0, 1, 2, 3}) {
+      const CapturedText text;
+      const LinbcgResult result =
+          solve(matrix, {b, b}, {.itol = 1, .tol = 1e-30, .itmax = itmax}, {7.0, -2.0}).result;
+      std::array<char, 400> last;
+      std::snprintf(last.data(), last.size(), "iter=%4d err=%12.6f\n", result.iter, result.err);
+      EXPECT_THAT(text.output, testing::EndsWith(last.data()));
+    }
+  }
 }
 
 TEST(Linbcg, MeasuresTheResidualAgainstThePreconditionedRightHandSideWithItol2) {
