@@ -56,7 +56,7 @@ class DesktopOutside : public Outside {
   void redraw() override;
   void showHistogram(std::string_view field) override;
   void setHistogramValues(const std::vector<double>& values) override;
-  void markHistogramOutdated() override { graph.markOutdated(); }
+  void setHistogramAge(HistogramAge age) override { graph.setAge(age); }
   void setLightingMode(LightingMode mode) override;
   void setLineWidthAndPointSize(float width, float size) override;
   ViewAngles viewAngles() const override;

@@ -54,7 +54,7 @@ class BatchOutside : public Outside {
   void setHistogramValues(const std::vector<double>& values) override {
     histogram.setValues(values);
   }
-  void markHistogramOutdated() override {}
+  void setHistogramAge(HistogramAge) override {}
   void setLightingMode(LightingMode mode) override { view.setLightingMode(mode); }
   void setLineWidthAndPointSize(float width, float size) override {
     view.setLineWidthAndPointSize(width, size);

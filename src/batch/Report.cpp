@@ -93,10 +93,18 @@ void addBox(Summary& summary, const TriangleMesh& mesh) {
   summary.row("box", Point{centre + unit * least}, " to ", Point{centre + unit * largest});
 }
 
-/// One row about a field of values, each multiplied by `scale` on its way into file units.
+/// How a field becomes a row.
+struct FieldRow {
+  std::string_view name;
+  std::size_t count;
+  double scale;         ///< from units of memory to units of the file
+  bool ofEarlierShape;  ///< the field is older than the mesh's present shape
+};
+
+/// One row about a field of values; none without values.
 template <class ValueAt>
-void addStatistics(Summary& summary, std::string_view name, std::size_t count, double scale,
-                   const ValueAt& valueAt) {
+void addStatistics(Summary& summary, const FieldRow& row, const ValueAt& valueAt) {
+  const auto [name, count, scale, ofEarlierShape] = row;
   if (count == 0) return;
   double least = std::numeric_limits<double>::infinity();
   double largest = -least;
@@ -114,25 +122,37 @@ void addStatistics(Summary& summary, std::string_view name, std::size_t count, d
     squares += deviation * deviation;
   }
   summary.row(name, "from ", least, " to ", largest, ", mean ", mean, ", deviation ",
-              std::sqrt(squares / static_cast<double>(count)));
+              std::sqrt(squares / static_cast<double>(count)),
+              ofEarlierShape ? " (of an earlier shape)" : "");
 }
 
 void addCurvatures(Summary& summary, const TriangleMesh& mesh) {
   const std::vector<double>& kMax = mesh.maxCurvature;
   const std::vector<double>& kMin = mesh.minCurvature;
-  const double perLength = 1.0 / mesh.extentTolerance;
-  addStatistics(summary, "maximum curvature", kMax.size(), perLength,
+  const FieldOrigin& origin = mesh.curvatureOrigin;
+  const double perLength = 1.0 / origin.unit;
+  const bool isEarlier = origin.shape != mesh.shape;
+  const auto row = [&](std::string_view name, double scale) {
+    return FieldRow{name, kMin.size(), scale, isEarlier};
+  };
+  addStatistics(summary, row("maximum curvature", perLength),
                 [&](std::size_t i) { return kMax[i]; });
-  addStatistics(summary, "minimum curvature", kMin.size(), perLength,
+  addStatistics(summary, row("minimum curvature", perLength),
                 [&](std::size_t i) { return kMin[i]; });
-  addStatistics(summary, "mean curvature", kMin.size(), perLength,
+  addStatistics(summary, row("mean curvature", perLength),
                 [&](std::size_t i) { return (kMax[i] + kMin[i]) * 0.5; });
-  addStatistics(summary, "Gaussian curvature", kMin.size(), perLength * perLength,
+  addStatistics(summary, row("Gaussian curvature", perLength * perLength),
                 [&](std::size_t i) { return kMax[i] * kMin[i]; });
-  addStatistics(summary, "total curvature", kMin.size(), perLength,
+  addStatistics(summary, row("total curvature", perLength),
                 [&](std::size_t i) { return std::abs(kMax[i]) + std::abs(kMin[i]); });
-  addStatistics(summary, "edge curvature", mesh.edgeCurvatures.size(), perLength,
-                [&](std::size_t i) { return mesh.edgeCurvatures[i]; });
+}
+
+void addEdgeCurvature(Summary& summary, const TriangleMesh& mesh) {
+  const FieldOrigin& origin = mesh.edgeCurvatureOrigin;
+  addStatistics(
+      summary,
+      {"edge curvature", mesh.edgeCurvatures.size(), 1.0 / origin.unit, origin.shape != mesh.shape},
+      [&](std::size_t i) { return mesh.edgeCurvatures[i]; });
 }
 
 void addLines(Summary& summary, const TriangleMesh& mesh, std::string_view name,
@@ -153,6 +173,7 @@ std::string summarize(const TriangleMesh& mesh, LineOrigin origin) {
   addMeasures(summary, mesh, topology);
   addBox(summary, mesh);
   addCurvatures(summary, mesh);
+  addEdgeCurvature(summary, mesh);
   const bool creases = origin == LineOrigin::Creases;
   addLines(summary, mesh, creases ? "convex creases" : "ridge lines", mesh.ridgeLinks);
   addLines(summary, mesh, creases ? "concave creases" : "valley lines", mesh.valleyLinks);

@@ -167,6 +167,7 @@ void computeCurvatureTensor(TriangleMesh& mesh) {
   mesh.minCurvature.assign(V, 0.0);
   mesh.maxDirection.assign(3 * V, 0.0);
   mesh.minDirection.assign(3 * V, 0.0);
+  mesh.curvatureOrigin = mesh.here();
   parallelFor(mesh.vertexCount, [&mesh](int i) {
     const PrincipalCurvatures at = curvatureAt(mesh, i);
     const auto k = static_cast<std::size_t>(i);

@@ -11,7 +11,8 @@ namespace gravlin {
 /// Fills `maxCurvature`, `minCurvature` (double[V], 1/length, positive where the surface is convex
 /// as seen from the side that the normals point to) and `maxDirection`, `minDirection` (double[3V],
 /// unit, right-handed with the vertex normal: (normal x max) . min >= 0; otherwise free in sign).
-/// A vertex with fewer than three neighbours, or whose ring has no area, gets zeros.
+/// A vertex with fewer than three neighbours, or whose ring has no area, gets zeros. Notes their
+/// `curvatureOrigin`.
 ///
 /// The estimate counts the whole angle between two normals, not its share in the plane of the edge:
 /// it is exact on a sphere, and away from umbilics a little different from the surface's normal

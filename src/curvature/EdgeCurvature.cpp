@@ -63,6 +63,7 @@ double edgeCurvature(const TriangleMesh& mesh, const Facet& f, const Facet& g, s
 void computeEdgeCurvatures(TriangleMesh& mesh) {
   if (mesh.faceNormals.empty()) mesh.computeFaceNormals();
   mesh.edgeCurvatures.assign(mesh.faceAdjacency.size(), 0.0);
+  mesh.edgeCurvatureOrigin = mesh.here();
   for (int face = 0; face < mesh.faceCount; ++face) {
     if (!mesh.validFace(face)) continue;
     const Facet f = facetOf(mesh, face);

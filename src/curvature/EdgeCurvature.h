@@ -10,7 +10,7 @@ namespace gravlin {
 ///
 /// Fills `edgeCurvatures` (double[3F], numbered as `faceAdjacency`); both faces of an edge hold the
 /// same value. Edges on a border, edges of faces without area and entries that no face across
-/// writes (at non-manifold edges) are 0.
+/// writes (at non-manifold edges) are 0. Notes their `edgeCurvatureOrigin`.
 ///
 /// Requires `faceAdjacency`. Computes the face normals when there are none.
 void computeEdgeCurvatures(TriangleMesh& mesh);

@@ -84,11 +84,35 @@ void CGravlinDoc::replaceMesh(std::unique_ptr<TriangleMesh> mesh) {
   decimator.attach(currentMesh.get());
   ridgeDetector.attach(currentMesh.get());
   ridgeLineSmoother.attach(currentMesh.get());
-  outside.markHistogramOutdated();
+  tellHistogramAge();
   dropLines();
 }
 
+void CGravlinDoc::numberShape() {
+  // A command need not change anything: with no iterations, say.
+  const bool isThatBefore = undoMesh && currentMesh->vertices == undoMesh->vertices &&
+                            currentMesh->faces == undoMesh->faces;
+  currentMesh->shape = isThatBefore ? undoMesh->shape : ++shapes;
+}
+
+void CGravlinDoc::tellHistogramAge() {
+  if (!histogramContents) return;
+  if (!currentMesh || histogramContents->shape != currentMesh->shape) {
+    outside.setHistogramAge(HistogramAge::EarlierShape);
+  } else {
+    outside.setHistogramAge(histogramContents->smoothedSince
+                                ? HistogramAge::BeforeCurvatureSmoothing
+                                : HistogramAge::Current);
+  }
+}
+
+void CGravlinDoc::haveLines(LinesFrom origin) {
+  linesFrom = origin;
+  linesAreLost = false;
+}
+
 void CGravlinDoc::dropLines() {
+  linesAreLost = linesAreLost || linesFrom != LinesFrom::Nothing;
   linesFrom = LinesFrom::Nothing;
   decimator.creaseLinks.clear();
   silhouetteLines = {};
@@ -136,7 +160,8 @@ void CGravlinDoc::OnEnhancement() {
 
 void CGravlinDoc::geometryChanged() {
   needsRecompute = true;
-  outside.markHistogramOutdated();
+  numberShape();
+  tellHistogramAge();
   if (std::exchange(tellsOfShape, false)) outside.showStatus("");
   tellOfNonFinitePositions();
 }
@@ -162,6 +187,7 @@ void CGravlinDoc::redraw() {
   ++revision;  // whatever comes of the rest
   if (needsRecompute && currentMesh) recompute();
   needsRecompute = false;  // not before: without memory for it now, the next redraw tries again
+  tellHistogramAge();      // some commands bring a shape back that was away for a while
   outside.redraw();
 }
 

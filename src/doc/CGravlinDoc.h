@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -93,6 +94,9 @@ class CGravlinDoc {
     return linesFrom == LinesFrom::LocalMax ? LineOrigin::RidgesAndValleys : LineOrigin::Creases;
   }
   SilhouetteLines silhouetteLines;  ///< of the last pen drawing
+  /// Lines that were found are gone with the mesh that they joined vertices of, and none were
+  /// looked for since.
+  bool linesAreLost = false;
 
   std::vector<double> vertexErrors;  ///< [V] distance to the undo copy, see ShapeError.h
   std::vector<double> faceErrors;    ///< [F] angle to the undo copy's normals
@@ -199,6 +203,14 @@ class CGravlinDoc {
   void replaceMesh(std::unique_ptr<TriangleMesh> mesh);
   /// Forgets the lines that the document keeps beside those of the mesh.
   void dropLines();
+  /// Notes where lines that have just been found come from.
+  void haveLines(LinesFrom origin);
+  /// Gives the shape of the current mesh, which may be a new one, its number.
+  void numberShape();
+  /// Notes that the current mesh's curvature values have been smoothed.
+  void curvatureSmoothed();
+  /// Has the histogram window tell how old its values are.
+  void tellHistogramAge();
   /// Whether the name leads to the file last opened or saved, and that is not empty.
   bool holdsItsMesh(const std::string& filePath) const;
   /// Why saving under this name would lose what only the file there holds; empty when it would not.
@@ -224,6 +236,14 @@ class CGravlinDoc {
   void showError(DisplayMode mode);
 
   Outside& outside;
+  std::uint64_t shapes = 0;  ///< how many shapes have a number
+  /// What the values in the histogram window are of; nothing before it has any.
+  struct HistogramContents {
+    std::uint64_t shape;
+    bool principalCurvature;     ///< a field made from the principal curvatures
+    bool smoothedSince = false;  ///< these have been smoothed since
+  };
+  std::optional<HistogramContents> histogramContents;
   bool tellsOfShape = false;   ///< the status bar has a sentence that ends with the shape
   MeshOrigin undoOrigin;       ///< of the undo copy
   bool undoIsModified = true;  ///< what `modified` becomes when the undo copy comes back

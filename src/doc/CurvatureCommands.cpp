@@ -43,6 +43,7 @@ void CGravlinDoc::OnSmoothingCurvatureTensor() {
   };
   phase(showsMax ? CurvatureMax : CurvatureMin, parameters.curvatureIterations, [&](int n) {
     curvatureTensorSmoother.smoothCurvatureValues(n, parameters.curvatureThreshold);
+    if (n > 0) curvatureSmoothed();
   });
   phase(showsMax ? DirectionMax : DirectionMin, parameters.directionIterations,
         [&](int n) { curvatureTensorSmoother.smoothDirections(n, parameters.directionThreshold); });
@@ -74,6 +75,14 @@ void CGravlinDoc::OnTensorMin() {
 
 void CGravlinDoc::fillHistogram() {
   outside.setHistogramValues(shownFieldValues(*this));
+  histogramContents = {.shape = shownFieldShape(*this),
+                       .principalCurvature = showsPrincipalCurvature(displayMode)};
+  tellHistogramAge();
+}
+
+void CGravlinDoc::curvatureSmoothed() {
+  if (!histogramContents || !histogramContents->principalCurvature) return;
+  if (histogramContents->shape == currentMesh->shape) histogramContents->smoothedSince = true;
 }
 
 void CGravlinDoc::showField(DisplayMode mode) {

@@ -22,6 +22,12 @@ bool CGravlinDoc::exportLines(const std::string& filePath) {
     outside.showMessage(loss);
     return false;
   }
+  if (linesAreLost) {
+    outside.showMessage(
+        "The lines that were found belong to an earlier mesh, and none were looked for since. "
+        "Edit > Edge Detection finds those of the mesh as it is now.");
+    return false;
+  }
   if (linesFrom == LinesFrom::Nothing && mesh.ridgeLinks.empty() && mesh.valleyLinks.empty()) {
     outside.showMessage(
         "There are no lines to export yet. Edit > Edge Detection finds some: Face Angle, or Local "

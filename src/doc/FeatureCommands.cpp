@@ -1,6 +1,7 @@
 // Edit > Edge Detection: ridge and valley lines, and creases.
 
 #include <cmath>
+#include <cstdint>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -21,25 +22,33 @@ constexpr float ridgeSmoothingStep = 0.1F;
 class UnsmoothedPositions {
  public:
   explicit UnsmoothedPositions(TriangleMesh& smoothedMesh) : mesh(smoothedMesh) {}
-  ~UnsmoothedPositions() {
-    if (positions) mesh.vertices = std::move(*positions);
-  }
+  ~UnsmoothedPositions() { bringBack(); }
   UnsmoothedPositions(const UnsmoothedPositions&) = delete;
   UnsmoothedPositions& operator=(const UnsmoothedPositions&) = delete;
 
-  void keep() { positions = mesh.vertices; }
+  void keep() {
+    positions = mesh.vertices;
+    shape = mesh.shape;
+  }
   void forget() { positions.reset(); }
 
   void restore() {
     if (!positions) return;
-    mesh.vertices = std::move(*positions);
-    positions.reset();
+    bringBack();
     mesh.computeNormals();
   }
 
  private:
+  void bringBack() {
+    if (!positions) return;
+    mesh.vertices = std::move(*positions);
+    mesh.shape = shape;
+    positions.reset();
+  }
+
   TriangleMesh& mesh;
   std::optional<std::vector<float>> positions;
+  std::uint64_t shape = 0;
 };
 
 }  // namespace
@@ -64,7 +73,7 @@ LowThresholds CGravlinDoc::thresholdRidges() {
 void CGravlinDoc::showRidgeLines(const LowThresholds& low) {
   ridgeDetector.buildLineGraph();
   if (ridgeParameters.connect) ridgeDetector.connectLines(ridgeParameters.connectThreshold, low);
-  linesFrom = LinesFrom::LocalMax;
+  haveLines(LinesFrom::LocalMax);
   decimator.creaseLinks.clear();
   displayMode = FeatureLines;
 }
@@ -121,6 +130,7 @@ void CGravlinDoc::detectCreases() {
     decimator.attach(currentMesh.get());
     decimator.detectCreasesByAngle(static_cast<float>(-std::cos(parameters.angle * degree)));
   }
+  haveLines(linesFrom);
 }
 
 void CGravlinDoc::OnEdgeDetectionFaceAngle() {

@@ -44,7 +44,9 @@ bool CGravlinDoc::openFile(const std::string& filePath) {
     outside.showMessage(opened.error);
     return false;
   }
+  opened.mesh->shape = ++shapes;
   replaceMesh(std::move(opened.mesh));
+  linesAreLost = false;  // they were of another mesh
   path = filePath;
   meshOrigin = {filePath, opened.extent, opened.positionLoss};
   modified = false;

@@ -14,6 +14,13 @@ namespace gravlin {
 /// use the filter "All files(*.*)|*.*||".
 enum class FileDialog { Open, Save, Export };
 
+/// How the values in the histogram window stand to the mesh that is shown.
+enum class HistogramAge {
+  Current,
+  BeforeCurvatureSmoothing,  ///< of its shape, but its curvature has been smoothed since
+  EarlierShape               ///< of a shape that is no longer there
+};
+
 /// The colour of the lights: three pairs in red, green and blue, or one colour with grey.
 enum class LightingMode : int { Rgb = 0, Red = 1, Green = 2, Blue = 3 };
 
@@ -70,8 +77,8 @@ class Outside {
   virtual void showHistogram(std::string_view field) = 0;
   /// Gives the histogram window, shown or not, a copy of the values.
   virtual void setHistogramValues(const std::vector<double>& values) = 0;
-  /// The shape that the histogram's values were found on is no longer there. The window keeps them.
-  virtual void markHistogramOutdated() = 0;
+  /// What the histogram window tells about the values that it has, and keeps, whatever their age.
+  virtual void setHistogramAge(HistogramAge age) = 0;
 
   virtual void setLightingMode(LightingMode mode) = 0;
   virtual void setLineWidthAndPointSize(float width, float size) = 0;

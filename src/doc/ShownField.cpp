@@ -52,4 +52,23 @@ std::vector<double> shownFieldValues(const CGravlinDoc& doc) {
   }
 }
 
+bool showsPrincipalCurvature(int displayMode) {
+  switch (displayMode) {
+    case CurvatureMax:
+    case CurvatureMin:
+    case CurvatureMean:
+    case CurvatureGauss:
+    case CurvatureTotal:
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::uint64_t shownFieldShape(const CGravlinDoc& doc) {
+  const TriangleMesh& mesh = *doc.currentMesh;
+  if (showsPrincipalCurvature(doc.displayMode)) return mesh.curvatureOrigin.shape;
+  return doc.displayMode == EdgeCurvature ? mesh.edgeCurvatureOrigin.shape : mesh.shape;
+}
+
 }  // namespace gravlin

@@ -33,7 +33,7 @@ void CGravlinDoc::OnSilhouette() {
   ridgeDetector.compareAbsoluteValues();
   ridgeDetector.fillGaps();
   ridgeDetector.buildLineGraph();
-  linesFrom = LinesFrom::LocalMax;
+  haveLines(LinesFrom::LocalMax);
   decimator.creaseLinks.clear();
 
   computeCurvatureDerivatives(mesh);

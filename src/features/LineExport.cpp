@@ -98,7 +98,8 @@ double meanCurvatureAlong(const TriangleMesh& mesh, const Polyline& line,
   double sum = 0.0;
   for (const int v : line.vertices) sum += curvature[static_cast<std::size_t>(v)];
   const double inMemory = sum / static_cast<double>(line.vertices.size());
-  return mesh.extentTolerance == 0.0 ? 0.0 : inMemory / mesh.extentTolerance;
+  const double unit = mesh.curvatureOrigin.unit;
+  return unit == 0.0 ? 0.0 : inMemory / unit;
 }
 
 void addLines(const TriangleMesh& mesh, std::vector<Polyline> polylines, int kind,

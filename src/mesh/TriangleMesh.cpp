@@ -306,6 +306,7 @@ void TriangleMesh::copyGeometryFrom(const TriangleMesh& other) {
   copy.vertexCount = other.vertexCount;
   copy.vertices = other.vertices;
   copy.faces = other.faces;
+  copy.shape = other.shape;
   copy.boxMax = other.boxMax;
   copy.boxMin = other.boxMin;
   copy.extentTolerance = other.extentTolerance;

@@ -29,6 +29,12 @@ struct Strokes {
   std::vector<std::vector<FacePoint>> minStrokes;  ///< [strokeCount], none of them empty
 };
 
+/// The shape that a field was found on.
+struct FieldOrigin {
+  std::uint64_t shape = 0;  ///< the mesh's `shape` then
+  double unit = 0.0;        ///< its `extentTolerance` then: a length of 1 in units of the file
+};
+
 /// An indexed triangle set with everything derived from it that commands and drawing read.
 /// Positions and normals are single precision, all geometry in between is double. An empty array
 /// has not been built (or belongs to an empty mesh). V and F below are `vertexCount` and
@@ -44,6 +50,9 @@ class TriangleMesh {
   int vertexCount = 0;
   std::vector<float> vertices;  ///< [3V] x, y, z
   std::vector<int> faces;       ///< [3F] corners; (-1, -1, -1) is an invalid (removed) face
+  /// Which shape positions and faces make up, to whatever scale. Kept by the mesh's owner, who
+  /// gives every new shape a number of its own.
+  std::uint64_t shape = 0;
 
   // --- Topology, filled by buildAdjacency and buildFaceAdjacency ---
   /// One-ring of each vertex. Consecutive neighbours v(k), v(k+1) of vertex i form the stored face
@@ -67,8 +76,10 @@ class TriangleMesh {
   std::vector<double> maxDirection, minDirection;  ///< [3V] unit; right-handed with the normal
   std::vector<double> maxDerivativeGradient;       ///< [3V] unit direction in which a ridge runs
   std::vector<double> minDerivativeGradient;       ///< [3V] unit direction in which a valley runs
+  FieldOrigin curvatureOrigin;                     ///< of the principal curvatures
   std::vector<double> edgeCurvatures;              ///< [3F] numbered as faceAdjacency
-  std::vector<int> coherentFaces;                  ///< [F] 1 where maxDirection turns slowly
+  FieldOrigin edgeCurvatureOrigin;
+  std::vector<int> coherentFaces;  ///< [F] 1 where maxDirection turns slowly
 
   // --- Feature lines and strokes ---
   std::vector<int> ridgeMarks, valleyMarks;        ///< [V] 0 or 1
@@ -145,9 +156,12 @@ class TriangleMesh {
   /// on a convex surface. 0 unless the vertex is interior, and 0 when the ring area is 0 or NaN.
   Vec3 meanCurvatureNormal(int i) const;
 
+  /// Of a field that is found on the mesh as it is.
+  FieldOrigin here() const { return {shape, extentTolerance}; }
+
   // --- Copies ---
-  /// Copies positions, faces, box and extentTolerance. Nothing derived is copied, and what this
-  /// mesh had derived is dropped.
+  /// Copies positions, faces, their shape's number, box and extentTolerance. Nothing derived is
+  /// copied, and what this mesh had derived is dropped.
   void copyGeometryFrom(const TriangleMesh& other);
   /// A mesh of the used vertices and the valid faces only, renumbered in index order, with this
   /// mesh's box and extentTolerance and nothing derived. Requires buildAdjacency.

@@ -20,6 +20,7 @@ class HistogramWindowTest : public QObject {
   void itStandsBesideTheMainWindowWhereThereIsRoom();
   void itStandsInTheLowerRightCornerOfAMainWindowThatFillsTheScreen();
   void itStaysWhereItWasMovedTo();
+  void itsTitleTellsHowOldTheValuesAre();
   void itClosesWithTheProgram();
 };
 
@@ -94,6 +95,30 @@ void HistogramWindowTest::itStaysWhereItWasMovedTo() {
   graph.close();
   show(program, "curvature-max");
   QTRY_COMPARE(graph.pos(), place);
+}
+
+void HistogramWindowTest::itsTitleTellsHowOldTheValuesAre() {
+  Program program;
+  openGourd(program);
+  const GraphWindow& graph = show(program, "curvature-max");
+  const auto run = [&](const char* step, const char* dialogName) {
+    NextDialog dialog(dialogName, pressOk);
+    program.step(step).trigger();
+    return dialog.answered();
+  };
+  QCOMPARE(graph.windowTitle(), "Maximum curvature - gourd.ply2");
+  QVERIFY(run("smooth-tensor", "CTensorSmoothDlg"));
+  QCOMPARE(graph.windowTitle(),
+           "Maximum curvature (before smoothing of the curvature) - gourd.ply2");
+  show(program, "curvature-max");
+  QCOMPARE(graph.windowTitle(), "Maximum curvature - gourd.ply2");
+  program.step("flat-shading").trigger();
+  QVERIFY(run("noise", "CNoiseDlg"));
+  QCOMPARE(graph.windowTitle(), "Maximum curvature of an earlier shape - gourd.ply2");
+  show(program, "curvature-mean");  // of what was estimated before
+  QCOMPARE(graph.windowTitle(), "Mean curvature of an earlier shape - gourd.ply2");
+  program.step("undo").trigger();
+  QCOMPARE(graph.windowTitle(), "Mean curvature - gourd.ply2");
 }
 
 void HistogramWindowTest::itClosesWithTheProgram() {

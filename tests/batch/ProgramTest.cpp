@@ -396,6 +396,34 @@ TEST_F(Program, WritesNoPictureUnderTheNameOfAnotherFormat) {
   }
 }
 
+TEST_F(Program, WritesNoLinesThatWereLostOnTheWay) {
+  const test::RunResult result = run("open " + mesh +
+                                     " face-angle --threshold-mode angle flat-shading subdivision "
+                                     "--method Linear export-lines " +
+                                     in("lines.obj") + " save " + in("after.ply2"));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.errors, HasSubstr("none were looked for since"));
+  EXPECT_FALSE(exists("lines.obj"));
+  EXPECT_FALSE(exists("after.ply2"));
+}
+
+TEST_F(Program, ReportsTheSameCurvatureBeforeAndAfterSaving) {
+  const std::string bumpy =
+      test::writeMeshFile(folder, "bumpy.ply2", test::jittered(test::icosphere(3), 0.05));
+  const std::string shrunk = "open '" + bumpy +
+                             "' smooth-shape --iteration-count 50 --no-animate "
+                             "--no-preserve-volume curvature-max edge-curvature report";
+  const test::RunResult once = run(shrunk);
+  ASSERT_EQ(once.status, 0) << once.errors;
+  const test::RunResult twice = run(shrunk + " save " + in("z.ply2") + " report");
+  const std::string second = twice.output.substr(once.output.size());
+  const auto curvatures = [](const std::string& text) {
+    return text.substr(text.find("maximum curv"));
+  };
+  EXPECT_THAT(curvatures(once.output), HasSubstr("edge curvature"));
+  EXPECT_EQ(curvatures(second), curvatures(once.output));
+}
+
 TEST_F(Program, HelpGoesToStandardOutputAndSucceeds) {
   const test::RunResult all = run("--help");
   EXPECT_EQ(all.status, 0);

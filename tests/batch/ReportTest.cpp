@@ -2,11 +2,14 @@
 #include <gtest/gtest.h>
 
 #include "batch/Report.h"
+#include "curvature/CurvatureTensor.h"
+#include "curvature/EdgeCurvature.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
 namespace {
 
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -53,6 +56,7 @@ TEST(Report, HoldsStatisticsOfTheCurvaturesThatArePresent) {
   EXPECT_THAT(summary(mesh), Not(HasSubstr("curvature")));
   mesh.maxCurvature = {2, 4, 6, 8};
   mesh.minCurvature = {-2, 0, 2, 4};
+  mesh.curvatureOrigin = mesh.here();
   const std::string text = summary(mesh);
   EXPECT_THAT(text, HasSubstr("maximum curvature     from 1 to 4, mean 2.5, deviation 1.11803\n"));
   EXPECT_THAT(text, HasSubstr("minimum curvature     from -1 to 2, mean 0.5, deviation 1.11803\n"));
@@ -61,8 +65,26 @@ TEST(Report, HoldsStatisticsOfTheCurvaturesThatArePresent) {
   EXPECT_THAT(text, HasSubstr("total curvature       from 2 to 6, mean 3.5"));
   EXPECT_THAT(text, Not(HasSubstr("edge curvature")));
   mesh.edgeCurvatures.assign(6, -2.0);
+  mesh.edgeCurvatureOrigin = mesh.here();
   EXPECT_THAT(summary(mesh),
               HasSubstr("edge curvature        from -1 to -1, mean -1, deviation 0\n"));
+}
+
+TEST(Report, TellsWhichCurvaturesAreOlderThanTheShape) {
+  TriangleMesh mesh = test::bumpyGrid(5, 5);
+  mesh.shape = 7;
+  computeCurvatureTensor(mesh);
+  computeEdgeCurvatures(mesh);
+  EXPECT_THAT(summary(mesh), Not(HasSubstr("earlier")));
+  mesh.shape = 8;
+  computeEdgeCurvatures(mesh);
+  const std::string text = summary(mesh);
+  for (const char* name : {"maximum", "minimum", "mean", "Gaussian", "total"}) {
+    EXPECT_THAT(text, ContainsRegex(name + std::string(" curvature .* .of an earlier shape.\n")));
+  }
+  EXPECT_THAT(text, Not(ContainsRegex("edge curvature .*earlier")));
+  mesh.shape = 9;
+  EXPECT_THAT(summary(mesh), ContainsRegex("edge curvature .* .of an earlier shape.\n"));
 }
 
 TEST(Report, HasNoNegativeZerosAndNoNansForAMeshWithoutFaces) {
@@ -72,6 +94,7 @@ TEST(Report, HasNoNegativeZerosAndNoNansForAMeshWithoutFaces) {
     measured.normalize();  // which leaves a negative unit where no box could be found
     measured.maxCurvature.assign(static_cast<std::size_t>(mesh.vertexCount), 0.0);
     measured.minCurvature = measured.maxCurvature;
+    measured.curvatureOrigin = measured.here();
     const std::string text = summary(measured);
     EXPECT_THAT(text, Not(HasSubstr("-0"))) << name;
     EXPECT_THAT(text, Not(HasSubstr("nan"))) << name;

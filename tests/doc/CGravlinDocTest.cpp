@@ -271,23 +271,80 @@ TEST_F(Document, TheSentenceAboutAFaceGoesWhenTheShapeChanges) {
 
 // --- The histogram window ---
 
-TEST_F(Document, TheHistogramIsOutdatedFromAChangeOfShapeUntilItGetsValues) {
+TEST_F(Document, TheHistogramTellsThatItsValuesAreOfAnEarlierShape) {
   load(test::bumpyGrid(6, 6));
   doc.OnCurvatureMax();
-  EXPECT_FALSE(outside.histogramOutdated);
+  EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
   const std::vector<double> values = outside.histogramValues;
   doc.OnFlatShading();
-  EXPECT_FALSE(outside.histogramOutdated);
+  EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
   moveVertexZero(0.5F);
-  EXPECT_TRUE(outside.histogramOutdated);
+  EXPECT_EQ(outside.histogramAge, HistogramAge::EarlierShape);
   EXPECT_EQ(outside.histogramValues, values) << "deliberate: the window keeps what it has";
-  doc.OnCurvatureMean();
-  EXPECT_FALSE(outside.histogramOutdated);
-  moveVertexZero(0.25F);
-  EXPECT_FALSE(outside.histogramOutdated) << "a field on show comes anew";
+}
+
+TEST_F(Document, ShowingAnOlderEstimateAgainDoesNotMakeItOneOfThisShape) {
+  load(test::bumpyGrid(6, 6));
+  doc.OnCurvatureMax();
+  doc.OnEdgeCurvature();
   doc.OnFlatShading();
+  moveVertexZero(0.5F);
+  doc.OnCurvatureMean();  // made of what was estimated before
+  EXPECT_EQ(outside.histogramAge, HistogramAge::EarlierShape);
+  doc.OnEdgeCurvature();  // always found anew
+  EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+  doc.OnCurvatureMax();
+  EXPECT_EQ(outside.histogramAge, HistogramAge::EarlierShape);
+  moveVertexZero(0.25F);
+  EXPECT_EQ(outside.histogramAge, HistogramAge::Current) << "a field on show comes anew";
+}
+
+TEST_F(Document, TheHistogramIsOfThisShapeAgainWhenUndoBringsItBack) {
+  load(test::bumpyGrid(6, 6));
+  doc.OnCurvatureMax();
+  doc.OnFlatShading();
+  moveVertexZero(0.5F);
   doc.OnEditUndo();
-  EXPECT_TRUE(outside.histogramOutdated);
+  EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+  moveVertexZero(0.5F);
+  doc.OnCurvatureMax();
+  moveVertexZero(0.25F);
+  doc.OnFlatShading();
+  EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+  doc.OnEditUndo();
+  EXPECT_EQ(outside.histogramAge, HistogramAge::EarlierShape);
+}
+
+TEST_F(Document, ACommandThatChangesNothingLeavesEverythingOfThisShape) {
+  load(test::bumpyGrid(6, 6));
+  doc.OnCurvatureMax();
+  doc.OnFlatShading();
+  outside.dialogAnswers = {test::okWith({{"noiseSize", "0"}})};
+  doc.OnSmoothingNoise();
+  EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+  EXPECT_EQ(doc.currentMesh->curvatureOrigin.shape, doc.currentMesh->shape);
+  outside.dialogAnswers = {test::okWith({{"noiseSize", "0.1"}})};
+  doc.OnSmoothingNoise();
+  EXPECT_EQ(outside.histogramAge, HistogramAge::EarlierShape);
+}
+
+TEST_F(Document, EveryCommandThatChangesTheShapeMakesItAnother) {
+  for (const auto& [name, command] :
+       {std::pair<const char*, void (CGravlinDoc::*)()>{"noise", &CGravlinDoc::OnSmoothingNoise},
+        {"smoothing", &CGravlinDoc::OnSmoothingShape},
+        {"adaptive", &CGravlinDoc::OnSmoothingShapeAdaptive},
+        {"subdivision", &CGravlinDoc::OnSubdivision},
+        {"simplification", &CGravlinDoc::OnSimplification}}) {
+    SCOPED_TRACE(name);
+    load(test::bumpyGrid(6, 6));
+    doc.OnCurvatureMax();
+    doc.OnFlatShading();
+    outside.dialogAnswers = {test::ok()};
+    (doc.*command)();
+    EXPECT_EQ(outside.histogramAge, HistogramAge::EarlierShape);
+    doc.OnEditUndo();
+    EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+  }
 }
 
 // --- Without memory for a redraw ---

@@ -13,6 +13,7 @@
 #include "doc/ShownField.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
+#include "support/TemporaryFolder.h"
 
 namespace gravlin {
 namespace {
@@ -137,6 +138,79 @@ TEST_F(CurvatureCommands, AChangeOfGeometryInAnotherModeLeavesTheEstimate) {
   doc.redraw();
   doc.OnCurvatureMax();
   EXPECT_EQ(mesh().maxCurvature, before);
+}
+
+// --- Smoothing of the curvature, and the histogram of before ---
+
+TEST_F(CurvatureCommands, AHistogramOfBeforeCurvatureTensorSaysSo) {
+  for (const FieldCommand& command : fieldCommands()) {
+    SCOPED_TRACE(command.name);
+    load(test::torus(12, 8));
+    (doc.*command.handler)();
+    outside.dialogAnswers = {test::cancel(), test::ok()};
+    doc.OnSmoothingCurvatureTensor();
+    EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+    doc.OnSmoothingCurvatureTensor();
+    EXPECT_EQ(outside.histogramAge, HistogramAge::BeforeCurvatureSmoothing);
+    (doc.*command.handler)();
+    EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+    outside.dialogAnswers = {test::ok()};  // from a fresh estimate, but smoothed otherwise
+    doc.OnSmoothingCurvatureTensor();
+    EXPECT_EQ(outside.histogramAge, HistogramAge::BeforeCurvatureSmoothing);
+    doc.keepUndoCopy();
+    mesh().vertices[0] += 1.0F;
+    doc.geometryChanged();
+    EXPECT_EQ(outside.histogramAge, HistogramAge::EarlierShape);
+  }
+}
+
+TEST_F(CurvatureCommands, CurvatureTensorConcernsNoHistogramOfAnotherField) {
+  load(test::torus(12, 8));
+  for (const auto& [handler, iterations] :
+       {std::pair<Handler, const char*>{&CGravlinDoc::OnEdgeCurvature, "3"},
+        {&CGravlinDoc::OnShowVertexError, "3"},
+        {&CGravlinDoc::OnCurvatureMax, "0"}}) {
+    (doc.*handler)();
+    outside.dialogAnswers = {test::okWith({{"curvatureIterations", iterations}})};
+    doc.OnSmoothingCurvatureTensor();
+    EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+  }
+}
+
+// --- The scale of an estimate ---
+
+/// The mean curvature over all vertices, in units of the file.
+double meanInFile(const TriangleMesh& mesh) {
+  double sum = 0.0;
+  for (const double h : curvatureField(mesh, CurvatureField::Mean)) sum += h;
+  return sum / static_cast<double>(mesh.vertexCount) / mesh.curvatureOrigin.unit;
+}
+
+TEST_F(CurvatureCommands, SavingDoesNotChangeCurvatureInUnitsOfTheFile) {
+  const test::TemporaryFolder folder;
+  // A sphere of radius 3 that comes down to 1.5. The estimate of its mean curvature, 1 / radius, is
+  // off by the error of the vertex normals alone.
+  TriangleMesh sphere = test::icosphere(3, 3.0);
+  sphere.normalize();
+  load(std::move(sphere));
+  doc.keepUndoCopy();
+  for (float& x : mesh().vertices) x *= 0.5F;
+  doc.geometryChanged();
+  doc.OnCurvatureMax();
+  doc.OnEdgeCurvature();
+  const double edge = mesh().edgeCurvatures[0] / mesh().edgeCurvatureOrigin.unit;
+  EXPECT_NEAR(meanInFile(mesh()), 1.0 / 1.5, 0.01);
+  ASSERT_TRUE(doc.saveFile(folder.file("sphere.ply2")));
+  EXPECT_NEAR(mesh().extentTolerance, 0.15, 1e-6);
+  EXPECT_NEAR(meanInFile(mesh()), 1.0 / 1.5, 0.01);
+  EXPECT_EQ(mesh().edgeCurvatures[0] / mesh().edgeCurvatureOrigin.unit, edge);
+  outside.dialogAnswers = {test::okWith({{"curvatureIterations", "2"}})};
+  doc.OnSmoothingCurvatureTensor();  // estimates at the new scale
+  EXPECT_NEAR(meanInFile(mesh()), 1.0 / 1.5, 0.01);
+  EXPECT_EQ(mesh().curvatureOrigin.unit, mesh().extentTolerance);
+  doc.OnEditUndo();
+  doc.OnCurvatureMax();
+  EXPECT_NEAR(meanInFile(mesh()), 1.0 / 3.0, 0.005);
 }
 
 // --- Edge curvature ---

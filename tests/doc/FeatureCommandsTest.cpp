@@ -349,6 +349,27 @@ TEST(FaceAngleCommand, CancelChangesNothing) {
   EXPECT_EQ(desk.outside.count("redraw"), 0);
 }
 
+TEST(LocalMaxCommand, CurvatureOfTheSmoothedShapeIsNotThatOfTheRestoredOne) {
+  Desk desk(bumpyGrid(16, 16));
+  desk.answer(fewLaplacianSteps());
+  desk.findLines({{"preSmoothing", "common"}});
+  desk.doc.OnCurvatureMax();
+  EXPECT_EQ(desk.outside.histogramAge, HistogramAge::EarlierShape);
+  desk.findLines({});
+  desk.doc.OnCurvatureMax();
+  EXPECT_EQ(desk.outside.histogramAge, HistogramAge::Current);
+}
+
+TEST(FaceAngleCommand, SmoothingOnTheWayLeavesCurvatureThatOfTheRestoredShape) {
+  Desk desk(bumpyGrid(16, 16));
+  desk.doc.OnCurvatureMax();
+  desk.answer(fewAdaptiveSteps());
+  desk.findCreases({{"preSmoothing", "1"}});
+  EXPECT_EQ(desk.outside.histogramAge, HistogramAge::Current);
+  desk.doc.OnCurvatureMean();
+  EXPECT_EQ(desk.outside.histogramAge, HistogramAge::Current);
+}
+
 TEST(FaceAngleCommand, ACancelOfTheAdaptiveSmoothingSkipsOnlyTheSmoothing) {
   Desk plain(bumpyGrid(16, 16));
   plain.findCreases({});
@@ -503,6 +524,42 @@ TEST(ExportLinesCommand, WhenNoneWereFoundTheFileHasNoneAndTheStatusSaysSo) {
     EXPECT_EQ(take(path), "");
     EXPECT_THAT(desk.outside.statuses.back(), ::testing::StartsWith("No lines were found"));
   }
+}
+
+TEST(ExportLinesCommand, LinesThatWentWithTheirMeshGetAMessageUntilSomeAreLookedForAgain) {
+  const std::string path = ::testing::TempDir() + "gravlin-lost-lines.obj";
+  for (const auto& [name, loseLines] :
+       {std::pair<const char*, void (CGravlinDoc::*)()>{"subdivision", &CGravlinDoc::OnSubdivision},
+        {"simplification", &CGravlinDoc::OnSimplification},
+        {"undo", &CGravlinDoc::OnEditUndo}}) {
+    SCOPED_TRACE(name);
+    Desk desk(jittered(fineCube(5), 0.03));
+    desk.doc.keepUndoCopy();
+    desk.findCreases({{"thresholdMode", "angle"}});
+    desk.doc.OnFlatShading();  // where creases are not found again
+    desk.outside.dialogAnswers = {ok()};
+    (desk.doc.*loseLines)();
+    EXPECT_FALSE(desk.doc.exportLines(path));
+    EXPECT_FALSE(std::filesystem::exists(path));
+    ASSERT_EQ(desk.outside.messages.size(), 1U);
+    EXPECT_THAT(desk.outside.messages[0], ::testing::HasSubstr("none were looked for since"));
+    desk.outside.dialogAnswers.clear();
+    desk.findCreases({{"thresholdMode", "angle"}});
+    EXPECT_TRUE(desk.doc.exportLines(path));
+    EXPECT_EQ(take(path).find("v "), 0U);
+  }
+}
+
+TEST(ExportLinesCommand, LinesOfALostMeshAreNoMatterForAnotherFile) {
+  const std::string path = ::testing::TempDir() + "gravlin-square.ply2";
+  std::ofstream(path) << "4 2\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n3 0 1 2\n3 0 2 3\n";
+  Desk desk(cube());
+  desk.findCreases({{"thresholdMode", "angle"}});
+  ASSERT_TRUE(desk.doc.openFile(path));
+  std::filesystem::remove(path);
+  EXPECT_FALSE(desk.doc.exportLines(::testing::TempDir() + "gravlin-none.obj"));
+  EXPECT_THAT(desk.outside.messages.back(),
+              ::testing::StartsWith("There are no lines to export yet"));
 }
 
 TEST(ExportLinesCommand, AnotherExtensionOrAFolderThatIsNotThereGetsAMessage) {

@@ -19,6 +19,7 @@ TriangleMesh squareWithLines() {
   mesh.boxMin = {5.0F, -5.0F, -5.0F};
   mesh.boxMax = {15.0F, 5.0F, 5.0F};
   mesh.extentTolerance = 0.5;
+  mesh.curvatureOrigin.unit = 0.5;
   return mesh;
 }
 
@@ -37,6 +38,14 @@ TEST(LineExport, VtkTellsKindAndMeanCurvatureInFileUnits) {
             "LINES 2 9\n5 0 1 2 3 0\n2 0 2\n"
             "CELL_DATA 2\nSCALARS kind int 1\nLOOKUP_TABLE default\n0\n1\n"
             "SCALARS meanCurvature double 1\nLOOKUP_TABLE default\n6\n-2\n");
+}
+
+TEST(LineExport, MeanCurvatureKeepsTheScaleThatItWasEstimatedAt) {
+  TriangleMesh mesh = squareWithLines();
+  const double before = linesToExport(mesh, LineOrigin::RidgesAndValleys)[0].meanCurvature;
+  EXPECT_EQ(before, 3.0 / 0.5);
+  mesh.extentTolerance = 0.125;  // scaled anew: four times as large in memory
+  EXPECT_EQ(linesToExport(mesh, LineOrigin::RidgesAndValleys)[0].meanCurvature, before);
 }
 
 TEST(LineExport, LinesOfTheCreaseDetectionAreConvexAndConcaveCreases) {

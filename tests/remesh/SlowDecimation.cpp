@@ -213,8 +213,8 @@ class SlowDecimation {
     mesh.buildAdjacency();
   }
 
-  /// In the pairs of j's edges i takes the place of j, unless i has an edge to the same vertex; then
-  /// all edges of i are weighed anew.
+  /// In the pairs of j's edges i takes the place of j, unless i has an edge to the same vertex;
+  /// then all edges of i are weighed anew.
   void renew(int i, int j) {
     addTo(matrices[toIndex(i)], matrices[toIndex(j)]);
     const auto otherEnd = [](const Edge& edge, int v) { return edge.i == v ? edge.j : edge.i; };

@@ -110,7 +110,6 @@ void ScriptedOutside::showHistogram(std::string_view field) {
 void ScriptedOutside::setHistogramValues(const std::vector<double>& values) {
   calls.push_back(sentence("histogram values ", values.size()));
   histogramValues = values;
-  histogramOutdated = false;
 }
 
 void ScriptedOutside::setLightingMode(LightingMode mode) {

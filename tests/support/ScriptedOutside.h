@@ -41,7 +41,7 @@ class ScriptedOutside : public Outside {
   std::vector<std::string> messages;
   std::vector<std::string> statuses;
   std::vector<double> histogramValues;  ///< as last given
-  bool histogramOutdated = false;       ///< since then
+  HistogramAge histogramAge = HistogramAge::Current;
 
   /// How many recorded calls equal `call`.
   int count(const std::string& call) const;
@@ -64,7 +64,7 @@ class ScriptedOutside : public Outside {
   void redraw() override;
   void showHistogram(std::string_view field) override;
   void setHistogramValues(const std::vector<double>& values) override;
-  void markHistogramOutdated() override { histogramOutdated = true; }
+  void setHistogramAge(HistogramAge age) override { histogramAge = age; }
   void setLightingMode(LightingMode mode) override;
   void setLineWidthAndPointSize(float width, float size) override;
   ViewAngles viewAngles() const override { return angles; }

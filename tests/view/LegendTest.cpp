@@ -4,6 +4,8 @@
 
 #include "support/ImageComparison.h"
 #include "support/OffscreenView.h"
+#include "support/TemporaryFolder.h"
+#include "view/CurvatureScenes.h"
 #include "view/Legend.h"
 
 namespace gravlin {
@@ -52,6 +54,23 @@ TEST(Legend, NamesNoValuesWhereThereAreNone) {
   for (const std::vector<double>& values : {std::vector<double>(), notANumber}) {
     EXPECT_THAT(textsOf(legendOf({values, false}, {300, 300})), ElementsAre("-", "-", "-"));
   }
+}
+
+TEST(Legend, NamesTheSameValuesAfterTheMeshWasSaved) {
+  const test::TemporaryFolder folder;
+  test::OffscreenView offscreen;
+  offscreen.show(test::bumpySphere(), FlatShading);
+  for (float& x : offscreen.document.currentMesh->vertices) x *= 0.5F;
+  offscreen.document.geometryChanged();
+  offscreen.document.OnCurvatureMax();
+  const auto texts = [&] {
+    return textsOf(legendOf(*vertexField(offscreen.document).scale, {300, 300}));
+  };
+  const std::vector<std::string> before = texts();
+  const float x = offscreen.document.currentMesh->vertices[0];
+  ASSERT_TRUE(offscreen.document.saveFile(folder.file("sphere.ply2")));
+  ASSERT_NE(offscreen.document.currentMesh->vertices[0], x) << "it fills the view again";
+  EXPECT_EQ(texts(), before);
 }
 
 TEST(Legend, StandsInTheUpperRightCorner) {

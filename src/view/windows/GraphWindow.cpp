@@ -17,6 +17,18 @@ QColor penColour(const Colour& colour) {
   return {byte(colour.r), byte(colour.g), byte(colour.b)};
 }
 
+QString remarkOn(HistogramAge age) {
+  switch (age) {
+    case HistogramAge::Current:
+      return {};
+    case HistogramAge::BeforeCurvatureSmoothing:
+      return " (before smoothing of the curvature)";
+    case HistogramAge::EarlierShape:
+      return " of an earlier shape";
+  }
+  return {};
+}
+
 }  // namespace
 
 GraphWindow::GraphWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
@@ -30,15 +42,13 @@ GraphWindow::GraphWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
   updateTitle();
 }
 
-void GraphWindow::markOutdated() {
-  isOutdated = true;
+void GraphWindow::setAge(HistogramAge ageOfValues) {
+  age = ageOfValues;
   updateTitle();
 }
 
 void GraphWindow::setValues(std::span<const double> values) {
   shown.setValues(values);
-  isOutdated = false;
-  updateTitle();
   repaint();
 }
 
@@ -53,7 +63,7 @@ void GraphWindow::setDocumentTitle(const QString& name) {
 }
 
 void GraphWindow::updateTitle() {
-  setWindowTitle(field + (isOutdated ? " of an earlier shape - " : " - ") + documentTitle);
+  setWindowTitle(field + remarkOn(age) + " - " + documentTitle);
 }
 
 QSize GraphWindow::sizeHint() const {

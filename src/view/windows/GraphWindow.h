@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <span>
 
+#include "doc/Outside.h"
 #include "view/Histogram.h"
 
 namespace gravlin {
@@ -16,9 +17,8 @@ class GraphWindow : public QWidget {
  public:
   explicit GraphWindow(QWidget* parent = nullptr);
 
-  /// The title tells from now on that the values are those of an earlier shape, until new ones
-  /// come.
-  void markOutdated();
+  /// The title tells how old the values are.
+  void setAge(HistogramAge age);
   /// Bins and draws new values before it returns.
   void setValues(std::span<const double> values);
   /// The two halves of the title, "Maximum curvature" and "bunny.ply2".
@@ -37,7 +37,7 @@ class GraphWindow : public QWidget {
   void updateTitle();
 
   Histogram shown;
-  bool isOutdated = false;
+  HistogramAge age = HistogramAge::Current;
   QString field;
   QString documentTitle;
 };

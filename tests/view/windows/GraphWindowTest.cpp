@@ -52,9 +52,12 @@ void GraphWindowTest::theTitleNamesTheFieldAndTheDocument() {
   window.setField("Maximum curvature");
   window.setDocumentTitle("bunny.ply2");
   QCOMPARE(window.windowTitle(), "Maximum curvature - bunny.ply2");
-  window.markOutdated();
+  window.setAge(HistogramAge::EarlierShape);
   QCOMPARE(window.windowTitle(), "Maximum curvature of an earlier shape - bunny.ply2");
-  window.setValues(someValues());
+  window.setAge(HistogramAge::BeforeCurvatureSmoothing);
+  QCOMPARE(window.windowTitle(),
+           "Maximum curvature (before smoothing of the curvature) - bunny.ply2");
+  window.setAge(HistogramAge::Current);
   QCOMPARE(window.windowTitle(), "Maximum curvature - bunny.ply2");
 }
 
