@@ -13,6 +13,7 @@
 #include "features/CreasesByAngle.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
+#include "support/TemporaryFolder.h"
 
 namespace gravlin {
 namespace {
@@ -355,7 +356,7 @@ TEST(LocalMaxCommand, CurvatureOfTheSmoothedShapeIsNotThatOfTheRestoredOne) {
   desk.findLines({{"preSmoothing", "common"}});
   desk.doc.OnCurvatureMax();
   EXPECT_EQ(desk.outside.histogramAge, HistogramAge::EarlierShape);
-  desk.findLines({});
+  desk.findLines({{"preSmoothing", "none"}});
   desk.doc.OnCurvatureMax();
   EXPECT_EQ(desk.outside.histogramAge, HistogramAge::Current);
 }
@@ -527,7 +528,8 @@ TEST(ExportLinesCommand, WhenNoneWereFoundTheFileHasNoneAndTheStatusSaysSo) {
 }
 
 TEST(ExportLinesCommand, LinesThatWentWithTheirMeshGetAMessageUntilSomeAreLookedForAgain) {
-  const std::string path = ::testing::TempDir() + "gravlin-lost-lines.obj";
+  const TemporaryFolder folder;
+  const std::string path = folder.file("lost-lines.obj");
   for (const auto& [name, loseLines] :
        {std::pair<const char*, void (CGravlinDoc::*)()>{"subdivision", &CGravlinDoc::OnSubdivision},
         {"simplification", &CGravlinDoc::OnSimplification},
@@ -551,13 +553,12 @@ TEST(ExportLinesCommand, LinesThatWentWithTheirMeshGetAMessageUntilSomeAreLooked
 }
 
 TEST(ExportLinesCommand, LinesOfALostMeshAreNoMatterForAnotherFile) {
-  const std::string path = ::testing::TempDir() + "gravlin-square.ply2";
-  std::ofstream(path) << "4 2\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n3 0 1 2\n3 0 2 3\n";
+  const TemporaryFolder folder;
   Desk desk(cube());
   desk.findCreases({{"thresholdMode", "angle"}});
-  ASSERT_TRUE(desk.doc.openFile(path));
-  std::filesystem::remove(path);
-  EXPECT_FALSE(desk.doc.exportLines(::testing::TempDir() + "gravlin-none.obj"));
+  ASSERT_TRUE(desk.doc.openFile(
+      folder.write("square.ply2", "4 2\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n3 0 1 2\n3 0 2 3\n")));
+  EXPECT_FALSE(desk.doc.exportLines(folder.file("none.obj")));
   EXPECT_THAT(desk.outside.messages.back(),
               ::testing::StartsWith("There are no lines to export yet"));
 }
