@@ -7,6 +7,7 @@
 
 #include "features/CreasesByAngle.h"
 #include "features/LineChains.h"
+#include "numeric/Index.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
@@ -127,11 +128,49 @@ TEST(CreasesByAngle, AWiderAngleAddsTheLinesOfTheFillets) {
   EXPECT_EQ(loopsOf(mesh.valleyLinks, 64).size(), 1U + 8U);
 }
 
-TEST(CreasesByAngle, HostileMeshesPass) {
+/// How many sides of valid faces lie between the two vertices and have no face beside them.
+int openSides(const TriangleMesh& mesh, int a, int b) {
+  int count = 0;
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    if (!mesh.validFace(f)) continue;
+    const auto c = mesh.corners(f);
+    for (std::size_t k = 0; k < 3; ++k) {
+      const bool between = std::minmax(c[k], c[(k + 1) % 3]) == std::minmax(a, b);
+      if (between && mesh.faceAdjacency[3 * toIndex(f) + k] < 0) ++count;
+    }
+  }
+  return count;
+}
+
+// Below the cosine -2 there is no fold, so only what counts without one remains.
+TEST(CreasesByAngle, OfHostileMeshesAreTheSidesWithoutANeighbourWhenNoFoldIsSharpEnough) {
   for (auto& [name, mesh] : hostileMeshes()) {
     SCOPED_TRACE(name);
+    const auto creases = detectCreasesByAngle(mesh, -2.0F);
+    ASSERT_EQ(static_cast<int>(creases.size()), mesh.vertexCount);
+    EXPECT_EQ(creases, mesh.ridgeLinks);
+    EXPECT_THAT(mesh.valleyLinks, Each(IsEmpty()));
+    for (int a = 0; a < mesh.vertexCount; ++a) {
+      for (int b = 0; b < mesh.vertexCount; ++b) {
+        if (a == b) continue;
+        EXPECT_EQ(std::ranges::count(creases[toIndex(a)], b), openSides(mesh, a, b));
+      }
+    }
+  }
+}
+
+TEST(CreasesByAngle, OfHostileMeshesAreRidgesAndValleysTogether) {
+  for (auto& [name, mesh] : hostileMeshes()) {
+    SCOPED_TRACE(name);
+    const TriangleMesh before = mesh;
     const auto creases = detectCreasesByAngle(mesh, cosThreshold(180.0));
-    EXPECT_EQ(static_cast<int>(creases.size()), mesh.vertexCount);
+    EXPECT_EQ(linkCount(creases), linkCount(mesh.ridgeLinks) + linkCount(mesh.valleyLinks));
+    for (std::size_t v = 0; v < creases.size(); ++v) {
+      std::vector<int> both(mesh.ridgeLinks[v].begin(), mesh.ridgeLinks[v].end());
+      both.insert(both.end(), mesh.valleyLinks[v].begin(), mesh.valleyLinks[v].end());
+      EXPECT_THAT(creases[v], ::testing::UnorderedElementsAreArray(both));
+    }
+    EXPECT_EQ(mesh.faces, before.faces);
   }
 }
 

@@ -11,6 +11,7 @@
 #include "features/CreasesByHistogram.h"
 #include "features/EdgeFold.h"
 #include "features/LineChains.h"
+#include "features/LinkLaws.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
@@ -44,11 +45,12 @@ TriangleMesh roof(int columns, double slope) {
 TEST(CreasesByHistogram, TheFoldOfARoofIsAConvexLineOfItsLength) {
   TriangleMesh mesh = roof(12, 1.0);
   detectCreasesByHistogram(mesh, {0.93F, 0.88F});
-  EXPECT_THAT(mesh.valleyLinks, ::testing::SizeIs(mesh.ridgeLinks.size()));
   for (int r = 1; r + 1 < 8; ++r) {
     const int v = r * 13 + 6;
     EXPECT_THAT(mesh.ridgeLinks[static_cast<std::size_t>(v)],
                 ::testing::UnorderedElementsAre(v - 13, v + 13));
+    EXPECT_THAT(mesh.valleyLinks[static_cast<std::size_t>(v)],
+                Each(::testing::AllOf(::testing::Ne(v - 13), ::testing::Ne(v + 13))));
   }
 }
 
@@ -323,12 +325,34 @@ TEST(CreasesByHistogram, TheResultDoesNotDependOnAnEarlierRun) {
   EXPECT_EQ(mesh.ridgeLinks, first);
 }
 
-TEST(CreasesByHistogram, HostileMeshesAndSharesPass) {
+/// How many faces have both vertices for corners.
+int facesOnEdge(const TriangleMesh& mesh, int a, int b) {
+  int count = 0;
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    if (!mesh.validFace(f)) continue;
+    const auto c = mesh.corners(f);
+    if (std::ranges::count(c, a) + std::ranges::count(c, b) == 2) ++count;
+  }
+  return count;
+}
+
+TEST(CreasesByHistogram, OfHostileMeshesRunBetweenTwoFacesAndAreOfOneKind) {
   for (const float share : {0.0F, 0.9F, 1.0F, -5.0F, 7.0F}) {
     for (auto& [name, mesh] : hostileMeshes()) {
       SCOPED_TRACE(name);
+      const TriangleMesh before = mesh;
       detectCreasesByHistogram(mesh, {share, share});
-      EXPECT_EQ(static_cast<int>(mesh.ridgeLinks.size()), mesh.vertexCount);
+      expectLinksAlongEdges(mesh, mesh.ridgeLinks);
+      expectLinksAlongEdges(mesh, mesh.valleyLinks);
+      for (int v = 0; v < mesh.vertexCount; ++v) {
+        for (const int u : mesh.ridgeLinks[toIndex(v)]) {
+          EXPECT_GE(facesOnEdge(mesh, u, v), 2);
+          EXPECT_EQ(std::ranges::count(mesh.valleyLinks[toIndex(v)], u), 0);
+        }
+        for (const int u : mesh.valleyLinks[toIndex(v)]) EXPECT_GE(facesOnEdge(mesh, u, v), 2);
+      }
+      EXPECT_EQ(mesh.faces, before.faces);
+      EXPECT_EQ(mesh.faceAdjacency, before.faceAdjacency);
     }
   }
 }

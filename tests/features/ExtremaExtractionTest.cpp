@@ -10,6 +10,7 @@
 #include "features/MarkedMeshes.h"
 #include "numeric/Index.h"
 #include "support/Meshes.h"
+#include "support/MeshFields.h"
 
 namespace gravlin {
 namespace {
@@ -360,10 +361,31 @@ TEST(ExtremaExtraction, BoundaryAndNonManifoldVerticesGetNoMark) {
       extractExtrema(mesh);
       ASSERT_EQ(static_cast<int>(mesh.ridgeMarks.size()), mesh.vertexCount);
       for (std::size_t i = 0; i < mesh.ridgeMarks.size(); ++i) {
-        if (mesh.vertexKind[i] == InteriorVertex) continue;
-        EXPECT_EQ(mesh.ridgeMarks[i], 0);
-        EXPECT_EQ(mesh.valleyMarks[i], 0);
+        if (mesh.vertexKind[i] == InteriorVertex) {
+          EXPECT_TRUE(mesh.ridgeMarks[i] == 0 || mesh.ridgeMarks[i] == 1);
+          EXPECT_TRUE(mesh.valleyMarks[i] == 0 || mesh.valleyMarks[i] == 1);
+        } else {
+          EXPECT_EQ(mesh.ridgeMarks[i], 0);
+          EXPECT_EQ(mesh.valleyMarks[i], 0);
+        }
       }
+    }
+  }
+}
+
+// The closed triangle of two sides, the only hostile mesh of finite positions with interior
+// vertices, is flat: kmax = kmin.
+TEST(ExtremaExtraction, HostileMeshesHaveNoMarksAndStayAsTheyAre) {
+  for (auto& [name, mesh] : hostileMeshes()) {
+    SCOPED_TRACE(name);
+    const TriangleMesh before = mesh;
+    extractExtrema(mesh);
+    EXPECT_EQ(std::ranges::count(mesh.ridgeMarks, 1), 0);
+    EXPECT_EQ(std::ranges::count(mesh.valleyMarks, 1), 0);
+    EXPECT_EQ(mesh.faces, before.faces);
+    EXPECT_EQ(mesh.vertexKind, before.vertexKind);
+    for (int i = 0; i < mesh.vertexCount; ++i) {
+      EXPECT_TRUE(sameBits(mesh.position(i), before.position(i)));
     }
   }
 }

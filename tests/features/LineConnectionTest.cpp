@@ -6,6 +6,7 @@
 
 #include "features/LineConnection.h"
 #include "features/LineGraph.h"
+#include "features/LinkLaws.h"
 #include "features/MarkedMeshes.h"
 #include "support/Meshes.h"
 
@@ -225,18 +226,39 @@ TEST(LineConnection, ALongDashedLineIsJoinedDashByDash) {
   EXPECT_EQ(ends, 2);
 }
 
-TEST(LineConnection, HostileMeshesAndCurvaturesPass) {
+/// Whether all links of `before` are among those of `after`, in the same order and ahead of others.
+bool onlyAdds(const std::vector<IndexList>& before, const std::vector<IndexList>& after) {
+  for (std::size_t v = 0; v < before.size(); ++v) {
+    if (after[v].size() < before[v].size()) return false;
+    if (!std::equal(before[v].begin(), before[v].end(), after[v].begin())) return false;
+  }
+  return true;
+}
+
+TEST(LineConnection, OfHostileMeshesAndCurvaturesOnlyAddsLinksAndMarksWhatHasSome) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double inf = std::numeric_limits<double>::infinity();
   for (const double k : {0.0, 30.0, nan, inf, -inf}) {
-    for (auto& [name, mesh] : hostileMeshes()) {
-      SCOPED_TRACE(name);
-      prepareLines(mesh, k, -k);
-      for (std::size_t i = 0; i < mesh.ridgeMarks.size(); i += 2) mesh.ridgeMarks[i] = 1;
-      mesh.valleyMarks = mesh.ridgeMarks;
-      buildLineGraph(mesh);
-      connectLines(mesh, std::numeric_limits<float>::quiet_NaN(), {nan, nan});
-      EXPECT_EQ(static_cast<int>(mesh.ridgeMarks.size()), mesh.vertexCount);
+    for (const double limit : {0.0, nan, 1e30}) {
+      for (auto& [name, mesh] : hostileMeshes()) {
+        SCOPED_TRACE(name + " at " + std::to_string(k) + " within " + std::to_string(limit));
+        prepareLines(mesh, k, -k);
+        for (std::size_t i = 0; i < mesh.ridgeMarks.size(); i += 2) mesh.ridgeMarks[i] = 1;
+        mesh.valleyMarks = mesh.ridgeMarks;
+        buildLineGraph(mesh);
+        const TriangleMesh before = mesh;
+        connectLines(mesh, static_cast<float>(limit), {limit, -limit});
+        for (const bool ridges : {true, false}) {
+          const auto& links = ridges ? mesh.ridgeLinks : mesh.valleyLinks;
+          const auto& marks = ridges ? mesh.ridgeMarks : mesh.valleyMarks;
+          expectLinksAlongEdges(mesh, links);
+          EXPECT_TRUE(onlyAdds(ridges ? before.ridgeLinks : before.valleyLinks, links));
+          for (std::size_t i = 0; i < links.size(); ++i) {
+            EXPECT_EQ(marks[i], links[i].empty() ? 0 : 1) << i;
+          }
+        }
+        EXPECT_EQ(mesh.faces, before.faces);
+      }
     }
   }
 }

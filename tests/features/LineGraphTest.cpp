@@ -4,6 +4,7 @@
 #include <random>
 
 #include "features/LineGraph.h"
+#include "features/LinkLaws.h"
 #include "features/MarkedMeshes.h"
 #include "support/Meshes.h"
 
@@ -220,15 +221,24 @@ TEST(LineGraph, ALineOfTwoHundredThousandVerticesPassesWithoutDeepRecursion) {
   EXPECT_EQ(ends, 2);
 }
 
-TEST(LineGraph, HostileMeshesPass) {
+// A vertex that no valid face uses is marked as well and stays without links.
+TEST(LineGraph, OfHostileMeshesIsAForestAlongTheEdgesTheSameForBothKinds) {
+  int links = 0;
   for (auto& [name, mesh] : hostileMeshes()) {
     SCOPED_TRACE(name);
     prepareLines(mesh, 1.0, -1.0);
     std::fill(mesh.ridgeMarks.begin(), mesh.ridgeMarks.end(), 1);
     std::fill(mesh.valleyMarks.begin(), mesh.valleyMarks.end(), 1);
+    const std::vector<int> marks = mesh.ridgeMarks;
     buildLineGraph(mesh);
-    EXPECT_EQ(static_cast<int>(mesh.ridgeLinks.size()), mesh.vertexCount);
+    expectLinksAlongEdges(mesh, mesh.ridgeLinks);
+    EXPECT_TRUE(isForest(mesh.ridgeLinks));
+    EXPECT_EQ(mesh.valleyLinks, mesh.ridgeLinks);
+    EXPECT_EQ(mesh.ridgeMarks, marks);
+    EXPECT_EQ(mesh.valleyMarks, marks);
+    for (const IndexList& list : mesh.ridgeLinks) links += list.size();
   }
+  EXPECT_GT(links, 0);
 }
 
 /// A row of seven marked vertices about the seed in the middle, one and a half units apart. A drop

@@ -61,6 +61,24 @@ TEST(RidgeThresholds, HistogramTakesPercentilesOfPositiveMaximaAndNegativeMinima
       << "boundary vertices are not touched";
 }
 
+TEST(RidgeThresholds, HistogramLeavesMarksOfBoundaryAndNonManifoldVerticesAlone) {
+  for (TriangleMesh mesh : {hexagonFan(), bowTie(), touchingOctahedra(), pointsOnly()}) {
+    const auto V = static_cast<std::size_t>(mesh.vertexCount);
+    for (std::size_t i = 0; i < V; ++i) {
+      mesh.maxCurvature.push_back(1.0 + static_cast<double>(i));
+      mesh.minCurvature.push_back(-1.0 - static_cast<double>(i));
+    }
+    mesh.ridgeMarks.assign(V, 1);
+    mesh.valleyMarks.assign(V, 1);
+    thresholdHistogram(mesh, {1.0F, 0.3F});  // which no interior vertex passes
+    for (std::size_t i = 0; i < V; ++i) {
+      const int expected = mesh.vertexKind[i] == InteriorVertex ? 0 : 1;
+      EXPECT_EQ(mesh.ridgeMarks[i], expected) << i;
+      EXPECT_EQ(mesh.valleyMarks[i], expected) << i;
+    }
+  }
+}
+
 // 0.7 in single precision is a little less than 0.7: the largest value passes its own percentile.
 TEST(RidgeThresholds, PercentilesAreOfValuesInSinglePrecision) {
   TriangleMesh mesh = allMarked({0.7, 0, 0, 0, 0, 0, 0}, {-0.7, 0, 0, 0, 0, 0, 0});

@@ -205,11 +205,14 @@ TEST(CollapsibleMesh, RefusesAnOppositeCornerOfThreeNeighbours) {
 }
 
 TEST(CollapsibleMesh, RefusesAFaceOfLowQuality) {
-  // Vertex 24 of the grid lies at (3, 3). With x close to the side from (2, 2) to (2, 3) of its
-  // fan, that face gets the quality 4 sqrt(3) d / 2 / (1 + ...), about 1.7 d.
+  // Vertex 24 of the grid lies at (3, 3). With x at the distance d from the middle of the side from
+  // (2, 2) to (2, 3) of its fan, that face has the area d / 2 and the squared sides 1 and twice
+  // 1/4 + d^2: the quality 4 sqrt(3) (d / 2) / (3/2 + 2 d^2) is 4 d / sqrt(3) up to a millionth,
+  // and 0.001 at d = 0.00025 sqrt(3). Rounding x to single precision changes d by less than 1/3000.
   const TriangleMesh grid = test::grid(6, 6);
-  EXPECT_TRUE(collapsed(grid, 24, 25, {2.0 + 1e-3, 2.5, 0}));
-  EXPECT_FALSE(collapsed(grid, 24, 25, {2.0 + 1e-4, 2.5, 0}));
+  const double limit = 0.00025 * std::numbers::sqrt3;
+  EXPECT_TRUE(collapsed(grid, 24, 25, {2.0 + 1.002 * limit, 2.5, 0}));
+  EXPECT_FALSE(collapsed(grid, 24, 25, {2.0 + 0.998 * limit, 2.5, 0}));
 }
 
 TEST(CollapsibleMesh, RefusesAFaceThatFoldsOver) {

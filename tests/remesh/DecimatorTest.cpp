@@ -13,6 +13,7 @@
 #include "remesh/Decimator.h"
 #include "remesh/SlowDecimation.h"
 #include "support/Meshes.h"
+#include "support/MeshFields.h"
 
 namespace gravlin {
 namespace {
@@ -243,17 +244,33 @@ TEST(Decimator, KeepsTheShapeOfFlatSidesAndTheirEdges) {
   }
 }
 
-TEST(Decimator, KeepsAPlanarPatchInItsPlaneAndItsSidesStraight) {
-  TriangleMesh mesh = test::grid(10, 8);
-  decimate(mesh, 0.6F);
-  for (int i = 0; i < mesh.vertexCount; ++i) {
-    if (mesh.neighbourCount(i) == 0) continue;
-    const Vec3 p = mesh.position(i);
-    EXPECT_EQ(p.z, 0.0);
-    EXPECT_GE(p.x, -1e-6);
-    EXPECT_GE(p.y, -1e-6);
-    EXPECT_LE(p.x, 10.0 + 1e-5);
-    EXPECT_LE(p.y, 8.0 + 1e-5);
+// Where a border turns, its plane is the sheet's own as well: nothing holds a corner in its place.
+TEST(Decimator, KeepsAFlatSheetInItsPlaneAndWithinItsOutlineThoughNotItsCorners) {
+  const TriangleMesh before = test::grid(10, 8);
+  for (const float rate : {0.2F, 0.6F, 0.9F}) {
+    SCOPED_TRACE(rate);
+    TriangleMesh mesh = before;
+    decimate(mesh, rate);
+    int corners = 0;
+    double area = 0.0;
+    for (int i = 0; i < mesh.vertexCount; ++i) {
+      if (mesh.neighbourCount(i) == 0) continue;
+      const Vec3 p = mesh.position(i);
+      EXPECT_EQ(p.z, 0.0);
+      // Points of the border are found in its line up to the rounding of single precision.
+      EXPECT_TRUE(p.x >= -1e-5 && p.x <= 10.0 + 1e-5 && p.y >= -1e-5 && p.y <= 8.0 + 1e-5);
+      if ((p.x == 0.0 || p.x == 10.0) && (p.y == 0.0 || p.y == 8.0)) ++corners;
+    }
+    for (int f = 0; f < mesh.faceCount; ++f) {
+      if (!mesh.validFace(f)) continue;
+      const auto c = mesh.corners(f);
+      const Vec3 a = mesh.position(c[0]);
+      const Vec3 n = cross(mesh.position(c[1]) - a, mesh.position(c[2]) - a);
+      EXPECT_GT(n.z, 0.0) << "no face turns over";
+      area += 0.5 * n.z;
+    }
+    EXPECT_LT(corners, 4);
+    EXPECT_LT(area, 80.0);
   }
 }
 
@@ -328,19 +345,47 @@ TEST(Decimator, LeavesNonManifoldVerticesAndTheirFacesInPlace) {
   EXPECT_EQ(mesh.vertexKind[0], NonManifoldVertex);
 }
 
-TEST(Decimator, GoesThroughAnyMesh) {
-  for (const auto& [name, hostile] : test::hostileMeshes()) {
-    for (const float rate : {0.0F, 0.5F, 1.0F}) {
-      TriangleMesh mesh = hostile;
-      const DecimationResult result = decimate(mesh, rate);
-      EXPECT_EQ(mesh.countValidFaces(), hostile.countValidFaces() - result.faces) << name;
+int nonFiniteCoordinates(const TriangleMesh& mesh) {
+  return static_cast<int>(
+      std::ranges::count_if(mesh.vertices, [](float x) { return !std::isfinite(x); }));
+}
+
+/// What holds of a mesh whatever was in it before.
+void expectProperlyDecimated(const TriangleMesh& before, const TriangleMesh& after,
+                             const DecimationResult& result) {
+  EXPECT_EQ(after.countValidFaces(), before.countValidFaces() - result.faces);
+  EXPECT_EQ(after.countUsedVertices(), before.countUsedVertices() - result.vertices);
+  EXPECT_EQ(nonFiniteCoordinates(after), nonFiniteCoordinates(before)) << "these never move";
+  for (int i = 0; i < before.vertexCount; ++i) {
+    if (before.vertexKind[toIndex(i)] == NonManifoldVertex) {
+      EXPECT_TRUE(test::sameBits(after.position(i), before.position(i))) << i;
+      EXPECT_EQ(after.vertexFaceCount(i), before.vertexFaceCount(i)) << i;
     }
   }
-  TriangleMesh withInfinity = test::icosphere(2);
-  withInfinity.vertices[30] = std::numeric_limits<float>::infinity();
-  withInfinity.vertices[60] = std::numeric_limits<float>::quiet_NaN();
-  decimate(withInfinity, 0.9F);
-  EXPECT_EQ(test::eulerCharacteristic(withInfinity), 2);
+  TriangleMesh anew = after;
+  anew.buildAdjacency();
+  EXPECT_EQ(after.vertexKind, anew.vertexKind);
+  EXPECT_EQ(after.faces, anew.faces) << "every corner is a vertex, and no face has one twice";
+}
+
+TEST(Decimator, LeavesAProperMeshOfAnyMesh) {
+  std::vector<test::NamedMesh> meshes = test::hostileMeshes();
+  TriangleMesh holed = test::jittered(test::icosphere(2), 0.03);
+  holed.vertices[30] = std::numeric_limits<float>::infinity();
+  holed.vertices[60] = std::numeric_limits<float>::quiet_NaN();
+  meshes.push_back({"sphere with two points at no place", holed});
+  for (const auto& [name, before] : meshes) {
+    for (const float rate : {0.0F, 0.5F, 0.9F, 1.0F}) {
+      SCOPED_TRACE(::testing::Message() << name << ' ' << rate);
+      TriangleMesh mesh = before;
+      const DecimationResult result = decimate(mesh, rate);
+      expectProperlyDecimated(before, mesh, result);
+      if (mesh.faceCount > 100) {
+        EXPECT_EQ(test::eulerCharacteristic(mesh), 2);
+        EXPECT_GT(result.vertices, 0);
+      }
+    }
+  }
 }
 
 TEST(Decimator, DoesNothingWithoutAMesh) {

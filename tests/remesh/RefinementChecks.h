@@ -8,11 +8,32 @@
 #include <vector>
 
 #include "support/Meshes.h"
+#include "support/MeshFields.h"
 
 namespace gravlin::test {
 
 inline double distance(const Vec3& a, const Vec3& b) {
   return length(a - b);
+}
+
+/// Expects what every refinement does to the faces: four for one, a valid one's valid, a point more
+/// for every edge, two sides of faces that meet there counting as one.
+inline void expectRefined(const TriangleMesh& old, const TriangleMesh& refined) {
+  int joined = 0;
+  int open = 0;
+  for (int f = 0; f < old.faceCount; ++f) {
+    if (!old.validFace(f)) continue;
+    for (std::size_t k = 0; k < 3; ++k) {
+      ++(old.faceAdjacency[3 * static_cast<std::size_t>(f) + k] >= 0 ? joined : open);
+    }
+  }
+  EXPECT_EQ(refined.vertexCount, old.vertexCount + open + joined / 2);
+  EXPECT_EQ(refined.faceCount, 4 * old.faceCount);
+  EXPECT_EQ(refined.countValidFaces(), 4 * old.countValidFaces());
+  TriangleMesh anew = refined;
+  anew.buildAdjacency();
+  EXPECT_EQ(refined.faces, anew.faces) << "every corner is a vertex, and no face has one twice";
+  EXPECT_EQ(refined.vertexKind, anew.vertexKind);
 }
 
 /// The point of the edge a-b: the vertex that both are joined to after the refinement.
