@@ -151,15 +151,15 @@ TEST_F(AdaptiveSmoothingCommand, WithoutAMeshNothingIsAsked) {
 
 TEST_F(AdaptiveSmoothingCommand, RemembersItsValues) {
   run({{"outerIterations", "3"}, {"threshold", "2.5"}, {"weightShape", "similar"}});
-  outside.dialogAnswers = {[](const Form& form) {
-    std::map<std::string_view, std::string> shown;
+  std::map<std::string_view, std::string> shown;
+  outside.dialogAnswers = {[&](const Form& form) {
     for (const Field& field : form.fields) shown[field.name] = textOf(field);
-    EXPECT_EQ(shown["outerIterations"], "3");
-    EXPECT_EQ(shown["threshold"], "2.5");
-    EXPECT_EQ(shown["weightShape"], "0");
     return false;
   }};
   doc.OnSmoothingShapeAdaptive();
+  EXPECT_EQ(shown["outerIterations"], "3");
+  EXPECT_EQ(shown["threshold"], "2.5");
+  EXPECT_EQ(shown["weightShape"], "0");
 }
 
 TEST_F(AdaptiveSmoothingCommand, TellsWhenPositionsAreNoLongerFinite) {

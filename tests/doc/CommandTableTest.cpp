@@ -7,6 +7,7 @@
 
 #include "doc/CommandTable.h"
 #include "support/Meshes.h"
+#include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
 
 namespace gravlin {
@@ -186,7 +187,27 @@ TEST(CommandTable, CancellingTheDialogOfACommandChangesNothing) {
   }
 }
 
-TEST(CommandTable, EveryHandlerIsSafeOnHostileMeshes) {
+/// The steps that change where vertices are or which faces there are.
+bool changesShape(const Command& row) {
+  constexpr std::string_view steps[] = {"smooth-shape", "smooth-adaptive", "noise", "subdivision",
+                                        "simplification"};
+  return std::ranges::find(steps, row.step) != std::end(steps);
+}
+
+/// Expects of a mesh that what is derived from its faces and positions belongs to them.
+void expectUpToDate(const TriangleMesh& mesh) {
+  TriangleMesh anew = mesh;
+  anew.buildAdjacency();
+  anew.buildFaceAdjacency();
+  EXPECT_EQ(mesh.faces, anew.faces);
+  EXPECT_EQ(mesh.vertexKind, anew.vertexKind);
+  EXPECT_EQ(mesh.vertexNeighbours.items, anew.vertexNeighbours.items);
+  EXPECT_EQ(mesh.faceAdjacency, anew.faceAdjacency);
+  EXPECT_EQ(mesh.faceNormals.size(), mesh.faces.size());
+  EXPECT_EQ(mesh.vertexNormals.size(), mesh.vertices.size());
+}
+
+TEST(CommandTable, EveryHandlerLeavesAnUpToDateMeshOfAHostileOne) {
   for (const Command& row : commandTable()) {
     if (row.handler == nullptr) continue;
     for (const test::NamedMesh& hostile : test::hostileMeshes()) {
@@ -199,6 +220,19 @@ TEST(CommandTable, EveryHandlerIsSafeOnHostileMeshes) {
       (doc.*row.handler)();
       ASSERT_NE(doc.currentMesh, nullptr);
       EXPECT_FALSE(doc.needsRecompute && outside.count("redraw") > 0);
+      expectUpToDate(*doc.currentMesh);
+      EXPECT_EQ(doc.undoMesh != nullptr, changesShape(row));
+      EXPECT_EQ(doc.modified, changesShape(row));
+      if (test::isFinite(hostile.mesh)) {
+        EXPECT_TRUE(test::isFinite(*doc.currentMesh));
+      }
+      if (changesShape(row)) {
+        EXPECT_TRUE(test::sameVertices(*doc.undoMesh, hostile.mesh));
+        EXPECT_EQ(doc.undoMesh->faces, hostile.mesh.faces);
+      } else {
+        EXPECT_TRUE(test::sameVertices(*doc.currentMesh, hostile.mesh));
+        EXPECT_EQ(doc.currentMesh->faces, hostile.mesh.faces);
+      }
     }
   }
 }

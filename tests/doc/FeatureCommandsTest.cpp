@@ -2,8 +2,10 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <limits>
 #include <sstream>
 
 #include "curvature/CurvatureDerivatives.h"
@@ -11,7 +13,9 @@
 #include "curvature/DirectionCoherence.h"
 #include "doc/CGravlinDoc.h"
 #include "features/CreasesByAngle.h"
+#include "numeric/Index.h"
 #include "support/Meshes.h"
+#include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
 #include "support/TemporaryFolder.h"
 
@@ -138,6 +142,120 @@ TEST(LocalMaxCommand, RidgeDirectionsAreThoseOfTheSmoothedShape) {
   EXPECT_EQ(desk.mesh().minDerivativeGradient, byHand.minDerivativeGradient);
 }
 
+/// The numbers of the stages between the curvature and the lines, as the dialog has them at first.
+struct Stages {
+  std::function<LowThresholds(TriangleMesh&)> threshold = [](TriangleMesh& mesh) {
+    return thresholdHistogram(mesh, {.upper = 0.6F, .lower = 0.3F});
+  };
+  bool compares = true;
+  bool connects = true;
+  float connectThreshold = 200.0F;
+};
+
+/// The mesh with curvature, marks and lines as the stages give them one after the other.
+TriangleMesh linesByHand(TriangleMesh mesh, const Stages& stages) {
+  mesh.computeVertexNormals();
+  computeCurvatureTensor(mesh);
+  extractExtrema(mesh);
+  const LowThresholds low = stages.threshold(mesh);
+  if (stages.compares) compareAbsoluteValues(mesh);
+  fillGaps(mesh);
+  buildLineGraph(mesh);
+  if (stages.connects) connectLines(mesh, stages.connectThreshold, low);
+  return mesh;
+}
+
+bool sameLines(const TriangleMesh& a, const TriangleMesh& b) {
+  return a.ridgeMarks == b.ridgeMarks && a.valleyMarks == b.valleyMarks &&
+         a.ridgeLinks == b.ridgeLinks && a.valleyLinks == b.valleyLinks;
+}
+
+/// Thresholds that take marks by the constant but let joins run through other curvatures.
+Stages byConstant(float constant, const LowThresholds& low) {
+  return {.threshold =
+              [=](TriangleMesh& mesh) {
+                thresholdConstant(mesh, constant);
+                return low;
+              },
+          .compares = false,
+          .connectThreshold = 1e9F};
+}
+
+// The run before leaves other thresholds behind.
+TEST(LocalMaxCommand, NoneIsTheConstantZeroAndLowsOfZero) {
+  const TriangleMesh shape = jittered(bumpyGrid(30, 30), 0.1);
+  const TriangleMesh byHand = linesByHand(shape, byConstant(0.0F, {0.0, 0.0}));
+  const float everything = -std::numeric_limits<float>::infinity();
+  ASSERT_FALSE(sameLines(byHand, linesByHand(shape, byConstant(everything, {0.0, 0.0}))));
+  ASSERT_FALSE(sameLines(byHand, linesByHand(shape, byConstant(0.0F, {1.0, 0.0}))));
+  ASSERT_FALSE(sameLines(byHand, linesByHand(shape, byConstant(0.0F, {0.0, -1.0}))));
+  Desk desk(shape);
+  for (const char* mode : {"histogram", "constant", "none"}) {
+    desk.findLines({{"extractOn", "edge"},
+                    {"thresholdMode", mode},
+                    {"absoluteComparison", "0"},
+                    {"connectThreshold", "1e9"}});
+    EXPECT_EQ(sameLines(desk.mesh(), byHand), std::string(mode) == "none") << mode;
+  }
+}
+
+TEST(LocalMaxCommand, BothSharesOfTheHistogramReachTheirStages) {
+  const TriangleMesh shape = jittered(bumpyGrid(30, 30), 0.1);
+  const auto shares = [&](float upper, float lower) {
+    return linesByHand(shape, {.threshold =
+                                   [=](TriangleMesh& mesh) {
+                                     return thresholdHistogram(mesh, {upper, lower});
+                                   },
+                               .connectThreshold = 1e9F});
+  };
+  const TriangleMesh byHand = shares(0.85F, 0.05F);
+  ASSERT_FALSE(sameLines(byHand, shares(0.6F, 0.05F)));
+  ASSERT_FALSE(sameLines(byHand, shares(0.85F, 0.3F)));
+  Desk desk(shape);
+  desk.findLines({{"extractOn", "edge"},
+                  {"histogramUpper", "0.85"},
+                  {"histogramLower", "0.05"},
+                  {"connectThreshold", "1e9"}});
+  EXPECT_TRUE(sameLines(desk.mesh(), byHand));
+}
+
+TEST(LocalMaxCommand, MagnitudesAreComparedWhenTheBoxIsTickedAndNotOtherwise) {
+  const TriangleMesh shape = jittered(bumpyGrid(30, 30), 0.1);
+  const TriangleMesh compared = linesByHand(shape, {});
+  const TriangleMesh all = linesByHand(shape, {.compares = false});
+  ASSERT_NE(all.ridgeMarks, compared.ridgeMarks);
+  ASSERT_NE(all.valleyMarks, compared.valleyMarks);
+  for (const bool ticked : {true, false}) {
+    Desk desk(shape);
+    desk.findLines({{"extractOn", "edge"}, {"absoluteComparison", ticked ? "1" : "0"}});
+    EXPECT_TRUE(sameLines(desk.mesh(), ticked ? compared : all)) << ticked;
+  }
+}
+
+// At this threshold gaps are closed, so both answers give lines of their own.
+TEST(LocalMaxCommand, GapsAreClosedWhenTheBoxIsTickedAndNotOtherwise) {
+  const TriangleMesh shape = bumpyGrid(30, 30);
+  const TriangleMesh apart = linesByHand(shape, {.connects = false, .connectThreshold = 1e9F});
+  const TriangleMesh joined = linesByHand(shape, {.connectThreshold = 1e9F});
+  ASSERT_GT(linkCount(joined.ridgeLinks) + linkCount(joined.valleyLinks),
+            linkCount(apart.ridgeLinks) + linkCount(apart.valleyLinks));
+  for (const bool ticked : {true, false}) {
+    Desk desk(shape);
+    desk.findLines(
+        {{"extractOn", "edge"}, {"connect", ticked ? "1" : "0"}, {"connectThreshold", "1e9"}});
+    EXPECT_TRUE(sameLines(desk.mesh(), ticked ? joined : apart)) << ticked;
+  }
+}
+
+TEST(LocalMaxCommand, TheThresholdOfTheJoinsIsTheOneTyped) {
+  const TriangleMesh shape = bumpyGrid(30, 30);
+  const TriangleMesh byHand = linesByHand(shape, {.connectThreshold = 3000.0F});
+  ASSERT_FALSE(sameLines(byHand, linesByHand(shape, {})));
+  Desk desk(shape);
+  desk.findLines({{"extractOn", "edge"}, {"connectThreshold", "3000"}});
+  EXPECT_TRUE(sameLines(desk.mesh(), byHand));
+}
+
 // The lines come from the smoothed shape, and what is smoothed along them is the restored one.
 TEST(LocalMaxCommand, RidgeEdgesAreSmoothedOnTheRestoredShapeByATenthPerStep) {
   Desk desk(bumpyGrid(30, 30));
@@ -205,14 +323,11 @@ TEST(LocalMaxCommand, FaceLeavesTheModeOfItsTensorSmoothing) {
   EXPECT_EQ(desk.doc.displayMode, byHand.doc.displayMode);
 }
 
-TEST(LocalMaxCommand, EdgeShowsLinesAndLinksWithoutConnectingStayApart) {
-  Desk apart(bumpyGrid(30, 30));
-  apart.findLines({{"extractOn", "edge"}, {"connect", "0"}});
-  Desk joined(bumpyGrid(30, 30));
-  joined.findLines({{"extractOn", "edge"}, {"connectThreshold", "1e9"}});
-  EXPECT_EQ(apart.doc.displayMode, FeatureLines);
-  EXPECT_GT(linkCount(apart.mesh().ridgeLinks), 0);
-  EXPECT_NE(apart.mesh().ridgeLinks, joined.mesh().ridgeLinks);
+TEST(LocalMaxCommand, EdgeShowsLines) {
+  Desk desk(bumpyGrid(30, 30));
+  desk.findLines({{"extractOn", "edge"}});
+  EXPECT_EQ(desk.doc.displayMode, FeatureLines);
+  EXPECT_GT(linkCount(desk.mesh().ridgeLinks), 0);
 }
 
 TEST(LocalMaxCommand, FaceStopsAfterTheMarksAndKeepsTheSmoothedShape) {
@@ -296,24 +411,38 @@ TEST(LocalMaxCommand, ACancelOfTheAdaptiveSmoothingSkipsOnlyThatStage) {
   EXPECT_FALSE(desk.doc.modified);
 }
 
+// Between the runs the shape changes, so that whatever the first one left behind would show.
 TEST(LocalMaxCommand, ASecondRunReplacesEverything) {
+  const TriangleMesh second = jittered(bumpyGrid(20, 20), 0.1);
+  Desk fresh(second);
+  fresh.findLines({{"extractOn", "edge"}});
   Desk desk(bumpyGrid(20, 20));
   desk.findLines({{"extractOn", "edge"}});
-  const auto marks = desk.mesh().ridgeMarks;
-  const auto links = desk.mesh().ridgeLinks;
+  ASSERT_FALSE(sameLines(desk.mesh(), fresh.mesh()));
+  desk.mesh().vertices = second.vertices;
+  desk.doc.geometryChanged();
   desk.findLines({{"extractOn", "edge"}});
-  EXPECT_EQ(desk.mesh().ridgeMarks, marks);
-  EXPECT_EQ(desk.mesh().ridgeLinks, links);
+  EXPECT_TRUE(sameLines(desk.mesh(), fresh.mesh()));
+  EXPECT_EQ(desk.mesh().maxCurvature, fresh.mesh().maxCurvature);
+  EXPECT_EQ(desk.mesh().minCurvature, fresh.mesh().minCurvature);
+  EXPECT_EQ(desk.mesh().maxDirection, fresh.mesh().maxDirection);
+  EXPECT_EQ(desk.mesh().minDirection, fresh.mesh().minDirection);
 }
 
-TEST(LocalMaxCommand, NoThresholdKeepsAtLeastWhatTheHistogramKeeps) {
-  Desk all(bumpyGrid(20, 20));
-  all.findLines({{"thresholdMode", "none"}, {"absoluteComparison", "0"}});
-  Desk strong(bumpyGrid(20, 20));
-  strong.findLines({{"thresholdMode", "constant"}, {"constantThreshold", "0.3"}});
-  const auto count = [](Desk& desk) { return std::ranges::count(desk.mesh().ridgeMarks, 1); };
-  EXPECT_GT(count(all), count(strong));
-  EXPECT_GT(count(strong), 0);
+TEST(LocalMaxCommand, CurvatureThatIsThereAlreadyIsComputedAnew) {
+  Desk fresh(bumpyGrid(20, 20));
+  fresh.findLines({});
+  Desk desk(bumpyGrid(20, 20));
+  const auto V = desk.mesh().vertices.size() / 3;
+  desk.mesh().maxCurvature.assign(V, 3.0);
+  desk.mesh().minCurvature.assign(V, -3.0);
+  desk.mesh().maxDirection.assign(3 * V, 0.0);
+  desk.mesh().minDirection.assign(3 * V, 0.0);
+  desk.findLines({});
+  EXPECT_EQ(desk.mesh().maxCurvature, fresh.mesh().maxCurvature);
+  EXPECT_EQ(desk.mesh().maxDirection, fresh.mesh().maxDirection);
+  EXPECT_EQ(desk.mesh().ridgeMarks, fresh.mesh().ridgeMarks);
+  EXPECT_EQ(desk.mesh().valleyMarks, fresh.mesh().valleyMarks);
 }
 
 TEST(LocalMaxCommand, RidgeEdgeSmoothingChangesTheShape) {
@@ -683,18 +812,49 @@ TEST(SilhouetteCommand, WithoutAMeshNothingHappens) {
   EXPECT_EQ(doc.displayMode, FlatShading);
 }
 
-TEST(FeatureCommands, HostileMeshesPassThroughBothCommands) {
-  for (auto& [name, mesh] : hostileMeshes()) {
-    SCOPED_TRACE(name);
-    Desk desk(mesh);
-    for (const char* extractOn : {"vertex", "edge", "face"}) {
-      desk.findLines(
-          {{"extractOn", extractOn}, {"smoothRidgeEdges", "1"}, {"showRidgeDirection", "1"}});
+/// Expects what holds of lines on any mesh: a mark of 0 or 1 and a list for every vertex, each link
+/// at both of its ends.
+void expectLinesInOrder(const TriangleMesh& mesh, const std::vector<IndexList>& links,
+                        const std::vector<int>& marks) {
+  const auto V = static_cast<std::size_t>(mesh.vertexCount);
+  ASSERT_EQ(links.size(), V);
+  ASSERT_EQ(marks.size(), V);
+  EXPECT_THAT(marks, Each(::testing::AnyOf(0, 1)));
+  for (int v = 0; v < mesh.vertexCount; ++v) {
+    for (const int u : links[toIndex(v)]) {
+      EXPECT_EQ(std::ranges::count(links[toIndex(v)], u), std::ranges::count(links[toIndex(u)], v));
     }
-    desk.findCreases({{"thresholdMode", "angle"}, {"angle", "180"}});
-    desk.findCreases({{"thresholdMode", "histogram"}, {"histogramHi", "0"}, {"histogramLow", "0"}});
+  }
+}
+
+// Only the smoothing of ridge edges moves anything.
+TEST(FeatureCommands, OnHostileMeshesLeaveFacesAndKindsAndFiniteShapesFinite) {
+  for (const auto& [name, before] : hostileMeshes()) {
+    SCOPED_TRACE(name);
+    Desk desk(before);
+    for (const char* extractOn : {"vertex", "edge", "face"}) {
+      desk.findLines({{"extractOn", extractOn}, {"showRidgeDirection", "1"}});
+      EXPECT_TRUE(sameVertices(desk.mesh(), before));
+    }
+    desk.findLines({{"extractOn", "edge"}, {"smoothRidgeEdges", "1"}});
+    expectLinesInOrder(desk.mesh(), desk.mesh().ridgeLinks, desk.mesh().ridgeMarks);
+    expectLinesInOrder(desk.mesh(), desk.mesh().valleyLinks, desk.mesh().valleyMarks);
+    EXPECT_EQ(isFinite(desk.mesh()), isFinite(before));
+    const std::vector<float> smoothed = desk.mesh().vertices;
+    for (const char* mode : {"angle", "histogram"}) {
+      desk.findCreases(
+          {{"thresholdMode", mode}, {"angle", "180"}, {"histogramHi", "0"}, {"histogramLow", "0"}});
+      EXPECT_EQ(desk.doc.displayMode, FeatureLines);
+      expectLinesInOrder(desk.mesh(), desk.mesh().ridgeLinks, desk.mesh().ridgeMarks);
+      expectLinesInOrder(desk.mesh(), desk.mesh().valleyLinks, desk.mesh().valleyMarks);
+    }
     desk.doc.OnSilhouette();
-    EXPECT_EQ(static_cast<int>(desk.mesh().ridgeLinks.size()), desk.mesh().vertexCount);
+    EXPECT_EQ(desk.doc.displayMode, Silhouette);
+    EXPECT_EQ(desk.mesh().coherentFaces.size(), toIndex(desk.mesh().faceCount));
+    EXPECT_EQ(desk.mesh().vertices.size(), smoothed.size());
+    EXPECT_EQ(desk.mesh().faces, before.faces);
+    EXPECT_EQ(desk.mesh().vertexKind, before.vertexKind);
+    EXPECT_EQ(desk.mesh().faceAdjacency, before.faceAdjacency);
   }
 }
 

@@ -15,6 +15,7 @@
 #include "support/Allocations.h"
 #include "support/CapturedText.h"
 #include "support/Meshes.h"
+#include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
 
 namespace gravlin {
@@ -477,13 +478,18 @@ TEST_F(SmoothingCommands, TakeAnyMeshAndAnyStep) {
             std::all_of(doc.currentMesh->vertices.begin(), doc.currentMesh->vertices.end(),
                         [](float x) { return std::isfinite(x); });
         EXPECT_EQ(outside.statuses.empty(), finite);
+        if (test::isFinite(hostile.mesh) && step == 0.5F) {
+          EXPECT_TRUE(finite);
+        }
         doc.OnEditUndo();
-        EXPECT_EQ(doc.currentMesh->vertexCount, hostile.mesh.vertexCount);
+        EXPECT_TRUE(test::sameVertices(*doc.currentMesh, hostile.mesh));
       }
     }
     load(hostile.mesh);
     addNoise({});
     EXPECT_EQ(doc.displayMode, FlatShading);
+    EXPECT_EQ(doc.currentMesh->faces, hostile.mesh.faces);
+    EXPECT_EQ(test::isFinite(*doc.currentMesh), test::isFinite(hostile.mesh));
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include "doc/CGravlinDoc.h"
 #include "support/Meshes.h"
+#include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
 
 namespace gravlin {
@@ -194,18 +195,25 @@ TEST_F(ViewCommands, ViewDirectionCountsUsedVerticesAndValidFacesOnly) {
   EXPECT_EQ(outside.count("counts 0 0"), 1);
 }
 
-TEST_F(ViewCommands, AreSafeOnHostileMeshes) {
+TEST_F(ViewCommands, ChangeNothingOfAHostileMeshButTheMode) {
+  const std::pair<Handler, DisplayMode> modes[] = {
+      {&CGravlinDoc::OnPoints, Points},
+      {&CGravlinDoc::OnFlatShading, FlatShading},
+      {&CGravlinDoc::OnSmoothShading, SmoothShading},
+      {&CGravlinDoc::OnWireFrame, WireFrame},
+      {&CGravlinDoc::OnNonManifoldPoints, NonManifoldPoints}};
   for (const test::NamedMesh& hostile : test::hostileMeshes()) {
     SCOPED_TRACE(hostile.name);
     load(hostile.mesh);
-    for (const Handler handler :
-         {&CGravlinDoc::OnPoints, &CGravlinDoc::OnFlatShading, &CGravlinDoc::OnSmoothShading,
-          &CGravlinDoc::OnWireFrame, &CGravlinDoc::OnNonManifoldPoints}) {
+    for (const auto& [handler, mode] : modes) {
       outside.forget();
       (doc.*handler)();
       EXPECT_THAT(outside.calls, ElementsAre("redraw"));
+      EXPECT_EQ(doc.displayMode, mode);
     }
-    EXPECT_EQ(doc.currentMesh->vertices.size(), hostile.mesh.vertices.size());
+    EXPECT_TRUE(test::sameVertices(*doc.currentMesh, hostile.mesh));
+    EXPECT_EQ(doc.currentMesh->faces, hostile.mesh.faces);
+    EXPECT_FALSE(doc.modified);
   }
 }
 
