@@ -56,8 +56,6 @@ void CommandsTest::inputDuringACommandIsDropped() {
   program.open("t.ply2", tetrahedronText);
   CGravlinView& view = program.view();
   const QPoint middle = view.rect().center();
-  QElapsedTimer timer;
-  timer.start();
   program.opened().run([&](CGravlinDoc& document) {
     document.displayMode = Points;
     drag(view, Qt::LeftButton, {middle, middle + QPoint(30, 0)});

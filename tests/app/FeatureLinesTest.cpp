@@ -8,6 +8,8 @@
 #include <QPlainTextEdit>
 
 #include "app/Program.h"
+#include "curvature/CurvatureTensor.h"
+#include "features/RidgeDetector.h"
 
 namespace gravlin {
 namespace {
@@ -26,6 +28,7 @@ class FeatureLinesTest : public QObject {
   void eachNestedDialogCanBeCancelledByItself_data();
   void eachNestedDialogCanBeCancelledByItself();
   void theBoxesOfTheLaterStagesAreObeyed();
+  void gapsAreClosedOnlyWhereTheBoxIsTicked();
   void bothKindsOfCreaseThresholdRun();
   void faceAngleAsksForItsPreSmoothing();
   void linesAreExportedAndTheDialogCanBeCancelled();
@@ -195,18 +198,39 @@ void FeatureLinesTest::theBoxesOfTheLaterStagesAreObeyed() {
   const auto positions = program.document().currentMesh->vertices;
   QVERIFY(localMax(program, [](QDialog& dialog) {
     click(dialog, "extractOn_1");
-    click(dialog, "connect");
-  }));
-  const auto apart = program.document().currentMesh->ridgeLinks;
-  QVERIFY(program.document().currentMesh->vertices == positions);
-  QVERIFY(localMax(program, [](QDialog& dialog) {
-    click(dialog, "connect");
-    type(control<QLineEdit>(dialog, "connectThreshold"), "1000000");
     click(dialog, "smoothRidgeEdges");
     type(control<QLineEdit>(dialog, "ridgeSmoothIterations"), "2");
   }));
-  QVERIFY(program.document().currentMesh->ridgeLinks != apart);
   QVERIFY(program.document().currentMesh->vertices != positions);
+}
+
+// At this threshold joins are found, so that both answers give lines of their own.
+void FeatureLinesTest::gapsAreClosedOnlyWhereTheBoxIsTicked() {
+  Program program;
+  openGourd(program);
+  for (const bool ticked : {false, true, false}) {
+    QVERIFY(localMax(program, [&](QDialog& dialog) {
+      if (program.document().ridgeParameters.smoothTensor) withoutTensor(dialog);
+      click(dialog, "extractOn_1");
+      auto& box = control<QAbstractButton>(dialog, "connect");
+      if (box.isChecked() != ticked) click(dialog, "connect");
+      type(control<QLineEdit>(dialog, "connectThreshold"), "1000000");
+    }));
+    const TriangleMesh& mesh = *program.document().currentMesh;
+    TriangleMesh apart = mesh;
+    computeCurvatureTensor(apart);
+    extractExtrema(apart);
+    const LowThresholds low = thresholdHistogram(apart, {.upper = 0.6F, .lower = 0.3F});
+    compareAbsoluteValues(apart);
+    fillGaps(apart);
+    buildLineGraph(apart);
+    TriangleMesh joined = apart;
+    connectLines(joined, 1000000.0F, low);
+    QVERIFY(joined.ridgeLinks != apart.ridgeLinks && joined.valleyLinks != apart.valleyLinks);
+    const TriangleMesh& expected = ticked ? joined : apart;
+    QVERIFY(mesh.ridgeLinks == expected.ridgeLinks);
+    QVERIFY(mesh.valleyLinks == expected.valleyLinks);
+  }
 }
 
 void FeatureLinesTest::bothKindsOfCreaseThresholdRun() {

@@ -1,10 +1,6 @@
 // The smoothing commands as a user gives them: menu, dialog, pictures, undo.
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QRadioButton>
-
+#include "app/Controls.h"
 #include "app/Program.h"
 
 namespace gravlin {
@@ -66,37 +62,10 @@ const std::vector<SmoothingDialog> smoothingDialogs = {
       {"normalDifference", "0"}}},
     {"noise", "CNoiseDlg", {{"noiseSize", "0.25"}}}};
 
-/// What a control holds; of a radio group the number of the chosen button.
-QString textIn(QDialog& dialog, const char* name) {
-  auto* control = dialog.findChild<QWidget*>(name);
-  if (control == nullptr) qFatal("no control called %s", name);
-  if (const auto* edit = qobject_cast<QLineEdit*>(control)) return edit->text();
-  if (const auto* list = qobject_cast<QComboBox*>(control)) return list->currentText();
-  if (const auto* box = qobject_cast<QCheckBox*>(control)) return box->isChecked() ? "1" : "0";
-  for (const QRadioButton* button : control->findChildren<QRadioButton*>()) {
-    if (button->isChecked()) return button->objectName().section('_', -1);
-  }
-  return "none";
-}
-
 Texts textsIn(QDialog& dialog, const Texts& fields) {
   Texts texts;
   for (const auto& [name, text] : fields) texts.emplace_back(name, textIn(dialog, name));
   return texts;
-}
-
-/// Types or clicks until the control holds the text.
-void enter(QDialog& dialog, const char* name, const QString& text) {
-  auto* control = dialog.findChild<QWidget*>(name);
-  if (auto* list = qobject_cast<QComboBox*>(control)) {
-    type(*list->lineEdit(), text);
-  } else if (qobject_cast<QLineEdit*>(control) != nullptr) {
-    type(*control, text);
-  } else if (qobject_cast<QCheckBox*>(control) == nullptr) {
-    click(dialog, (QByteArray(name) + '_' + text.toLatin1()).constData());
-  } else if (textIn(dialog, name) != text) {
-    click(dialog, name);
-  }
 }
 
 /// An answer that enters the texts and closes the dialog by the button, or without it when OK is

@@ -137,10 +137,31 @@ TEST_F(Dump, IsNullThroughoutWithoutAMeshAndTellsTheViewAllTheSame) {
   }
 }
 
-TEST_F(Dump, IsReadableForHostileMeshes) {
+/// A coordinate as it is written: what is not finite has a name.
+json written(float x) {
+  if (std::isnan(x)) return "nan";
+  if (std::isinf(x)) return x > 0.0F ? "inf" : "-inf";
+  return x;
+}
+
+TEST_F(Dump, HoldsEveryNumberOfAHostileMesh) {
   for (const test::NamedMesh& hostile : test::hostileMeshes()) {
-    load(hostile.mesh);
-    EXPECT_EQ(dumped()["vertexCount"], hostile.mesh.vertexCount) << hostile.name;
+    SCOPED_TRACE(hostile.name);
+    const TriangleMesh& mesh = hostile.mesh;
+    load(mesh);
+    const json all = dumped();
+    EXPECT_EQ(all["vertexCount"], mesh.vertexCount);
+    EXPECT_EQ(all["faceCount"], mesh.faceCount);
+    json positions = json::array();
+    for (const float x : mesh.vertices) positions.push_back(written(x));
+    EXPECT_EQ(all["vertices"], positions);
+    EXPECT_EQ(all["faces"], json(mesh.faces));
+    if (mesh.vertexCount > 0) {
+      EXPECT_EQ(all["vertexKind"], json(mesh.vertexKind));
+    }
+    if (mesh.faceCount > 0) {
+      EXPECT_EQ(all["faceAdjacency"], json(mesh.faceAdjacency));
+    }
   }
 }
 

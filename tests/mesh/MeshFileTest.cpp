@@ -530,6 +530,7 @@ TEST(MeshFile, HostileMeshesAreSavedAndOpenedAgain) {
     ASSERT_TRUE(opened.mesh) << name;
     EXPECT_EQ(opened.mesh->vertexCount, mesh.countUsedVertices()) << name;
     EXPECT_EQ(opened.mesh->faceCount, mesh.countValidFaces()) << name;
+    EXPECT_EQ(opened.mesh->faces, mesh.compactCopy().faces) << name;
     EXPECT_EQ(opened.notice.empty(), countNonFiniteVertices(*opened.mesh) == 0) << name;
   }
 }

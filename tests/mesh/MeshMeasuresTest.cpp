@@ -4,6 +4,7 @@
 
 #include "mesh/MeshMeasures.h"
 #include "support/Meshes.h"
+#include "support/MeshFields.h"
 
 namespace gravlin {
 namespace {
@@ -85,12 +86,31 @@ TEST(MeshMeasures, RescalingToTheOtherSignGivesPositionsThatAreNotNumbers) {
   for (const float coordinate : mesh.vertices) EXPECT_TRUE(std::isnan(coordinate));
 }
 
-TEST(MeshMeasures, TakeAnyMesh) {
-  for (test::NamedMesh& named : test::hostileMeshes()) {
-    enclosedVolume(named.mesh);
-    shortestEdgeLength(named.mesh);
-    rescaleToVolume(named.mesh, 1.0);
-    EXPECT_EQ(named.mesh.vertices.size(), 3 * static_cast<std::size_t>(named.mesh.vertexCount));
+TEST(MeshMeasures, OfAHostileMeshAreFiniteWhereItsPositionsAre) {
+  for (const auto& [name, mesh] : test::hostileMeshes()) {
+    SCOPED_TRACE(name);
+    const bool finite = test::isFinite(mesh);
+    EXPECT_EQ(countNonFiniteVertices(mesh) == 0, finite);
+    double shortest = 1000000.0;
+    for (int i = 0; i < mesh.vertexCount; ++i) {
+      for (const int j : mesh.getNeighbours(i)) {
+        const double edge = length(mesh.position(i) - mesh.position(j));
+        if (edge > 0.0 && edge < shortest) shortest = edge;
+      }
+    }
+    EXPECT_EQ(shortestEdgeLength(mesh), shortest);
+    const double volume = enclosedVolume(mesh);
+    if (finite) {
+      EXPECT_TRUE(std::isfinite(volume));
+    }
+    TriangleMesh scaled = mesh;
+    rescaleToVolume(scaled, 1.0);
+    EXPECT_EQ(scaled.faces, mesh.faces);
+    if (finite && volume == 0.0) {
+      EXPECT_EQ(scaled.vertices, mesh.vertices);
+    } else if (finite && volume > 0.0) {
+      EXPECT_NEAR(enclosedVolume(scaled), 1.0, 1e-6);  // positions are rounded to single precision
+    }
   }
 }
 

@@ -14,6 +14,7 @@
 #include "mesh/RingDefinition.h"
 #include "mesh/TriangleMesh.h"
 #include "support/Meshes.h"
+#include "support/MeshFields.h"
 
 namespace gravlin {
 namespace {
@@ -558,17 +559,43 @@ TEST(TriangleMesh, MeanCurvatureNormalIsZeroOffTheInteriorAndWithoutArea) {
   for (int i = 0; i < 4; ++i) EXPECT_EQ(broken.meanCurvatureNormal(i), (Vec3{0, 0, 0}));
 }
 
-TEST(TriangleMesh, OperatorsGoThroughHostileMeshes) {
+/// Expects unit vectors, or 0 where none is defined.
+void expectUnitOrZero(const std::vector<float>& normals) {
+  for (std::size_t k = 0; k < normals.size(); k += 3) {
+    const double size = length(loadVec3(normals.data() + k));
+    // Three coordinates rounded to single precision.
+    if (size != 0.0) {
+      EXPECT_NEAR(size, 1.0, 1e-6);
+    }
+  }
+}
+
+TEST(TriangleMesh, OperatorsOnHostileMeshesAreFiniteWherePositionsAre) {
   for (const auto& [name, mesh] : test::hostileMeshes()) {
-    EXPECT_EQ(mesh.faceNormals.size(), mesh.faces.size()) << name;
-    EXPECT_EQ(mesh.vertexNormals.size(), mesh.vertices.size()) << name;
+    SCOPED_TRACE(name);
+    EXPECT_EQ(mesh.faceNormals.size(), mesh.faces.size());
+    EXPECT_EQ(mesh.vertexNormals.size(), mesh.vertices.size());
+    if (test::isFinite(mesh)) {
+      expectUnitOrZero(mesh.faceNormals);
+      expectUnitOrZero(mesh.vertexNormals);
+    }
     for (int i = 0; i < mesh.vertexCount; ++i) {
       const Vec3 normal = mesh.meanCurvatureNormal(i);
+      const Vec3 umbrella = mesh.umbrellaLaplacian(i);
       if (mesh.vertexKind[static_cast<std::size_t>(i)] != InteriorVertex) {
-        EXPECT_EQ(normal, (Vec3{0, 0, 0})) << name;
+        EXPECT_EQ(normal, (Vec3{0, 0, 0}));
       }
       if (mesh.neighbourCount(i) == 0) {
-        EXPECT_EQ(mesh.umbrellaLaplacian(i), (Vec3{0, 0, 0})) << name;
+        EXPECT_EQ(umbrella, (Vec3{0, 0, 0}));
+      }
+      if (test::isFinite(mesh)) {
+        EXPECT_TRUE(std::isfinite(length(normal)));
+        EXPECT_TRUE(std::isfinite(length(umbrella)));
+      }
+    }
+    for (int f = 0; f < mesh.faceCount; ++f) {
+      if (!mesh.validFace(f)) {
+        EXPECT_EQ(mesh.faceNormal(f), (Vec3{0, 0, 0}));
       }
     }
   }
