@@ -81,8 +81,8 @@ void DesktopOutside::showMessage(const std::string& text) {
 
 bool DesktopOutside::confirm(const Question& question) {
   const CommandDialog waiting(desktop.lock);
-  QMessageBox box(QMessageBox::Warning, "Gravlin", toQString(question.text), QMessageBox::Cancel,
-                  desktop.window);
+  QMessageBox box(QMessageBox::Warning, "Gravlin", toQString(printable(question.text)),
+                  QMessageBox::Cancel, desktop.window);
   box.setObjectName("question");
   box.setTextFormat(Qt::PlainText);  // names of files may hold anything
   QPushButton* goOn = box.addButton(toQString(question.goOn), QMessageBox::AcceptRole);

@@ -1,5 +1,6 @@
 #include "mesh/FaceRecords.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "mesh/Scanner.h"
@@ -7,9 +8,13 @@
 namespace gravlin {
 namespace {
 
-constexpr std::string_view blanks = " \t\v\f";
-constexpr std::string_view lineEnds = "\r\n";
-constexpr std::string_view spaces = " \t\v\f\r\n";
+bool isLineEnd(char c) {
+  return c == '\n' || c == '\r';
+}
+
+bool isBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\v' || c == '\f';
+}
 
 }  // namespace
 
@@ -23,24 +28,26 @@ bool FaceRecords::hasMoreCorners(const FaceRecord& record) {
   return *polygons;
 }
 
+// All faces of a large file may come this way, so each is looked at once, character by character.
+
 /// Whether the record begins a line and does not go on in the next one.
 bool FaceRecords::standsOnItsLine(const FaceRecord& record) const {
-  const std::size_t count = text.find_first_not_of(spaces, record.begin);
-  const std::string_view before = text.substr(record.begin, count - record.begin);
-  const std::string_view numbers = text.substr(count, record.end - count);
-  return before.find_first_of(lineEnds) != std::string_view::npos &&
-         numbers.find_first_of(lineEnds) == std::string_view::npos;
+  const char* c = text.data() + record.begin;
+  const char* const end = text.data() + record.end;
+  bool beginsLine = false;
+  for (; c != end && (isBlank(*c) || isLineEnd(*c)); ++c) beginsLine |= isLineEnd(*c);
+  return beginsLine && std::find_if(c, end, isLineEnd) == end;
 }
 
 /// How many words follow on the line.
 std::size_t FaceRecords::wordsBehind(const FaceRecord& record) const {
-  const std::size_t lineEnd = text.find_first_of(lineEnds, record.end);
-  const std::string_view rest = text.substr(record.end, lineEnd - record.end);
+  const char* c = text.data() + record.end;
+  const char* const end = text.data() + text.size();
   std::size_t words = 0;
-  std::size_t at = rest.find_first_not_of(blanks);
-  while (at != std::string_view::npos) {
-    ++words;
-    at = rest.find_first_not_of(blanks, rest.find_first_of(blanks, at));
+  bool inWord = false;
+  for (; c != end && !isLineEnd(*c); ++c) {
+    if (!isBlank(*c) && !inWord) ++words;
+    inWord = !isBlank(*c);
   }
   return words;
 }
