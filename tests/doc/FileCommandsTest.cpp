@@ -168,6 +168,7 @@ TEST_F(FileCommands, AShapeThatUndoBringsBackIsStillNotSavedOverTheDamagedFileIt
   open(trianglePath);
   doc.OnEditUndo();
   EXPECT_FALSE(doc.saveFile(damaged));
+  ASSERT_FALSE(outside.messages.empty());
   EXPECT_THAT(outside.messages.back(), HasSubstr("not all of it could be read"));
   EXPECT_EQ(test::contentOf(damaged), content);
 }
@@ -247,6 +248,7 @@ TEST_F(FileCommands, AFileIsNotLeftEmptyUnasked) {
   outside.forget();
   outside.confirmAnswers = {true};
   saveAs(model);
+  ASSERT_GT(outside.calls.size(), 1U);
   EXPECT_EQ(outside.calls[1], question);
   EXPECT_EQ(test::contentOf(model), "");
   EXPECT_THAT(outside.messages, IsEmpty()) << "it was said before";
@@ -335,6 +337,7 @@ TEST_F(FileCommands, OtherWritersKeepTheFileOfTheMeshToo) {
   EXPECT_EQ(doc.lossByOverwriting(folder.file("new.json")), "");
   EXPECT_EQ(doc.lossByOverwriting(trianglePath), "");
   EXPECT_FALSE(doc.exportLines(folder.file("link.obj")));
+  ASSERT_FALSE(outside.messages.empty());
   EXPECT_THAT(outside.messages.back(), HasSubstr("the mesh was opened from it"));
   EXPECT_EQ(test::contentOf(squarePath), square);
 }
@@ -403,6 +406,7 @@ TEST_F(FileCommands, AnEmptyFileHasNothingToLose) {
   for (const char* name : {"new.data", "new.obj"}) {
     open(folder.write(name, ""));
     doc.saveFile(folder.file(name));
+    ASSERT_FALSE(outside.messages.empty());
     EXPECT_THAT(outside.messages.back(), HasSubstr("is empty: Save writes no")) << name;
   }
   outside.forget();
