@@ -24,3 +24,13 @@ if(GRAVLIN_SANITIZE)
   target_compile_definitions(gravlin_options INTERFACE _GLIBCXX_ASSERTIONS)
   target_link_options(gravlin_options INTERFACE -fsanitize=address,undefined)
 endif()
+
+if(GRAVLIN_THREAD_SANITIZE)
+  target_compile_options(gravlin_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(gravlin_options INTERFACE -fsanitize=thread)
+endif()
+
+# Counts the branches that an input takes; the targets themselves bring the rest.
+if(GRAVLIN_FUZZ)
+  target_compile_options(gravlin_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()

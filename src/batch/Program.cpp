@@ -17,24 +17,6 @@ void checkOutput(BatchStreams streams) {
   if (!allWritten(streams.output)) throw StepFailure("Standard output could not be written.");
 }
 
-/// Goes through all calls without running any of them.
-void checkCalls(std::span<const StepCall> calls, BatchStreams streams) {
-  Session trial(streams);
-  for (const StepCall& call : calls) {
-    try {
-      const Step& described = call.described();
-      if (described.form) {
-        const Form form = described.form(trial);
-        applySettings(form, call.settings);
-        checkEntries(form, call);
-      }
-      if (call.step->check) call.step->check(trial, call);
-    } catch (const UsageError& error) {
-      throw UsageError(call.described().name + " " + error.what());
-    }
-  }
-}
-
 int runCalls(std::span<const StepCall> calls, BatchStreams streams) {
   Session session(streams);
   for (std::size_t k = 0; k < calls.size(); ++k) {
@@ -60,6 +42,23 @@ TextSink textSink(BatchStreams streams, bool quiet) {
 }
 
 }  // namespace
+
+void checkCalls(std::span<const StepCall> calls, BatchStreams streams) {
+  Session trial(streams);
+  for (const StepCall& call : calls) {
+    try {
+      const Step& described = call.described();
+      if (described.form) {
+        const Form form = described.form(trial);
+        applySettings(form, call.settings);
+        checkEntries(form, call);
+      }
+      if (call.step->check) call.step->check(trial, call);
+    } catch (const UsageError& error) {
+      throw UsageError(call.described().name + " " + error.what());
+    }
+  }
+}
 
 int runBatch(std::span<const std::string> arguments, BatchStreams streams) {
   const auto fail = [&](const char* reason, ExitStatus status) {
