@@ -20,7 +20,9 @@ void checkOutput(BatchStreams streams) {
 int runCalls(std::span<const StepCall> calls, BatchStreams streams) {
   Session session(streams);
   for (std::size_t k = 0; k < calls.size(); ++k) {
-    session.outside.viewSize = sizeOfNextRender(calls.subspan(k));
+    if (k == 0 || calls[k - 1].step->name == "render") {
+      session.outside.viewSize = sizeOfNextRender(calls.subspan(k));
+    }
     calls[k].step->run(session, calls[k]);
     if (session.outside.failed) return StepFailed;
   }

@@ -1,6 +1,7 @@
 #include "mesh/SafeFile.h"
 
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
@@ -37,6 +38,31 @@ void syncFolder(const fs::path& folder) {
   (void)::fsync(descriptor);
   ::close(descriptor);
 }
+
+/// While it lives, a pipe without a reader is an error of writing; without it such a pipe ends the
+/// program, and everything that is open in it.
+class BrokenPipeIsAnError {
+ public:
+  BrokenPipeIsAnError() {
+    sigset_t pending = {};
+    sigemptyset(&brokenPipe);
+    sigaddset(&brokenPipe, SIGPIPE);
+    wasPending = ::sigpending(&pending) == 0 && sigismember(&pending, SIGPIPE) == 1;
+    ::pthread_sigmask(SIG_BLOCK, &brokenPipe, &before);
+  }
+  ~BrokenPipeIsAnError() {
+    const timespec atOnce = {};
+    if (!wasPending) (void)::sigtimedwait(&brokenPipe, nullptr, &atOnce);
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  }
+  BrokenPipeIsAnError(const BrokenPipeIsAnError&) = delete;
+  BrokenPipeIsAnError& operator=(const BrokenPipeIsAnError&) = delete;
+
+ private:
+  sigset_t brokenPipe = {};
+  sigset_t before = {};
+  bool wasPending = false;
+};
 
 }  // namespace
 
@@ -103,6 +129,8 @@ void SafeFile::noteError() {
 }
 
 ssize_t SafeFile::write(const char* data, std::size_t size) {
+  std::optional<BrokenPipeIsAnError> guard;
+  if (temporary.empty()) guard.emplace();
   std::size_t done = 0;
   while (done < size) {
     const ssize_t step = ::write(descriptor, data + done, size - done);

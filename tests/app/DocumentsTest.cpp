@@ -48,6 +48,7 @@ class DocumentsTest : public QObject {
   void aFileDoesNotReplaceChangesUnasked();
   void recentFilesListTheFourLastOnes();
   void filesThatNothingIsReadFromAreNoRecentFiles();
+  void controlCharactersOfFileNamesAreShownEscaped();
   void aRecentFileOpensInTheActiveDocument();
   void aRecentFileThatIsGoneLeavesTheList();
   void aDroppedFileIsOpened();
@@ -575,6 +576,14 @@ void DocumentsTest::filesThatNothingIsReadFromAreNoRecentFiles() {
   QCOMPARE(texts.size(), 2);
   QVERIFY(texts[0].endsWith("damaged.ply2"));
   QVERIFY(texts[1].endsWith("t.ply2"));
+}
+
+void DocumentsTest::controlCharactersOfFileNamesAreShownEscaped() {
+  Program program;
+  program.open("a\nb\x1b.ply2", "3 1 0 0 0 1 0 0 0 1 x 3 0 1 2");
+  QCOMPARE(program.opened().title(), "a\\nb\\x1b.ply2");
+  QVERIFY2(program.status().contains("/a\\nb\\x1b.ply2: "), qPrintable(program.status()));
+  QVERIFY(recentTexts(program).constFirst().endsWith("a\\nb\\x1b.ply2"));
 }
 
 void DocumentsTest::aRecentFileOpensInTheActiveDocument() {

@@ -369,6 +369,15 @@ TEST_F(Program, PicksInThePictureThatComesNext) {
   EXPECT_EQ(json::parse(result.output)["pickedFace"], 0);
 }
 
+// Before each step the next picture is looked for only where one has been drawn since, so that this
+// is no matter of minutes.
+TEST_F(Program, RunsAScriptOfManySteps) {
+  std::string steps;
+  for (int k = 0; k < 200000; ++k) steps += "lighting-red lighting-rgb\n";
+  const std::string script = folder.write("long.txt", steps);
+  EXPECT_EQ(run("--script '" + script + "'").status, 0);
+}
+
 TEST_F(Program, TellsWhatIsWrongWithAPicture) {
   EXPECT_EQ(run("render " + in("a.png") + " --size 800").status, 2);
   EXPECT_EQ(run("render-histogram " + in("a.png") + " --size 2000000000x2").status, 2);

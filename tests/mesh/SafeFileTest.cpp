@@ -1,5 +1,6 @@
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -176,6 +177,23 @@ TEST(SafeFile, WritesToWhatIsNoRegularFileDirectly) {
   EXPECT_FALSE(full.commit());
   EXPECT_EQ(full.error(), "No space left on device");
   EXPECT_TRUE(fs::is_character_file("/dev/full"));
+}
+
+TEST(SafeFile, APipeWhoseReaderHasGoneIsAnErrorAndNotTheEndOfTheProgram) {
+  const TemporaryFolder folder;
+  const std::string path = folder.file("pipe");
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  const int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK);
+  SafeFile file(path);
+  ASSERT_NE(file.stream(), nullptr);
+  close(reader);
+  std::fputs("text", file.stream());
+  EXPECT_FALSE(file.commit());
+  EXPECT_EQ(file.error(), "Broken pipe");
+  EXPECT_TRUE(fs::is_fifo(path));
+  sigset_t pending = {};
+  sigpending(&pending);
+  EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
 }
 
 TEST(SafeFile, ANameAsLongAsTheSystemAllowsCanBeReplaced) {
