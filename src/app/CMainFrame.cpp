@@ -16,6 +16,7 @@
 
 #include "app/Icons.h"
 #include "doc/dialogs/QtText.h"
+#include "doc/dialogs/WindowRoom.h"
 
 namespace gravlin {
 namespace {
@@ -387,7 +388,7 @@ void CMainFrame::listWindows() {
 }
 
 void CMainFrame::restoreLayout() {
-  resize(1000, 720);
+  resize(sizeOnScreen(*this, {1000, 720}));
   restoreGeometry(settings.value("Window/geometry").toByteArray());
   restoreState(settings.value("Window/state").toByteArray());
   statusBar()->setVisible(settings.value("Window/statusBar", true).toBool());

@@ -56,7 +56,7 @@ QString askForFile(Desktop& desktop, FileDialog kind, const QString& suggested) 
 }
 
 DesktopOutside::DesktopOutside(Desktop& sharedDesktop)
-    : desktop(sharedDesktop), progress(sharedDesktop.window) {
+    : desktop(sharedDesktop), progress(sharedDesktop.window), graph(sharedDesktop.window) {
 }
 
 bool DesktopOutside::showDialog(const Form& form) {
@@ -113,8 +113,11 @@ void DesktopOutside::redraw() {
 }
 
 void DesktopOutside::showHistogram(std::string_view field) {
+  constexpr QSize leastSize = {300, 200};  // the four lines above and bars that can still be read
   graph.setField(toQString(field));
-  if (!graph.testAttribute(Qt::WA_Moved)) placeBeside(*desktop.window, graph);
+  if (!graph.testAttribute(Qt::WA_Moved)) {
+    placeBeside(*desktop.window, graph, leastSize);
+  }
   graph.show();
   graph.raise();
 }

@@ -10,6 +10,8 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
+#include "doc/dialogs/WindowRoom.h"
+
 namespace gravlin {
 namespace {
 
@@ -85,7 +87,7 @@ GuideWindow::GuideWindow(const QString& pagesFolder)
   });
   contents->setCurrentRow(0);
   const int letter = fontMetrics().averageCharWidth();
-  resize(130 * letter, 45 * fontMetrics().lineSpacing());
+  resize(sizeOnScreen(*this, {130 * letter, 45 * fontMetrics().lineSpacing()}));
   const int widestTitle = contents->sizeHintForColumn(0) + 2 * contents->frameWidth() + 2 * letter;
   splitter->setSizes({widestTitle, width() - widestTitle});
 }

@@ -128,6 +128,8 @@ void OpenDocument::saveNow() {
   if (!desktop.lock.isHeld()) return run(&CGravlinDoc::OnFileSaveAs);
   document.OnFileSaveAs();
   noteFile();
+  updateTitles();
+  desktop.commandChanged();
 }
 
 }  // namespace gravlin

@@ -152,6 +152,8 @@ void CGravlinDoc::OnEditUndo() {
                          ? "Undo has brought back the shape from before " + fileNameOf(openedPath) +
                                " was opened; choose a name to save it."
                          : "");
+  toldMode.reset();
+  if (!ofAnotherFile) tellOfHiddenLines();
   tellOfNonFinitePositions();
 }
 
@@ -162,7 +164,10 @@ void CGravlinDoc::geometryChanged() {
   needsRecompute = true;
   numberShape();
   tellHistogramAge();
-  if (std::exchange(tellsOfShape, false)) outside.showStatus("");
+  if (std::exchange(tellsOfShape, false)) {
+    outside.showStatus("");
+    toldMode.reset();
+  }
   tellOfNonFinitePositions();
 }
 
@@ -189,6 +194,10 @@ void CGravlinDoc::redraw() {
   needsRecompute = false;  // not before: without memory for it now, the next redraw tries again
   tellHistogramAge();      // some commands bring a shape back that was away for a while
   outside.redraw();
+  if (toldMode && *toldMode != displayMode) {
+    toldMode.reset();
+    outside.showStatus("");
+  }
 }
 
 void CGravlinDoc::pickFace(int face) {
@@ -197,6 +206,7 @@ void CGravlinDoc::pickFace(int face) {
   mesh.pickedFace = face;
   outside.showStatus(describeFace(mesh, face));
   tellsOfShape = true;
+  toldMode = PickedFace;
   show(PickedFace);
 }
 

@@ -195,7 +195,8 @@ class CGravlinDoc {
   void tellOfNonFinitePositions();
   /// Gives the histogram window a copy of the scalar that is shown.
   void fillHistogram();
-  /// Brings derived data up to date, then has every view drawn.
+  /// Brings derived data up to date, then has every view drawn. When they show another picture than
+  /// the one that the status bar has a sentence about, this sentence goes.
   void redraw();
 
  private:
@@ -228,6 +229,7 @@ class CGravlinDoc {
   LowThresholds thresholdRidges();
   void showRidgeLines(const LowThresholds& low);
   void show(DisplayMode mode);
+  void tellOfHiddenLines();
   void setLighting(LightingMode mode);
   void showDirections(DisplayMode mode);
   void showField(DisplayMode mode);
@@ -244,7 +246,9 @@ class CGravlinDoc {
     bool smoothedSince = false;  ///< these have been smoothed since
   };
   std::optional<HistogramContents> histogramContents;
-  bool tellsOfShape = false;   ///< the status bar has a sentence that ends with the shape
+  bool tellsOfShape = false;  ///< the status bar has a sentence that ends with the shape
+  /// The mode whose picture the sentence in the status bar is about; it ends with that picture.
+  std::optional<int> toldMode;
   MeshOrigin undoOrigin;       ///< of the undo copy
   bool undoIsModified = true;  ///< what `modified` becomes when the undo copy comes back
 };

@@ -55,6 +55,7 @@ bool CGravlinDoc::openFile(const std::string& filePath) {
   show(FlatShading);
   outside.showStatus(opened.notice);
   tellsOfShape = false;  // but of the file
+  toldMode.reset();
   return true;
 }
 

@@ -1,6 +1,7 @@
 // The commands of the menus Visualization and Option that only choose what is drawn and how.
 
 #include "doc/CGravlinDoc.h"
+#include "mesh/MeshMeasures.h"
 
 namespace gravlin {
 
@@ -25,6 +26,17 @@ void CGravlinDoc::OnWireFrame() {
   if (!currentMesh) return;
   currentMesh->computeNormals();
   show(WireFrame);
+  tellOfHiddenLines();
+}
+
+/// Wire frame sets its faces back along their normals, which point at the viewer in no part of a
+/// mesh that is inside out.
+void CGravlinDoc::tellOfHiddenLines() {
+  if (displayMode != WireFrame || !isInsideOut(*currentMesh)) return;
+  outside.showStatus(
+      "This mesh is inside out: its normals point inwards, so the faces are set in front of their "
+      "lines and hide them.");
+  toldMode = WireFrame;
 }
 
 void CGravlinDoc::OnPoints() {

@@ -18,6 +18,14 @@ double enclosedVolume(const TriangleMesh& mesh) {
   return volume;
 }
 
+bool isInsideOut(const TriangleMesh& mesh) {
+  if (mesh.faceAdjacency.size() != mesh.faces.size()) return false;
+  for (std::size_t edge = 0; edge < mesh.faceAdjacency.size(); ++edge) {
+    if (mesh.faceAdjacency[edge] < 0 && mesh.validFace(static_cast<int>(edge / 3))) return false;
+  }
+  return enclosedVolume(mesh) < 0.0;
+}
+
 double shortestEdgeLength(const TriangleMesh& mesh) {
   double shortest = 1000000.0;
   for (int i = 0; i < mesh.vertexCount; ++i) {

@@ -8,6 +8,10 @@ namespace gravlin {
 /// The same sum is taken over the faces of an open mesh. Invalid faces add nothing.
 double enclosedVolume(const TriangleMesh& mesh);
 
+/// Whether the mesh is closed, every edge of a valid face having a face behind it, and its normals
+/// point inwards, so that the volume is negative. Requires buildFaceAdjacency; false without it.
+bool isInsideOut(const TriangleMesh& mesh);
+
 /// Length of the shortest edge that is longer than 0, over the rings; 1000000 if there is none.
 /// Requires buildAdjacency.
 double shortestEdgeLength(const TriangleMesh& mesh);

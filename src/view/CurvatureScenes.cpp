@@ -19,7 +19,7 @@ Scene flatSurface(const TriangleMesh& mesh) {
 }
 
 Scene inFrontOfSurface(Batch marks, const TriangleMesh& mesh) {
-  return {{std::move(marks), setBackFaces(mesh, white)}};
+  return {{std::move(marks), whiteSurface(mesh)}};
 }
 
 FieldColours coloursOf(const CGravlinDoc& document, std::span<const double> values) {

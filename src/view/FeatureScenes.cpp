@@ -4,9 +4,11 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <span>
 #include <utility>
 
 #include "mesh/FaceGeometry.h"
+#include "mesh/MeshMeasures.h"
 #include "view/Palette.h"
 
 namespace gravlin {
@@ -121,13 +123,6 @@ Batch litSurface(const TriangleMesh& mesh) {
   return surface;
 }
 
-/// A white sheet in place of the surface, so that only lines are seen.
-Batch whiteSurface(const TriangleMesh& mesh) {
-  Batch surface = plainFaces(mesh, white);
-  surface.depthOffset = 1.0F;
-  return surface;
-}
-
 Batch surfaceBehindLines(const CGravlinDoc& document) {
   const TriangleMesh& mesh = *document.currentMesh;
   return document.angleParameters.shadedSurface ? litSurface(mesh) : whiteSurface(mesh);
@@ -183,6 +178,7 @@ Batch penLines(const TriangleMesh& mesh, const SilhouetteLines& lines) {
 Batch fadingStrokes(const TriangleMesh& mesh) {
   Batch batch = plainBatch(Primitive::Lines, black);
   batch.fading = true;
+  const float outward = isInsideOut(mesh) ? -1.0F : 1.0F;
   const auto usable = [&mesh](const FacePoint& p) {
     const auto f = static_cast<std::size_t>(p.face);
     return p.face < mesh.faceCount && f < mesh.coherentFaces.size() && mesh.validFace(p.face) &&
@@ -195,8 +191,10 @@ Batch fadingStrokes(const TriangleMesh& mesh) {
         continue;
       }
       for (const FacePoint& end : {stroke[k - 1], stroke[k]}) {
-        const auto normal = mesh.faceNormals.begin() + 3 * static_cast<std::ptrdiff_t>(end.face);
-        batch.normals.insert(batch.normals.end(), normal, normal + 3);
+        const float* normal = mesh.faceNormals.data() + 3 * static_cast<std::size_t>(end.face);
+        for (const float component : std::span(normal, 3)) {
+          batch.normals.push_back(outward * component);
+        }
       }
     }
   }
@@ -206,13 +204,16 @@ Batch fadingStrokes(const TriangleMesh& mesh) {
 /// The contour from any side: the edges of faces that look away, where nothing hides them. Faces
 /// that look away hide each other's edges, so through a hole in the surface no grid is seen.
 void addContour(Scene& scene, const TriangleMesh& mesh) {
+  const bool insideOut = isInsideOut(mesh);
+  const Sides outside = insideOut ? Sides::Back : Sides::Front;
+  const Sides inside = insideOut ? Sides::Front : Sides::Back;
   Batch front = whiteSurface(mesh);
-  front.sides = Sides::Front;
+  front.sides = outside;
   Batch back = plainFaces(mesh, white);
-  back.sides = Sides::Back;
+  back.sides = inside;
   back.depthOffset = -4.0F;  // beyond what a line of this width covers
   Batch edges = plainFaces(mesh, black);
-  edges.sides = Sides::Back;
+  edges.sides = inside;
   edges.outlined = true;
   edges.lineWidthFactor = 3.0F;
   scene.batches.push_back(std::move(front));

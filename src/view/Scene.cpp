@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 
+#include "view/Palette.h"
+
 namespace gravlin {
 namespace {
 
@@ -127,6 +129,12 @@ Batch plainFaces(const TriangleMesh& mesh, const Colour& colour) {
   Batch batch = indexedFaces(mesh);
   batch.colour = colour;
   return batch;
+}
+
+Batch whiteSurface(const TriangleMesh& mesh) {
+  Batch surface = plainFaces(mesh, white);
+  surface.depthOffset = 1.0F;
+  return surface;
 }
 
 Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour) {

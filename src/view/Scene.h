@@ -64,6 +64,9 @@ Batch flatFaces(const TriangleMesh& mesh, int except = -1);
 Batch smoothFaces(const TriangleMesh& mesh);
 /// Unlit triangles of one colour.
 Batch plainFaces(const TriangleMesh& mesh, const Colour& colour);
+/// Unlit white triangles that hide what lies behind them and leave the lines in them in front, from
+/// whichever side they are seen.
+Batch whiteSurface(const TriangleMesh& mesh);
 /// Unlit triangles of one colour, set back along the vertex normals.
 Batch setBackFaces(const TriangleMesh& mesh, const Colour& colour);
 /// Unlit triangles with a colour per corner, that of the vertex's value [V]. Nothing when there is

@@ -41,6 +41,7 @@ class DocumentsTest : public QObject {
   void afterUndoBringsBackAnotherFilesShapeNoNameIsOffered();
   void changesAreMarkedInTheTitleUntilTheyAreSaved();
   void theMainWindowMarksTheChangesOfTheDocumentThatFillsIt();
+  void theTitlesAreRightAsSoonAsTheQuestionHasSaved();
   void closingAsksAboutChanges();
   void savingBeforeClosingCanBeCancelled();
   void closingTheWindowByItsButtonAsksToo();
@@ -437,6 +438,26 @@ void DocumentsTest::theMainWindowMarksTheChangesOfTheDocumentThatFillsIt() {
   QVERIFY(!frame.isWindowModified());
   program.frame().activeFrame()->showMaximized();
   QTRY_VERIFY2(isMarked(), qPrintable(frame.windowTitle()));
+}
+
+void DocumentsTest::theTitlesAreRightAsSoonAsTheQuestionHasSaved() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  change(program);
+  QVERIFY(program.frame().isWindowModified());
+  NextDialog save("saveChanges", [](QDialog& box) { press(box, QMessageBox::Save); });
+  NextDialog name("saveFile", [&](QDialog& d) { chooseFile(d, program.file("out.ply2")); });
+  NextDialog file("openFile", [&](QDialog& dialog) {
+    // The command that asked goes on with its own dialog.
+    QCOMPARE(program.frame().activeFrame()->title(), "out.ply2");
+    QVERIFY(!program.frame().activeFrame()->isWindowModified());
+    QVERIFY(!program.frame().isWindowModified());
+    QVERIFY(program.frame().windowTitle().contains("out.ply2"));
+    dialog.reject();
+  });
+  program.step("open").trigger();
+  QVERIFY(save.answered() && name.answered() && file.answered());
+  QCOMPARE(program.frame().activeFrame()->title(), "out.ply2");
 }
 
 void DocumentsTest::closingAsksAboutChanges() {

@@ -2,6 +2,7 @@
 
 #include <QScreen>
 #include <QTimer>
+#include <QWindow>
 
 #include "app/Program.h"
 #include "view/windows/GraphWindow.h"
@@ -19,6 +20,8 @@ class HistogramWindowTest : public QObject {
   void itLeavesTheKeyboardToTheMesh();
   void itStandsBesideTheMainWindowWhereThereIsRoom();
   void itStandsInTheLowerRightCornerOfAMainWindowThatFillsTheScreen();
+  void itIsInsideTheScreenWhereverTheMainWindowIs();
+  void itBelongsToTheMainWindow();
   void itStaysWhereItWasMovedTo();
   void itsTitleTellsHowOldTheValuesAre();
   void itClosesWithTheProgram();
@@ -68,10 +71,14 @@ void HistogramWindowTest::itLeavesTheKeyboardToTheMesh() {
 void HistogramWindowTest::itStandsBesideTheMainWindowWhereThereIsRoom() {
   Program program;
   program.open("t.ply2", tetrahedronText);
+  const int screenWidth = program.frame().screen()->availableSize().width();
+  if (screenWidth < 1000) program.frame().resize(300, 250);
   program.frame().move(20, 30);
   QTRY_COMPARE(program.frame().frameGeometry().topLeft(), QPoint(20, 30));
   const GraphWindow& graph = show(program, "curvature-mean");
-  QTRY_VERIFY(!graph.frameGeometry().intersects(program.frame().frameGeometry()));
+  constexpr int leastWidth = 300;
+  const bool hasRoom = screenWidth - 20 - program.frame().width() >= leastWidth;
+  QTRY_COMPARE(!graph.frameGeometry().intersects(program.frame().frameGeometry()), hasRoom);
   QVERIFY(graph.screen()->availableGeometry().contains(graph.frameGeometry()));
 }
 
@@ -83,6 +90,28 @@ void HistogramWindowTest::itStandsInTheLowerRightCornerOfAMainWindowThatFillsThe
   QTRY_COMPARE(program.frame().size(), screen.size());
   const GraphWindow& graph = show(program, "curvature-mean");
   QTRY_COMPARE(graph.frameGeometry().bottomRight(), screen.bottomRight());
+}
+
+void HistogramWindowTest::itIsInsideTheScreenWhereverTheMainWindowIs() {
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  for (const QPoint place : {QPoint(-150, -100), screen.center()}) {
+    for (const QSize size : {QSize(300, 250), screen.size() + QSize(20, 20)}) {
+      Program program;
+      program.open("t.ply2", tetrahedronText);
+      program.frame().setGeometry(QRect(place, size));
+      QTRY_COMPARE(program.frame().geometry(), QRect(place, size));
+      const GraphWindow& graph = show(program, "curvature-mean");
+      QTRY_VERIFY(graph.screen()->availableGeometry().contains(graph.frameGeometry()));
+      QVERIFY(graph.width() >= 250 && graph.height() >= 150);
+    }
+  }
+}
+
+void HistogramWindowTest::itBelongsToTheMainWindow() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  const GraphWindow& graph = show(program, "curvature-mean");
+  QCOMPARE(graph.windowHandle()->transientParent(), program.frame().windowHandle());
 }
 
 void HistogramWindowTest::itStaysWhereItWasMovedTo() {

@@ -268,6 +268,30 @@ TEST_F(Document, PickingAgainReplacesTheMark) {
   EXPECT_EQ(doc.currentMesh->pickedFace, 1);
 }
 
+TEST_F(Document, TheSentenceAboutAFaceGoesWhenAnotherPictureIsShown) {
+  for (void (CGravlinDoc::*show)() :
+       {&CGravlinDoc::OnFlatShading, &CGravlinDoc::OnWireFrame, &CGravlinDoc::OnCurvatureMean,
+        &CGravlinDoc::OnEdgeCurvature, &CGravlinDoc::OnStrokeMax, &CGravlinDoc::OnSilhouette}) {
+    load(test::octahedron());
+    doc.pickFace(0);
+    outside.dialogAnswers = {test::okWith({})};
+    outside.forget();
+    (doc.*show)();
+    EXPECT_THAT(outside.statuses, ElementsAre(""));
+    doc.OnPoints();
+    EXPECT_THAT(outside.statuses, ElementsAre("")) << "it is gone once";
+  }
+}
+
+TEST_F(Document, TheSentenceAboutAFaceStaysWithItsPicture) {
+  load(test::octahedron());
+  doc.pickFace(0);
+  outside.forget();
+  doc.OnEdge();
+  doc.OnLightingRed();
+  EXPECT_THAT(outside.statuses, IsEmpty());
+}
+
 TEST_F(Document, TheSentenceAboutAFaceGoesWhenTheShapeChanges) {
   load(test::cube());
   doc.pickFace(0);

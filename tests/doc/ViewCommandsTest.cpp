@@ -39,6 +39,30 @@ TEST_F(ViewCommands, ShowTheirModeWithOneRedraw) {
   }
 }
 
+TEST_F(ViewCommands, WireFrameTellsWhyTheLinesOfAnInsideOutMeshAreHidden) {
+  load(test::insideOutCube());
+  doc.OnWireFrame();
+  ASSERT_THAT(outside.statuses, ::testing::SizeIs(1));
+  EXPECT_THAT(outside.statuses[0], ::testing::HasSubstr("inside out"));
+  doc.OnPoints();
+  EXPECT_EQ(outside.statuses.back(), "") << "other pictures are right";
+  for (TriangleMesh mesh : {test::cube(), test::grid(2, 2), test::emptyMesh()}) {
+    load(std::move(mesh));
+    outside.forget();
+    doc.OnWireFrame();
+    EXPECT_THAT(outside.statuses, IsEmpty());
+  }
+}
+
+TEST_F(ViewCommands, UndoInWireFrameTellsItAgain) {
+  load(test::insideOutCube());
+  doc.OnWireFrame();
+  doc.keepUndoCopy();
+  outside.forget();
+  doc.OnEditUndo();
+  EXPECT_THAT(outside.statuses.back(), ::testing::HasSubstr("inside out"));
+}
+
 TEST_F(ViewCommands, PointsAndTheShadingsDoNothingWithoutAMesh) {
   const int before = doc.displayMode;
   for (const Handler handler : {&CGravlinDoc::OnPoints, &CGravlinDoc::OnFlatShading,

@@ -37,6 +37,25 @@ TEST(MeshMeasures, VolumeChangesSignWithTheOrientation) {
   }
 }
 
+TEST(MeshMeasures, InsideOutIsAClosedMeshWithInwardNormals) {
+  EXPECT_TRUE(isInsideOut(test::insideOutCube()));
+  for (const test::NamedMesh& closed : test::closedMeshes()) {
+    EXPECT_FALSE(isInsideOut(closed.mesh)) << closed.name;
+  }
+  TriangleMesh open = test::insideOutCube();
+  open.faces[0] = -1;
+  open.buildAdjacency();
+  open.buildFaceAdjacency();
+  EXPECT_LT(enclosedVolume(open), 0.0);
+  EXPECT_FALSE(isInsideOut(open));
+  for (const test::NamedMesh& hostile : test::hostileMeshes()) {
+    EXPECT_FALSE(isInsideOut(hostile.mesh)) << hostile.name;
+  }
+  TriangleMesh without = test::insideOutCube();
+  without.faceAdjacency.clear();
+  EXPECT_FALSE(isInsideOut(without)) << "nothing is known of its edges";
+}
+
 TEST(MeshMeasures, VolumeSkipsInvalidFaces) {
   TriangleMesh mesh = test::cube();
   mesh.setFace(0, std::array{-1, -1, -1});

@@ -66,21 +66,17 @@ const float* position(const TriangleMesh& mesh, int i) {
   return mesh.vertices.data() + 3 * static_cast<std::size_t>(i);
 }
 
-void drawWhiteSurface(const TriangleMesh& mesh, float fieldOfView) {
+/// Pushed away, so that the lines in it stay in front.
+void drawWhiteSurface(const TriangleMesh& mesh) {
   glColor3f(1, 1, 1);
+  glEnable(GL_POLYGON_OFFSET_FILL);
+  glPolygonOffset(1, 1);
   for (int f = 0; f < mesh.faceCount; ++f) {
     glBegin(GL_POLYGON);
-    for (const int corner : mesh.corners(f)) {
-      const float* p = position(mesh, corner);
-      const float* n = mesh.vertexNormals.data() + 3 * static_cast<std::size_t>(corner);
-      float moved[3];
-      for (int k = 0; k < 3; ++k) {
-        moved[k] = static_cast<float>(p[k] - n[k] * (fieldOfView * 0.0022222222));
-      }
-      glVertex3fv(moved);
-    }
+    for (const int corner : mesh.corners(f)) glVertex3fv(position(mesh, corner));
     glEnd();
   }
+  glDisable(GL_POLYGON_OFFSET_FILL);
 }
 
 void drawVertexField(const TriangleMesh& mesh, const std::vector<double>& values, bool grey) {
@@ -244,10 +240,10 @@ bool drawMarks(const CGravlinDoc& document) {
 
 }  // namespace
 
-bool drawCurvatureImmediately(const CGravlinDoc& document, float fieldOfView) {
+bool drawCurvatureImmediately(const CGravlinDoc& document) {
   glDisable(GL_LIGHTING);
   const bool marks = drawMarks(document);
-  if (marks) drawWhiteSurface(*document.currentMesh, fieldOfView);
+  if (marks) drawWhiteSurface(*document.currentMesh);
   const bool drawn = marks || drawField(document);
   glEnable(GL_LIGHTING);
   return drawn;

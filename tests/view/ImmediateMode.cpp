@@ -187,7 +187,7 @@ void drawPickedFace(const TriangleMesh& mesh) {
 void drawMode(const CGravlinDoc& document, const ViewState& view) {
   if (document.currentMesh == nullptr) return;
   const TriangleMesh& mesh = *document.currentMesh;
-  if (drawCurvatureImmediately(document, view.camera.fieldOfView)) return;
+  if (drawCurvatureImmediately(document)) return;
   if (drawFeaturesImmediately(document, view.lineWidth)) return;
   switch (document.displayMode) {
     case 0:

@@ -137,6 +137,49 @@ TEST_F(RendererTest, EveryViewDrawsThePixelsOfImmediateMode) {
   }
 }
 
+/// The same surface with its faces turned round, carrying the same lines.
+TriangleMesh turnedRound(TriangleMesh mesh) {
+  for (std::size_t corner = 0; corner < mesh.faces.size(); corner += 3) {
+    std::swap(mesh.faces[corner + 1], mesh.faces[corner + 2]);
+    // Edge 0-1 becomes edge 2-0.
+    std::swap(mesh.edgeCurvatures[corner], mesh.edgeCurvatures[corner + 2]);
+  }
+  for (auto* strokes : {&mesh.strokes.maxStrokes, &mesh.strokes.minStrokes}) {
+    for (std::vector<FacePoint>& stroke : *strokes) {
+      for (FacePoint& point : stroke) std::swap(point.a, point.b);
+    }
+  }
+  mesh.buildAdjacency();
+  mesh.buildFaceAdjacency();
+  mesh.computeNormals();
+  return mesh;
+}
+
+TEST_F(RendererTest, LinesOfAnInsideOutMeshAreSeenAsThoseOfTheMeshTurnedRound) {
+  const test::NamedMesh shapes[] = {{"bumpy", test::bumpySphere()},
+                                    {"cube", test::fineCube(5)},
+                                    {"sphere", test::icosphere(3, 8.0)}};
+  for (const test::NamedMesh& named : shapes) {
+    offscreen.show(named.mesh, FlatShading);
+    test::computeAllCurvature(offscreen.document);
+    test::findAllLines(offscreen.document);
+    for (const int mode : {DirectionMax, DirectionMin, TensorMax, TensorMin, EdgeCurvature,
+                           StrokeMax, StrokeMin, Silhouette}) {
+      SCOPED_TRACE(named.name + ", mode " + std::to_string(mode));
+      offscreen.show(mode);
+      const Image outward = drawWithoutCorner();
+      const TriangleMesh before = *offscreen.document.currentMesh;
+      *offscreen.document.currentMesh = turnedRound(before);
+      offscreen.show(mode);
+      const Image inward = drawWithoutCorner();
+      *offscreen.document.currentMesh = before;
+      EXPECT_FALSE(inkBox(outward).empty());
+      // Depths are rounded from another corner of each face, which shows where surfaces cut lines.
+      EXPECT_GE(test::structuralSimilarity(outward, inward), 0.999);
+    }
+  }
+}
+
 TEST_F(RendererTest, ZoomingSetsTheWhiteFacesOfAWireFrameBackAnew) {
   offscreen.show(test::bumpySphere(), WireFrame);
   for (const float fieldOfView : {22.5F, 10.0F, 45.0F, 22.5F}) {

@@ -31,9 +31,13 @@ QString remarkOn(HistogramAge age) {
 
 }  // namespace
 
-GraphWindow::GraphWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
+// Window managers are told which window to stay above for dialogs, but not for windows of equal
+// rank.
+GraphWindow::GraphWindow(QWidget* parent) : QWidget(parent, Qt::Dialog) {
   setObjectName("GraphWindow");
+  setMouseTracking(true);                      // a text goes when the mouse leaves its bar
   setAttribute(Qt::WA_ShowWithoutActivating);  // the keys still belong to the mesh
+  setAttribute(Qt::WA_AlwaysShowToolTips);     // so the window is seldom the active one
   // Dark text on white in every colour scheme: the ramp of the scale goes through black and white.
   setPalette(QPalette(Qt::white));
   setBackgroundRole(QPalette::Base);
@@ -75,7 +79,8 @@ bool GraphWindow::event(QEvent* event) {
   const auto& help = static_cast<const QHelpEvent&>(*event);
   const std::optional<std::string> text = binTextAt(shown, help.x());
   if (text) {
-    QToolTip::showText(help.globalPos(), QString::fromStdString(*text), this);
+    const QRect column(help.x(), 0, 1, height());  // beyond it the text says nothing true
+    QToolTip::showText(help.globalPos(), QString::fromStdString(*text), this, column);
   } else {
     QToolTip::hideText();
   }

@@ -10,7 +10,8 @@ namespace gravlin {
 
 /// The histogram window of a document: how the values of the field that is shown are distributed,
 /// in the colours that the mesh shows them in. Keeps its own copy of the values until it gets new
-/// ones. Hovering over a bar tells its value and its count.
+/// ones. A mouse that rests on a bar is told its value and its count, also while another window is
+/// the active one. It stays above the window of its parent.
 class GraphWindow : public QWidget {
   Q_OBJECT
 

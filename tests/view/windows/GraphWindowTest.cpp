@@ -2,6 +2,7 @@
 #include <QImage>
 #include <QPixmap>
 #include <QToolTip>
+#include <QWindow>
 
 #include "support/Gui.h"
 #include "view/HistogramDrawing.h"
@@ -23,6 +24,8 @@ class GraphWindowTest : public QObject {
   void aNarrowWindowShowsNothingAndSurvives();
   void newValuesAreDrawnAtOnce();
   void hoveringTellsValueAndCount();
+  void aMouseThatRestsIsToldTheBarWhileAnotherWindowIsActive();
+  void itStaysAboveTheWindowThatItBelongsTo();
   void withoutValuesTheWindowIsWhite();
 };
 
@@ -137,6 +140,36 @@ void GraphWindowTest::hoveringTellsValueAndCount() {
   QCOMPARE(QToolTip::text(), QString::fromStdString(*binTextAt(window.histogram(), 200)));
   hover(3);
   QTRY_VERIFY(QToolTip::text().isEmpty());
+}
+
+void GraphWindowTest::aMouseThatRestsIsToldTheBarWhileAnotherWindowIsActive() {
+  QWidget other;
+  other.setGeometry(500, 500, 100, 100);
+  QVERIFY(showActive(other));
+  GraphWindow window;
+  window.setGeometry(0, 0, 400, 300);
+  window.setValues(someValues());
+  window.show();
+  QVERIFY(QTest::qWaitForWindowExposed(&window));
+  QVERIFY(!window.isActiveWindow());
+  for (const int x : {200, 205, 230}) {
+    QTest::mouseMove(&window, QPoint(x, 150));
+    QTRY_COMPARE(QToolTip::text(), QString::fromStdString(*binTextAt(window.histogram(), x)));
+  }
+  QTest::mouseMove(&window, QPoint(3, 150));
+  QTRY_VERIFY(QToolTip::text().isEmpty());
+}
+
+void GraphWindowTest::itStaysAboveTheWindowThatItBelongsTo() {
+  QWidget owner;
+  QVERIFY(showActive(owner));
+  GraphWindow window(&owner);
+  window.show();
+  QCOMPARE(window.windowHandle()->transientParent(), owner.windowHandle());
+  // Of a common window the window manager would not be told.
+  QCOMPARE(window.windowHandle()->type(), Qt::Dialog);
+  QVERIFY(!window.isModal());
+  QVERIFY(owner.isActiveWindow());
 }
 
 void GraphWindowTest::withoutValuesTheWindowIsWhite() {
