@@ -120,7 +120,21 @@ void drawLinks(const TriangleMesh& mesh, const std::vector<IndexList>& links,
   glEnd();
 }
 
+/// Closed, with faces that look into the volume: tetrahedra from the origin sum up below 0.
+bool looksInwards(const TriangleMesh& mesh) {
+  double sixfold = 0;
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    const auto c = mesh.corners(f);
+    sixfold += dot(mesh.position(c[0]), cross(mesh.position(c[1]), mesh.position(c[2])));
+    for (std::size_t j = 0; j < 3; ++j) {
+      if (mesh.faceAdjacency[3 * static_cast<std::size_t>(f) + j] < 0) return false;
+    }
+  }
+  return sixfold < 0;
+}
+
 void drawFadingStrokes(const TriangleMesh& mesh) {
+  const float outward = looksInwards(mesh) ? -1 : 1;
   glPushAttrib(GL_LIGHTING_BIT | GL_ENABLE_BIT);
   for (GLenum light = GL_LIGHT0; light <= GL_LIGHT5; ++light) glDisable(light);
   glEnable(GL_LIGHTING);
@@ -148,7 +162,8 @@ void drawFadingStrokes(const TriangleMesh& mesh) {
       };
       if (!coherent(stroke[k - 1]) || !coherent(stroke[k])) continue;
       for (const FacePoint& p : {stroke[k - 1], stroke[k]}) {
-        glNormal3fv(mesh.faceNormals.data() + 3 * static_cast<std::size_t>(p.face));
+        const float* n = mesh.faceNormals.data() + 3 * static_cast<std::size_t>(p.face);
+        glNormal3f(outward * n[0], outward * n[1], outward * n[2]);
         vertex(pointInFace(mesh, p));
       }
     }
@@ -158,13 +173,14 @@ void drawFadingStrokes(const TriangleMesh& mesh) {
 }
 
 void drawContour(const TriangleMesh& mesh, float lineWidth) {
+  const bool inwards = looksInwards(mesh);
   glEnable(GL_CULL_FACE);
   glEnable(GL_POLYGON_OFFSET_FILL);
   glColor3f(1, 1, 1);
-  glCullFace(GL_BACK);
+  glCullFace(inwards ? GL_FRONT : GL_BACK);
   glPolygonOffset(1, 1);
   drawFaces(mesh);
-  glCullFace(GL_FRONT);
+  glCullFace(inwards ? GL_BACK : GL_FRONT);
   glPolygonOffset(-4, -4);
   drawFaces(mesh);
   glDisable(GL_POLYGON_OFFSET_FILL);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <limits>
+#include <set>
 
 #include "ImmediateCurvature.h"
 #include "ImmediateFeatures.h"
@@ -212,7 +213,22 @@ TEST_F(RendererTest, MeshWithPositionsThatAreNotFiniteShowsTheRest) {
   }
 }
 
-TEST_F(RendererTest, HostileMeshesAndViewsAreDrawnWithoutAnError) {
+int validFaces(const TriangleMesh& mesh) {
+  int count = 0;
+  for (int f = 0; f < mesh.faceCount; ++f) count += mesh.validFace(f) ? 1 : 0;
+  return count;
+}
+
+int usedVertices(const TriangleMesh& mesh) {
+  std::set<int> used;
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    if (!mesh.validFace(f)) continue;
+    for (const int corner : mesh.corners(f)) used.insert(corner);
+  }
+  return static_cast<int>(used.size());
+}
+
+TEST_F(RendererTest, HostileMeshesAndViewsAreCountedAndDrawnWithoutAnError) {
   for (const test::NamedMesh& named : test::hostileMeshes()) {
     offscreen.show(named.mesh, FlatShading);
     for (const int mode : {1, 2, 3, 21, 26, 30}) {
@@ -224,9 +240,18 @@ TEST_F(RendererTest, HostileMeshesAndViewsAreDrawnWithoutAnError) {
         offscreen.view.camera.translation = {number, number, number};
         offscreen.draw();
         EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << named.name;
+        EXPECT_EQ(offscreen.view.shownVertexCount, usedVertices(named.mesh)) << named.name;
+        EXPECT_EQ(offscreen.view.shownFaceCount, validFaces(named.mesh)) << named.name;
       }
     }
   }
+  // What none of them left behind: the next mesh is drawn as ever.
+  offscreen.view = {};
+  offscreen.show(test::bumpySphere(), SmoothShading);
+  const Image drawn = drawWithoutCorner();
+  EXPECT_EQ(test::differentPixels(drawn, test::drawImmediately(offscreen.document, offscreen.view,
+                                                               offscreen.target.size)),
+            0);
 }
 
 TEST_F(RendererTest, ShowsTheCountsOfUsedVerticesAndValidFaces) {

@@ -85,6 +85,25 @@ TEST(Scene, AnyMeshGivesConsistentArraysInEveryMode) {
   }
 }
 
+TEST(Scene, OfAnyMeshShowsTheFacesAndPointsThatAreFinite) {
+  for (const test::NamedMesh& named : test::hostileMeshes()) {
+    SCOPED_TRACE(named.name);
+    const TriangleMesh& mesh = named.mesh;
+    const auto finite = [&](int i) { return std::isfinite(dot(mesh.position(i), {1, 1, 1})); };
+    std::size_t faces = 0;
+    std::size_t points = 0;
+    for (int f = 0; f < mesh.faceCount; ++f) {
+      const auto c = mesh.corners(f);
+      if (mesh.validFace(f) && finite(c[0]) && finite(c[1]) && finite(c[2])) ++faces;
+    }
+    for (int i = 0; i < mesh.vertexCount; ++i) points += finite(i) ? 1 : 0;
+    for (const int mode : {SmoothShading, FlatShading, FlatShadingAlso}) {
+      EXPECT_EQ(drawnCounts(sceneOf(mesh, mode)), std::vector<std::size_t>{3 * faces});
+    }
+    EXPECT_EQ(drawnCounts(sceneOf(mesh, Points)), std::vector<std::size_t>{points});
+  }
+}
+
 TEST(Scene, MeshWithoutDerivedDataIsDrawnAllTheSame) {
   TriangleMesh mesh;
   mesh.copyGeometryFrom(test::cube());
