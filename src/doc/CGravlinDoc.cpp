@@ -148,11 +148,9 @@ void CGravlinDoc::OnEditUndo() {
   if (displayMode == FeatureLines) displayMode = FlatShading;
   redraw();
   // What the status bar told was about the shape that is gone.
-  outside.showStatus(ofAnotherFile
-                         ? "Undo has brought back the shape from before " + fileNameOf(openedPath) +
-                               " was opened; choose a name to save it."
-                         : "");
-  toldMode.reset();
+  tell(ofAnotherFile ? "Undo has brought back the shape from before " + fileNameOf(openedPath) +
+                           " was opened; choose a name to save it."
+                     : "");
   if (!ofAnotherFile) tellOfHiddenLines();
   tellOfNonFinitePositions();
 }
@@ -164,17 +162,19 @@ void CGravlinDoc::geometryChanged() {
   needsRecompute = true;
   numberShape();
   tellHistogramAge();
-  if (std::exchange(tellsOfShape, false)) {
-    outside.showStatus("");
-    toldMode.reset();
-  }
+  if (std::exchange(tellsOfShape, false)) tell("");
   tellOfNonFinitePositions();
+}
+
+void CGravlinDoc::tell(const std::string& sentence) {
+  toldMode.reset();
+  outside.showStatus(sentence);
 }
 
 void CGravlinDoc::tellOfNonFinitePositions() {
   if (countNonFiniteVertices(*currentMesh) == 0) return;
   const bool undoHelps = undoMesh != nullptr && countNonFiniteVertices(*undoMesh) == 0;
-  outside.showStatus(
+  tell(
       undoHelps
           ? "Some positions are no longer finite numbers; Edit > Undo brings back the shape before."
           : "Some positions are not finite numbers.");
@@ -194,17 +194,14 @@ void CGravlinDoc::redraw() {
   needsRecompute = false;  // not before: without memory for it now, the next redraw tries again
   tellHistogramAge();      // some commands bring a shape back that was away for a while
   outside.redraw();
-  if (toldMode && *toldMode != displayMode) {
-    toldMode.reset();
-    outside.showStatus("");
-  }
+  if (toldMode && *toldMode != displayMode) tell("");
 }
 
 void CGravlinDoc::pickFace(int face) {
   TriangleMesh& mesh = *currentMesh;
   if (mesh.faceNormals.size() != mesh.faces.size()) mesh.computeFaceNormals();
   mesh.pickedFace = face;
-  outside.showStatus(describeFace(mesh, face));
+  tell(describeFace(mesh, face));
   tellsOfShape = true;
   toldMode = PickedFace;
   show(PickedFace);

@@ -229,6 +229,8 @@ class CGravlinDoc {
   LowThresholds thresholdRidges();
   void showRidgeLines(const LowThresholds& low);
   void show(DisplayMode mode);
+  /// The sentence of the status bar, in place of the one that is there.
+  void tell(const std::string& sentence);
   void tellOfHiddenLines();
   void setLighting(LightingMode mode);
   void showDirections(DisplayMode mode);

@@ -62,11 +62,11 @@ bool CGravlinDoc::exportLines(const std::string& filePath) {
   const std::string broken =
       countNonFiniteVertices(mesh) == 0 ? "" : " Positions that are not finite are left out.";
   if (lines.empty()) {
-    outside.showStatus("No lines were found on this mesh; " + filePath + " holds none." + broken);
+    tell("No lines were found on this mesh; " + filePath + " holds none." + broken);
     return true;
   }
   const std::string count = std::to_string(lines.size()) + (lines.size() == 1 ? " line" : " lines");
-  outside.showStatus(count + " written to " + filePath + "." + broken);
+  tell(count + " written to " + filePath + "." + broken);
   return true;
 }
 

@@ -53,9 +53,8 @@ bool CGravlinDoc::openFile(const std::string& filePath) {
   undoIsModified = true;   // what is kept for undo belongs to another file
   needsRecompute = false;  // both normals came with the mesh
   show(FlatShading);
-  outside.showStatus(opened.notice);
+  tell(opened.notice);
   tellsOfShape = false;  // but of the file
-  toldMode.reset();
   return true;
 }
 
@@ -140,7 +139,7 @@ bool CGravlinDoc::saveNothing(const std::string& filePath) {
   const std::string outcome = filePath + " is empty: Save writes no ." + extension +
                               " files. The mesh is not saved; choose " + namesToSave + ".";
   if (asks) {
-    outside.showStatus(outcome);
+    tell(outcome);
   } else {
     outside.showMessage(outcome);
   }
@@ -188,11 +187,12 @@ void CGravlinDoc::noteSaved(const SaveResult& saved, const std::string& shift) {
     undoIsModified = true;  // the file holds what an undo would leave
   }
   redraw();
-  if (!holdsMesh) return outside.showStatus(saved.notice);
+  if (!holdsMesh) return tell(saved.notice);
   if (shift.empty()) {
+    toldMode.reset();
     outside.showSuccess("Saved " + fileNameOf(saved.path) + ".");
   } else {
-    outside.showStatus("Saved " + saved.path + "; its vertices lie off " + shift + ".");
+    tell("Saved " + saved.path + "; its vertices lie off " + shift + ".");
   }
   tellsOfShape = true;  // the next one is not saved
 }

@@ -75,7 +75,7 @@ void CGravlinDoc::OnSimplification() {
   keepUndoCopy(std::move(before));
   geometryChanged();
   show(FlatShading);
-  outside.showStatus(describe(result));
+  tell(describe(result));
 }
 
 /// After a simplification that did not come to its end: what it took from the mesh comes back from

@@ -82,7 +82,7 @@ void CGravlinDoc::OnSmoothingShape() {
   geometryChanged();
   redraw();
   if (!smoothingMethod(parameters.method)) {
-    outside.showStatus("No method is called \"" + parameters.method + "\"; nothing was smoothed.");
+    tell("No method is called \"" + parameters.method + "\"; nothing was smoothed.");
     tellsOfShape = true;  // the next command may smooth
   }
 }

@@ -33,7 +33,7 @@ void CGravlinDoc::OnWireFrame() {
 /// mesh that is inside out.
 void CGravlinDoc::tellOfHiddenLines() {
   if (displayMode != WireFrame || !isInsideOut(*currentMesh)) return;
-  outside.showStatus(
+  tell(
       "This mesh is inside out: its normals point inwards, so the faces are set in front of their "
       "lines and hide them.");
   toldMode = WireFrame;

@@ -76,6 +76,14 @@ TEST_F(FileCommands, OpenReplacesTheMeshOfTheSameDocument) {
   EXPECT_EQ(doc.path, trianglePath);
 }
 
+TEST_F(FileCommands, WhatWasSaidSinceAFaceWasPickedOutlivesThePictureOfTheFace) {
+  open(squarePath);
+  doc.pickFace(0);
+  saveAs(folder.file("out.ply2"));
+  doc.OnPoints();
+  EXPECT_EQ(outside.statuses.back(), "Saved out.ply2.");
+}
+
 TEST_F(FileCommands, CancellingTheFileDialogsChangesNothing) {
   open(squarePath);
   moveVertexZero(1.0F);
