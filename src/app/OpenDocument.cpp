@@ -1,6 +1,7 @@
 #include "app/OpenDocument.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <exception>
 #include <new>
 #include <QFileInfo>
@@ -13,16 +14,29 @@
 namespace gravlin {
 namespace {
 
-/// Runs the command and tells what kept it from ending, if anything did.
-std::string complaintOf(CGravlinDoc& document, const std::function<void(CGravlinDoc&)>& command) {
+/// Runs the command and tells what kept it from ending, if anything did. To tell of memory that is
+/// missing takes none.
+QString complaintOf(CGravlinDoc& document, const std::function<void(CGravlinDoc&)>& command) {
   try {
     command(document);
     return {};
   } catch (const std::bad_alloc&) {
-    return "There is not enough memory to finish this command. What it has done so far stands, and "
-           "the mesh can be saved.";
+    return QStringLiteral(
+        "There is not enough memory to finish this command. What it has done so far stands, and "
+        "the mesh can be saved.");
   } catch (const std::exception& error) {
-    return std::string("The command has ended early: ") + error.what();
+    return QStringLiteral("The command has ended early: ") + error.what();
+  }
+}
+
+/// Runs what the desktop does around a command. Memory may be missing there as well, even for the
+/// message; no exception may reach the loop that brought the event.
+template <class Work>
+void runUnlessOutOfMemory(Work work) {
+  try {
+    work();
+  } catch (const std::bad_alloc&) {
+    std::fputs("gravlin: There is not enough memory.\n", stderr);
   }
 }
 
@@ -69,21 +83,29 @@ void OpenDocument::removeFrame(CChildFrame& frame) {
 
 void OpenDocument::run(const std::function<void(CGravlinDoc&)>& command) {
   if (desktop.lock.isHeld()) return;
-  std::string complaint;
-  {
+  QString complaint;
+  runUnlessOutOfMemory([&] {
     const RunningCommand running(desktop.lock);
     desktop.commandChanged();
-    holdViews(true);
-    complaint = complaintOf(document, command);
-    outside.hideProgress();
-    // What the command did before it failed is shown as it is.
-    if (!complaint.empty()) complaintOf(document, [](CGravlinDoc& doc) { doc.redraw(); });
-    holdViews(false);
-  }
-  noteFile();
-  updateTitles();
-  desktop.commandChanged();
-  if (!complaint.empty()) outside.showMessage(complaint);
+    complaint = runOnHeldViews(command);
+  });
+  runUnlessOutOfMemory([&] {
+    noteFile();
+    updateTitles();
+    desktop.commandChanged();
+  });
+  if (complaint.isEmpty()) return;
+  runUnlessOutOfMemory([&] { outside.showMessage(complaint.toStdString()); });
+}
+
+QString OpenDocument::runOnHeldViews(const std::function<void(CGravlinDoc&)>& command) {
+  holdViews(true);
+  QString complaint = complaintOf(document, command);
+  runUnlessOutOfMemory([this] { outside.hideProgress(); });
+  // What the command did before it failed is shown as it is.
+  if (!complaint.isEmpty()) complaintOf(document, [](CGravlinDoc& doc) { doc.redraw(); });
+  holdViews(false);
+  return complaint;
 }
 
 bool OpenDocument::open(const QString& path) {

@@ -45,6 +45,8 @@ class OpenDocument {
 
  private:
   void holdViews(bool held);
+  /// Returns what is to be told when the command could not come to its end.
+  QString runOnHeldViews(const std::function<void(CGravlinDoc&)>& command);
   void noteFile();
   void saveNow();
 

@@ -7,6 +7,7 @@
 
 #include "mesh/FaceGeometry.h"
 #include "numeric/ParallelLoop.h"
+#include "numeric/Rollback.h"
 #include "numeric/Vec3.h"
 
 namespace gravlin {
@@ -170,6 +171,7 @@ Line lineAt(const TriangleMesh& mesh, int i, const std::vector<double>& directio
 void computeCurvatureDerivatives(TriangleMesh& mesh) {
   const DerivativeFields fields = differentiate(mesh);
   const auto size = 3 * static_cast<std::size_t>(mesh.vertexCount);
+  Rollback gradients(mesh.maxDerivativeGradient, mesh.minDerivativeGradient);
   mesh.maxDerivativeGradient.assign(size, 0.0);
   mesh.minDerivativeGradient.assign(size, 0.0);
   parallelFor(mesh.vertexCount, [&](int i) {
@@ -189,6 +191,7 @@ void computeCurvatureDerivatives(TriangleMesh& mesh) {
                        negatedDerivative(minLine.section, minLine.ofMin, centre) * maxDirection;
     storeVectorAt(mesh.minDerivativeGradient, i, unitOrZero(ofMin));
   });
+  gradients.keep();
 }
 
 }  // namespace gravlin

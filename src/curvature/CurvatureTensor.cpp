@@ -5,6 +5,7 @@
 #include <span>
 
 #include "numeric/ParallelLoop.h"
+#include "numeric/Rollback.h"
 #include "numeric/Vec3.h"
 
 namespace gravlin {
@@ -158,15 +159,25 @@ PrincipalCurvatures curvatureAt(const TriangleMesh& mesh, int i) {
   return result;
 }
 
+/// All four arrays get their size or, when memory is refused, none of them changes.
+void makeRoom(TriangleMesh& mesh) {
+  const auto V = static_cast<std::size_t>(mesh.vertexCount);
+  const bool hasRoom = mesh.maxCurvature.size() == V && mesh.minCurvature.size() == V &&
+                       mesh.maxDirection.size() == 3 * V && mesh.minDirection.size() == 3 * V;
+  if (hasRoom) return;
+  Rollback arrays(mesh.maxCurvature, mesh.minCurvature, mesh.maxDirection, mesh.minDirection);
+  mesh.maxCurvature.resize(V);
+  mesh.minCurvature.resize(V);
+  mesh.maxDirection.resize(3 * V);
+  mesh.minDirection.resize(3 * V);
+  arrays.keep();
+}
+
 }  // namespace
 
 void computeCurvatureTensor(TriangleMesh& mesh) {
   if (mesh.vertexNormals.empty()) mesh.computeVertexNormals();
-  const auto V = static_cast<std::size_t>(mesh.vertexCount);
-  mesh.maxCurvature.assign(V, 0.0);
-  mesh.minCurvature.assign(V, 0.0);
-  mesh.maxDirection.assign(3 * V, 0.0);
-  mesh.minDirection.assign(3 * V, 0.0);
+  makeRoom(mesh);
   mesh.curvatureOrigin = mesh.here();
   parallelFor(mesh.vertexCount, [&mesh](int i) {
     const PrincipalCurvatures at = curvatureAt(mesh, i);

@@ -351,7 +351,7 @@ void generateStrokes(TriangleMesh& mesh, int seedCount) {
   if (seedCount < 1 || mesh.faceCount < 1) return;
   if (mesh.faceNormals.empty()) mesh.computeFaceNormals();
   const AreaTable areas = sortedAreas(mesh);
-  Strokes& strokes = mesh.strokes;
+  Strokes strokes;
   const auto S = static_cast<std::size_t>(seedCount);
   Random random(100);
   strokes.strokeSeeds.reserve(S);
@@ -364,6 +364,7 @@ void generateStrokes(TriangleMesh& mesh, int seedCount) {
     strokes.maxStrokes[s] = traceMaxStroke(mesh, seed, {});
     strokes.minStrokes[s] = traceMinStroke(mesh, seed, {});
   }
+  mesh.strokes = std::move(strokes);
 }
 
 }  // namespace gravlin

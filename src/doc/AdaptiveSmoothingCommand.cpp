@@ -28,7 +28,7 @@ void CGravlinDoc::OnSmoothingShapeAdaptive() {
   // The lists come first: where they are refused, the shape and the undo copy stay as they are.
   const std::string refusal = makeCornerNeighbours(*currentMesh);
   if (!refusal.empty()) return outside.showMessage(refusal);
-  keepUndoCopy();
+  if (!keepUndoCopy()) return;
 
   const AdaptiveSmoothingParameters& parameters = adaptiveSmoothingParameters;
   const bool median = parameters.averagingKind == MedianAveraging;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <locale>
+#include <new>
 #include <sstream>
 #include <utility>
 
@@ -22,14 +23,16 @@ struct Recomputation {
 /// The ideal mesh that errors are measured to is the undo copy; without one they are 0.
 void computeVertexErrors(CGravlinDoc& doc) {
   const TriangleMesh& mesh = *doc.currentMesh;
-  doc.vertexErrors.assign(static_cast<std::size_t>(mesh.vertexCount), 0.0);
-  if (doc.undoMesh) doc.vertexErrors = vertexErrors(mesh, *doc.undoMesh);
+  doc.vertexErrors = doc.undoMesh
+                         ? vertexErrors(mesh, *doc.undoMesh)
+                         : std::vector<double>(static_cast<std::size_t>(mesh.vertexCount), 0.0);
 }
 
 void computeFaceErrors(CGravlinDoc& doc) {
   const TriangleMesh& mesh = *doc.currentMesh;
-  doc.faceErrors.assign(static_cast<std::size_t>(mesh.faceCount), 0.0);
-  if (doc.undoMesh) doc.faceErrors = faceErrors(mesh, *doc.undoMesh);
+  doc.faceErrors = doc.undoMesh
+                       ? faceErrors(mesh, *doc.undoMesh)
+                       : std::vector<double>(static_cast<std::size_t>(mesh.faceCount), 0.0);
 }
 
 /// Lines of curvature, and creases of a shape that is no longer there, stay as they were found.
@@ -55,6 +58,13 @@ const std::vector<Recomputation>& recomputations() {
   return table;
 }
 
+constexpr const char* noMemoryForUndoCopy =
+    "There is not enough memory for a copy of the shape, which Undo would need. The mesh stays as "
+    "it is.";
+constexpr const char* noMemoryForUndoCopyAndLost =
+    "There is not enough memory for a copy of the shape, which Undo would need. The mesh stays as "
+    "it is; the copy that Undo had until now was given up to make room.";
+
 /// One sentence about a valid face, with its area in the file's units.
 std::string describeFace(const TriangleMesh& mesh, int face) {
   const auto c = mesh.corners(face);
@@ -76,16 +86,17 @@ CGravlinDoc::CGravlinDoc(Outside& outsideOfDocument) : outside(outsideOfDocument
 }
 CGravlinDoc::~CGravlinDoc() = default;
 
-void CGravlinDoc::replaceMesh(std::unique_ptr<TriangleMesh> mesh) {
-  currentMesh = std::move(mesh);
+std::unique_ptr<TriangleMesh> CGravlinDoc::replaceMesh(
+    std::unique_ptr<TriangleMesh> mesh) noexcept {
+  currentMesh.swap(mesh);
   meshSmoother.attach(currentMesh.get());
   curvatureTensorSmoother.mesh = currentMesh.get();
   meshSubdivider.attach(currentMesh.get());
   decimator.attach(currentMesh.get());
   ridgeDetector.attach(currentMesh.get());
   ridgeLineSmoother.attach(currentMesh.get());
-  tellHistogramAge();
   dropLines();
+  return mesh;
 }
 
 void CGravlinDoc::numberShape() {
@@ -111,44 +122,70 @@ void CGravlinDoc::haveLines(LinesFrom origin) {
   linesAreLost = false;
 }
 
-void CGravlinDoc::dropLines() {
+void CGravlinDoc::dropLines() noexcept {
   linesAreLost = linesAreLost || linesFrom != LinesFrom::Nothing;
   linesFrom = LinesFrom::Nothing;
   decimator.creaseLinks.clear();
   silhouetteLines = {};
 }
 
-std::unique_ptr<TriangleMesh> CGravlinDoc::geometryCopy() const {
-  auto copy = std::make_unique<TriangleMesh>();
-  copy->copyGeometryFrom(*currentMesh);
+CGravlinDoc::KeptShape CGravlinDoc::geometryCopy() const {
+  KeptShape copy = {std::make_unique<TriangleMesh>(), meshOrigin};
+  copy.mesh->copyGeometryFrom(*currentMesh);
   return copy;
 }
 
-void CGravlinDoc::keepUndoCopy() {
-  undoMesh.reset();  // first, so that there are never three meshes at once
-  keepUndoCopy(geometryCopy());
+bool CGravlinDoc::keepUndoCopy() {
+  const bool hadCopy = undoMesh != nullptr;
+  const bool fits = hadCopy && undoMesh->vertexCount == currentMesh->vertexCount &&
+                    undoMesh->faceCount == currentMesh->faceCount;
+  if (!fits) undoMesh.reset();
+  try {
+    if (!fits) {
+      keepUndoCopy(geometryCopy());
+    } else {
+      MeshOrigin origin = meshOrigin;
+      undoMesh->copyGeometryFrom(*currentMesh);
+      keepUndoCopy({std::move(undoMesh), std::move(origin)});
+    }
+    return true;
+  } catch (const std::bad_alloc&) {
+    const bool isLost = hadCopy && !undoMesh;
+    outside.showMessage(isLost ? noMemoryForUndoCopyAndLost : noMemoryForUndoCopy);
+    return false;
+  }
 }
 
-void CGravlinDoc::keepUndoCopy(std::unique_ptr<TriangleMesh> copy) {
-  undoMesh = std::move(copy);
+void CGravlinDoc::keepUndoCopy(KeptShape copy) noexcept {
+  undoMesh = std::move(copy.mesh);
+  undoOrigin = std::move(copy.origin);
   undoIsModified = std::exchange(modified, true);
-  undoOrigin = meshOrigin;
+  // From here on, whatever may keep the command from telling about its end.
+  needsRecompute = true;
+  currentMesh->shape = ++shapes;
 }
 
 void CGravlinDoc::OnEditUndo() {
   if (!undoMesh) return;
-  replaceMesh(std::move(undoMesh));
+  try {
+    undoMesh->buildAdjacency();
+    undoMesh->buildFaceAdjacency();
+  } catch (const std::bad_alloc&) {
+    undoMesh->dropDerived();
+    return outside.showMessage(
+        "There is not enough memory to bring back the shape before. Both shapes stay as they are.");
+  }
+  replaceMesh(std::exchange(undoMesh, nullptr));
   modified = undoIsModified;
-  const std::string openedPath = std::exchange(meshOrigin, undoOrigin).path;
-  const bool ofAnotherFile = openedPath != meshOrigin.path;
+  const MeshOrigin opened = std::exchange(meshOrigin, std::move(undoOrigin));
+  const bool ofAnotherFile = opened.path != meshOrigin.path;
   if (ofAnotherFile) path.clear();
-  currentMesh->buildAdjacency();
-  currentMesh->buildFaceAdjacency();
   needsRecompute = true;
   if (displayMode == FeatureLines) displayMode = FlatShading;
+  tellHistogramAge();
   redraw();
   // What the status bar told was about the shape that is gone.
-  tell(ofAnotherFile ? "Undo has brought back the shape from before " + fileNameOf(openedPath) +
+  tell(ofAnotherFile ? "Undo has brought back the shape from before " + fileNameOf(opened.path) +
                            " was opened; choose a name to save it."
                      : "");
   if (!ofAnotherFile) tellOfHiddenLines();
@@ -197,18 +234,26 @@ void CGravlinDoc::redraw() {
   if (toldMode && *toldMode != displayMode) tell("");
 }
 
+/// A redraw that fails leaves none, or those of an earlier shape.
+void CGravlinDoc::needFaceNormals() {
+  const bool there = currentMesh->faceNormals.size() == currentMesh->faces.size();
+  if (needsRecompute || !there) currentMesh->computeFaceNormals();
+}
+
 void CGravlinDoc::pickFace(int face) {
   TriangleMesh& mesh = *currentMesh;
-  if (mesh.faceNormals.size() != mesh.faces.size()) mesh.computeFaceNormals();
-  mesh.pickedFace = face;
+  needFaceNormals();
   tell(describeFace(mesh, face));
   tellsOfShape = true;
   toldMode = PickedFace;
+  mesh.pickedFace = face;
   show(PickedFace);
 }
 
 bool CGravlinDoc::pickFace(const Ray& ray) {
-  const std::optional<int> face = currentMesh ? faceOnRay(*currentMesh, ray) : std::nullopt;
+  if (!currentMesh) return false;
+  needFaceNormals();
+  const std::optional<int> face = faceOnRay(*currentMesh, ray);
   if (face) pickFace(*face);
   return face.has_value();
 }

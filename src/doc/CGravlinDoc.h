@@ -181,12 +181,20 @@ class CGravlinDoc {
   bool pickFace(const Ray& ray);
   /// The same for a face that is known; it must be valid.
   void pickFace(int face);
+  /// A shape with what is known of where it came from.
+  struct KeptShape {
+    std::unique_ptr<TriangleMesh> mesh;
+    MeshOrigin origin;
+  };
   /// Replaces the undo copy with the geometry of the current mesh, which must exist. Called before
-  /// the geometry changes, so the document counts as modified from here on.
-  void keepUndoCopy();
+  /// the geometry changes, so the document counts as modified and derived data as stale from here
+  /// on. Without memory for it a message is shown and the result is false: then the command must
+  /// not be run. The copy before is gone in that case, so that there are never three meshes at
+  /// once, unless the new one would have fitted in its place.
+  bool keepUndoCopy();
   /// The same with a copy that was made before the geometry changed, for commands that may fail on
   /// the way and must not lose the undo copy then.
-  void keepUndoCopy(std::unique_ptr<TriangleMesh> copy);
+  void keepUndoCopy(KeptShape copy) noexcept;
   /// Called after vertices moved or faces changed: marks derived data and the histogram as stale,
   /// takes a sentence about the shape before (a picked face, say) out of the status bar, and tells
   /// there when positions are not finite. A mesh must exist.
@@ -200,10 +208,11 @@ class CGravlinDoc {
   void redraw();
 
  private:
-  /// The one place where the current mesh is exchanged: whatever works on it is attached anew.
-  void replaceMesh(std::unique_ptr<TriangleMesh> mesh);
+  /// The one place where the current mesh is exchanged: whatever works on it is attached anew. The
+  /// caller tells the age of the histogram. Returns the mesh that was there.
+  std::unique_ptr<TriangleMesh> replaceMesh(std::unique_ptr<TriangleMesh> mesh) noexcept;
   /// Forgets the lines that the document keeps beside those of the mesh.
-  void dropLines();
+  void dropLines() noexcept;
   /// Notes where lines that have just been found come from.
   void haveLines(LinesFrom origin);
   /// Gives the shape of the current mesh, which may be a new one, its number.
@@ -222,9 +231,9 @@ class CGravlinDoc {
   bool saveNothing(const std::string& filePath);
   void noteSaved(const SaveResult& saved, const std::string& shift);
   bool hasMeshToSave();  ///< shows a message when there is none
-  std::unique_ptr<TriangleMesh> geometryCopy() const;
-  void bringBack(TriangleMesh* before);
+  KeptShape geometryCopy() const;
   void recompute();
+  void needFaceNormals();
   void smoothShape(const Chunks& explicitChunks);
   LowThresholds thresholdRidges();
   void showRidgeLines(const LowThresholds& low);

@@ -9,6 +9,7 @@
 #include "curvature/CurvatureDerivatives.h"
 #include "curvature/CurvatureTensor.h"
 #include "doc/CGravlinDoc.h"
+#include "numeric/Rollback.h"
 
 namespace gravlin {
 namespace {
@@ -18,11 +19,13 @@ constexpr float percent = 0.01F;
 constexpr float ridgeSmoothingStep = 0.1F;
 
 /// The positions of a mesh while a command works on smoothed ones. The mesh gets them back in any
-/// case, also when an exception ends the command; `restore` brings the normals up to date as well.
+/// case, also when an exception ends the command; `restore` brings the normals up to date as well,
+/// and until they are the derived data counts as stale.
 class UnsmoothedPositions {
  public:
-  explicit UnsmoothedPositions(TriangleMesh& smoothedMesh) : mesh(smoothedMesh) {}
-  ~UnsmoothedPositions() { bringBack(); }
+  UnsmoothedPositions(TriangleMesh& smoothedMesh, bool& needsRecompute)
+      : mesh(smoothedMesh), stale(needsRecompute) {}
+  ~UnsmoothedPositions() { giveBack(); }
   UnsmoothedPositions(const UnsmoothedPositions&) = delete;
   UnsmoothedPositions& operator=(const UnsmoothedPositions&) = delete;
 
@@ -34,19 +37,23 @@ class UnsmoothedPositions {
 
   void restore() {
     if (!positions) return;
-    bringBack();
+    const bool wasStale = stale;
+    giveBack();
     mesh.computeNormals();
+    stale = wasStale;
   }
 
  private:
-  void bringBack() {
+  void giveBack() {
     if (!positions) return;
     mesh.vertices = std::move(*positions);
     mesh.shape = shape;
     positions.reset();
+    stale = true;
   }
 
   TriangleMesh& mesh;
+  bool& stale;
   std::optional<std::vector<float>> positions;
   std::uint64_t shape = 0;
 };
@@ -71,8 +78,10 @@ LowThresholds CGravlinDoc::thresholdRidges() {
 }
 
 void CGravlinDoc::showRidgeLines(const LowThresholds& low) {
+  Rollback lines(currentMesh->ridgeLinks, currentMesh->valleyLinks);
   ridgeDetector.buildLineGraph();
   if (ridgeParameters.connect) ridgeDetector.connectLines(ridgeParameters.connectThreshold, low);
+  lines.keep();
   haveLines(LinesFrom::LocalMax);
   decimator.creaseLinks.clear();
   displayMode = FeatureLines;
@@ -87,7 +96,7 @@ void CGravlinDoc::OnEdgeDetectionLocalMax() {
 
   // Pre-smoothing draws the smoothed shape, and with it finds creases on show again there.
   const bool creasesFollow = displayMode == FeatureLines && linesFrom == LinesFrom::FaceAngle;
-  UnsmoothedPositions unsmoothed(mesh);
+  UnsmoothedPositions unsmoothed(mesh, needsRecompute);
   if (parameters.preSmoothing != RidgeParameters::NoPreSmoothing) unsmoothed.keep();
   if (parameters.preSmoothing == RidgeParameters::Common) OnSmoothingShape();
   if (parameters.preSmoothing == RidgeParameters::Adaptive) OnSmoothingShapeAdaptive();
@@ -96,11 +105,15 @@ void CGravlinDoc::OnEdgeDetectionLocalMax() {
   computeCurvatureTensor(mesh);
   if (parameters.smoothTensor) OnSmoothingCurvatureTensor();
 
+  Rollback marks(mesh.ridgeMarks, mesh.valleyMarks);
   ridgeDetector.extractExtrema();
   const LowThresholds low = thresholdRidges();
   if (parameters.absoluteComparison) ridgeDetector.compareAbsoluteValues();
   ridgeDetector.fillGaps();
-  if (parameters.extractOn == RidgeParameters::OnFace) return unsmoothed.forget();
+  if (parameters.extractOn == RidgeParameters::OnFace) {
+    marks.keep();
+    return unsmoothed.forget();
+  }
 
   if (parameters.extractOn == RidgeParameters::OnEdge) {
     showRidgeLines(low);
@@ -108,10 +121,12 @@ void CGravlinDoc::OnEdgeDetectionLocalMax() {
     if (parameters.showRidgeDirection) computeCurvatureDerivatives(mesh);
     displayMode = parameters.showRidgeDirection ? RidgeDirections : RidgeVertices;
   }
+  marks.keep();
   unsmoothed.restore();
   if (creasesFollow && linesFrom == LinesFrom::FaceAngle) detectCreases();
   if (parameters.extractOn == RidgeParameters::OnEdge && parameters.smoothRidgeEdges) {
     modified = true;
+    needsRecompute = true;
     ridgeLineSmoother.smooth(parameters.ridgeSmoothIterations, ridgeSmoothingStep);
     geometryChanged();
   }
@@ -122,10 +137,10 @@ void CGravlinDoc::detectCreases() {
   const AngleParameters& parameters = angleParameters;
   ridgeDetector.attach(currentMesh.get());
   if (parameters.thresholdMode == AngleParameters::Histogram) {
-    decimator.creaseLinks.clear();
     ridgeDetector.detectCreasesByHistogram(
         {.hi = static_cast<float>(parameters.histogramHi) * percent,
          .low = static_cast<float>(parameters.histogramLow) * percent});
+    decimator.creaseLinks.clear();
   } else {
     decimator.attach(currentMesh.get());
     decimator.detectCreasesByAngle(static_cast<float>(-std::cos(parameters.angle * degree)));
@@ -138,7 +153,8 @@ void CGravlinDoc::OnEdgeDetectionFaceAngle() {
   if (!currentMesh || !outside.showDialog(angleParameters.form())) return;
   TriangleMesh& mesh = *currentMesh;
 
-  UnsmoothedPositions unsmoothed(mesh);
+  UnsmoothedPositions unsmoothed(mesh, needsRecompute);
+  Rollback origin(linesFrom);
   linesFrom = parameters.preSmoothing ? LinesFrom::SmoothedFaceAngle : LinesFrom::FaceAngle;
   if (parameters.preSmoothing) {
     unsmoothed.keep();
@@ -147,6 +163,7 @@ void CGravlinDoc::OnEdgeDetectionFaceAngle() {
     mesh.computeNormals();
   }
   detectCreases();
+  origin.keep();
   unsmoothed.restore();
   show(FeatureLines);
 }

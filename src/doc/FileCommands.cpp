@@ -44,14 +44,18 @@ bool CGravlinDoc::openFile(const std::string& filePath) {
     outside.showMessage(opened.error);
     return false;
   }
+  // All names before the mesh: it must never stand under the name of another file.
+  std::string newPath = filePath;
+  MeshOrigin origin = {filePath, opened.extent, opened.positionLoss};
   opened.mesh->shape = ++shapes;
   replaceMesh(std::move(opened.mesh));
   linesAreLost = false;  // they were of another mesh
-  path = filePath;
-  meshOrigin = {filePath, opened.extent, opened.positionLoss};
+  path = std::move(newPath);
+  meshOrigin = std::move(origin);
   modified = false;
   undoIsModified = true;   // what is kept for undo belongs to another file
   needsRecompute = false;  // both normals came with the mesh
+  tellHistogramAge();
   show(FlatShading);
   tell(opened.notice);
   tellsOfShape = false;  // but of the file
@@ -177,8 +181,8 @@ bool CGravlinDoc::saveFile(const std::string& filePath) {
 void CGravlinDoc::noteSaved(const SaveResult& saved, const std::string& shift) {
   path = saved.path;
   if (isSameFile(path, meshOrigin.path)) {
-    meshOrigin = {meshOrigin.path, ReadExtent::Whole,
-                  0.0};  // it has nothing any more but this mesh
+    meshOrigin.extent = ReadExtent::Whole;  // it has nothing any more but this mesh
+    meshOrigin.positionLoss = 0.0;
   }
   meshOrigin.positionLoss += saved.positionLoss;
   const bool holdsMesh = saved.notice.empty();

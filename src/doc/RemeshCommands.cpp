@@ -39,7 +39,7 @@ std::unique_ptr<TriangleMesh> compacted(const TriangleMesh& mesh) {
 void CGravlinDoc::OnSubdivision() {
   if (!currentMesh || !outside.showDialog(subdivisionParameters.form())) return;
   try {
-    auto before = geometryCopy();
+    KeptShape before = geometryCopy();
     meshSubdivider.attach(currentMesh.get());
     refine(meshSubdivider, subdivisionParameters.method);
     keepUndoCopy(std::move(before));
@@ -60,36 +60,25 @@ void CGravlinDoc::OnSubdivision() {
 
 void CGravlinDoc::OnSimplification() {
   if (!currentMesh || !outside.showDialog(decimationParameters.form())) return;
-  std::unique_ptr<TriangleMesh> before;
+  std::unique_ptr<TriangleMesh> simplified;
+  KeptShape before;
   DecimationResult result;
   try {
-    before = geometryCopy();
     decimator.attach(currentMesh.get());
-    result = decimator.decimate(decimationParameters.reductionRate);
-    replaceMesh(compacted(*currentMesh));
+    DecimatedMesh decimated = decimator.decimatedCopy(decimationParameters.reductionRate);
+    simplified = compacted(decimated.mesh);
+    result = decimated.result;
+    before.origin = meshOrigin;
   } catch (const std::bad_alloc&) {
-    bringBack(before.get());
     return outside.showMessage(
         "There is not enough memory to simplify this mesh. The mesh stays as it is.");
   }
+  before.mesh = replaceMesh(std::move(simplified));
+  before.mesh->dropDerived();
   keepUndoCopy(std::move(before));
   geometryChanged();
   show(FlatShading);
   tell(describe(result));
-}
-
-/// After a simplification that did not come to its end: what it took from the mesh comes back from
-/// the copy made before, if anything was taken. Curvature and lines are still those of this shape.
-void CGravlinDoc::bringBack(TriangleMesh* before) {
-  const bool untouched = before == nullptr || (currentMesh->vertexNeighbours.built() &&
-                                               currentMesh->faces == before->faces);
-  if (untouched) return;
-  currentMesh->vertices.swap(before->vertices);
-  currentMesh->faces.swap(before->faces);
-  currentMesh->buildAdjacency();
-  currentMesh->buildFaceAdjacency();
-  needsRecompute = true;
-  redraw();
 }
 
 }  // namespace gravlin

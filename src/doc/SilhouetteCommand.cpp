@@ -1,10 +1,13 @@
 // Visualization > Silhouette: what a pen drawing of the surface is made from.
 
+#include <utility>
+
 #include "curvature/CurvatureDerivatives.h"
 #include "curvature/CurvatureTensor.h"
 #include "curvature/DirectionCoherence.h"
 #include "curvature/Strokes.h"
 #include "doc/CGravlinDoc.h"
+#include "numeric/Rollback.h"
 
 namespace gravlin {
 namespace {
@@ -24,23 +27,26 @@ void CGravlinDoc::OnSilhouette() {
     computeCurvatureTensor(mesh);
   }
   ridgeDetector.attach(&mesh);
-  displayMode = Silhouette;
   generateStrokes(mesh, seeds);
   markCoherentFaces(mesh, tensorSmoothingParameters.directionThreshold);
 
+  Rollback lines(mesh.ridgeMarks, mesh.valleyMarks, mesh.ridgeLinks, mesh.valleyLinks);
   ridgeDetector.extractExtrema();
   const LowThresholds low = ridgeDetector.thresholdHistogram(ridgeShares);
   ridgeDetector.compareAbsoluteValues();
   ridgeDetector.fillGaps();
   ridgeDetector.buildLineGraph();
-  haveLines(LinesFrom::LocalMax);
-  decimator.creaseLinks.clear();
 
   computeCurvatureDerivatives(mesh);
   curvatureTensorSmoother.mesh = &mesh;
   curvatureTensorSmoother.smoothDerivativeGradients(gradientIterations, gradientSigma);
-  silhouetteLines = selectSilhouetteLines(mesh, {leastLineStrength, low});
+  SilhouetteLines selected = selectSilhouetteLines(mesh, {leastLineStrength, low});
   markCoherentFaces(mesh, tensorSmoothingParameters.directionThreshold);
+  silhouetteLines = std::move(selected);
+  lines.keep();
+  haveLines(LinesFrom::LocalMax);
+  decimator.creaseLinks.clear();
+  displayMode = Silhouette;
   redraw();
 }
 

@@ -63,11 +63,36 @@ Chunks chunksFor(SmoothingMethod method, const Chunks& chunks, int iterations) {
   return implicit ? Chunks{.size = 1, .count = iterations, .rest = 0} : chunks;
 }
 
+/// Scales a mesh back to the volume that it had at first, if wanted: when it is told to, and when
+/// an exception comes in between, so that what has been smoothed until then has its size.
+class VolumeKeeper {
+ public:
+  VolumeKeeper(TriangleMesh& smoothed, bool isWanted)
+      : mesh(smoothed), wanted(isWanted), volume(enclosedVolume(smoothed)) {}
+  ~VolumeKeeper() {
+    if (due) restore();
+  }
+  VolumeKeeper(const VolumeKeeper&) = delete;
+  VolumeKeeper& operator=(const VolumeKeeper&) = delete;
+
+  void hasChanged() { due = true; }
+  void restore() {
+    if (wanted) rescaleToVolume(mesh, volume);
+    due = false;
+  }
+
+ private:
+  TriangleMesh& mesh;
+  bool wanted;
+  double volume;
+  bool due = false;
+};
+
 }  // namespace
 
 void CGravlinDoc::OnSmoothingShape() {
   if (!currentMesh || !outside.showDialog(smoothingParameters.form())) return;
-  keepUndoCopy();
+  if (!keepUndoCopy()) return;
   const SmoothingParameters& parameters = smoothingParameters;
   const Chunks chunks =
       chunksOf(parameters.iterationCount, {parameters.animate, parameters.animateEvery});
@@ -92,28 +117,26 @@ void CGravlinDoc::smoothShape(const Chunks& explicitChunks) {
   const std::optional<SmoothingMethod> method = smoothingMethod(parameters.method);
   if (!method) return;
   TriangleMesh& mesh = *currentMesh;
-  const double volume = enclosedVolume(mesh);
-  const auto rescale = [&] {
-    if (parameters.preserveVolume) rescaleToVolume(mesh, volume);
-  };
+  VolumeKeeper volume(mesh, parameters.preserveVolume);
   meshSmoother.attach(&mesh);
   const Flow flow = flowOf(*method, meshSmoother, mesh, parameters.stepSize);
   const Chunks chunks = chunksFor(*method, explicitChunks, parameters.iterationCount);
   for (int chunk = 0; chunk < chunks.count; ++chunk) {
     flow(chunks.size);
+    volume.hasChanged();
     outside.stepProgress();
     if (!parameters.animate) continue;
-    rescale();
+    volume.restore();
     needsRecompute = true;
     redraw();
   }
   flow(chunks.rest);
-  rescale();
+  volume.restore();
 }
 
 void CGravlinDoc::OnSmoothingNoise() {
   if (!currentMesh || !outside.showDialog(noiseParameters.form())) return;
-  keepUndoCopy();
+  if (!keepUndoCopy()) return;
   meshSmoother.attach(currentMesh.get());
   meshSmoother.addNoise(noiseParameters.noiseSize);
   geometryChanged();

@@ -4,6 +4,7 @@
 
 #include "features/EdgeFold.h"
 #include "features/LinkGrowth.h"
+#include "numeric/Rollback.h"
 
 namespace gravlin {
 namespace {
@@ -19,6 +20,7 @@ bool isConvex(const TriangleMesh& mesh, int f, int g) {
 
 std::vector<IndexList> detectCreasesByAngle(TriangleMesh& mesh, float cosThreshold) {
   const auto V = static_cast<std::size_t>(mesh.vertexCount);
+  Rollback lines(mesh.ridgeLinks, mesh.valleyLinks);
   mesh.ridgeLinks.assign(V, IndexList());
   mesh.valleyLinks.assign(V, IndexList());
   std::vector<IndexList> creaseLinks(V);
@@ -40,6 +42,7 @@ std::vector<IndexList> detectCreasesByAngle(TriangleMesh& mesh, float cosThresho
       link(creaseLinks, a, b);
     }
   }
+  lines.keep();
   return creaseLinks;
 }
 

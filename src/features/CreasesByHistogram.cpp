@@ -8,6 +8,7 @@
 #include "features/EdgeFold.h"
 #include "features/LineFields.h"
 #include "features/LinkGrowth.h"
+#include "numeric/Rollback.h"
 
 namespace gravlin {
 namespace {
@@ -138,6 +139,7 @@ void detectCreasesByHistogram(TriangleMesh& mesh, CreaseShares shares) {
   const float lowOfAny = std::max(limits.convex.low, limits.concave.low);
 
   const auto V = static_cast<std::size_t>(mesh.vertexCount);
+  Rollback lines(mesh.ridgeLinks, mesh.valleyLinks);
   mesh.ridgeLinks.assign(V, IndexList());
   mesh.valleyLinks.assign(V, IndexList());
   std::vector<IndexList> weakConvex(V);
@@ -157,6 +159,7 @@ void detectCreasesByHistogram(TriangleMesh& mesh, CreaseShares shares) {
   });
   growAlongWeakLinks(mesh.ridgeLinks, weakConvex);
   growAlongWeakLinks(mesh.valleyLinks, weakConcave);
+  lines.keep();
 }
 
 }  // namespace gravlin

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "mesh/PositionGuard.h"
+
 namespace gravlin {
 namespace {
 
@@ -87,11 +89,13 @@ void RidgeLineSmoother::smooth(int iterations, float step) {
   const bool anyLine = std::find(level.begin(), level.end(), onLine) != level.end();
   if (!anyLine) return;
   std::vector<Vec3> work(links.size());
+  PositionGuard positions(*mesh);  // there is no undo of a fairing
   for (int iteration = 0; iteration < iterations; ++iteration) {
     mesh->computeNormals();
     moveLines(*mesh, links, step, work);
     fairBand(*mesh, level, step, work);
   }
+  positions.keep();
 }
 
 }  // namespace gravlin

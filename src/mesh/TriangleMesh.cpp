@@ -302,6 +302,10 @@ Vec3 TriangleMesh::meanCurvatureNormal(int i) const {
 
 void TriangleMesh::copyGeometryFrom(const TriangleMesh& other) {
   TriangleMesh copy;
+  if (vertices.size() == other.vertices.size() && faces.size() == other.faces.size()) {
+    copy.vertices.swap(vertices);  // arrays of the right length are used again
+    copy.faces.swap(faces);
+  }
   copy.faceCount = other.faceCount;
   copy.vertexCount = other.vertexCount;
   copy.vertices = other.vertices;
@@ -311,6 +315,19 @@ void TriangleMesh::copyGeometryFrom(const TriangleMesh& other) {
   copy.boxMin = other.boxMin;
   copy.extentTolerance = other.extentTolerance;
   *this = std::move(copy);
+}
+
+void TriangleMesh::dropDerived() noexcept {
+  TriangleMesh geometry;
+  geometry.faceCount = faceCount;
+  geometry.vertexCount = vertexCount;
+  geometry.vertices = std::move(vertices);
+  geometry.faces = std::move(faces);
+  geometry.shape = shape;
+  geometry.boxMax = boxMax;
+  geometry.boxMin = boxMin;
+  geometry.extentTolerance = extentTolerance;
+  *this = std::move(geometry);
 }
 
 TriangleMesh TriangleMesh::compactCopy() const {

@@ -161,8 +161,11 @@ class TriangleMesh {
 
   // --- Copies ---
   /// Copies positions, faces, their shape's number, box and extentTolerance. Nothing derived is
-  /// copied, and what this mesh had derived is dropped.
+  /// copied, and what this mesh had derived is dropped. Into a mesh of the same counts it takes no
+  /// memory and cannot fail; otherwise this mesh is as it was when memory is refused.
   void copyGeometryFrom(const TriangleMesh& other);
+  /// Drops whatever is derived: positions, faces, their number, box and extentTolerance stay.
+  void dropDerived() noexcept;
   /// A mesh of the used vertices and the valid faces only, renumbered in index order, with this
   /// mesh's box and extentTolerance and nothing derived. Requires buildAdjacency.
   TriangleMesh compactCopy() const;

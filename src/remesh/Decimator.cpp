@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "features/CreasesByAngle.h"
@@ -47,8 +48,8 @@ int countCandidates(const TriangleMesh& mesh) {
 /// One run of the decimation: candidate edges, their costs and the mesh that they belong to.
 class Decimation {
  public:
-  explicit Decimation(const TriangleMesh& mesh)
-      : surface(mesh), quadrics(vertexQuadrics(mesh)), heap(countCandidates(mesh)) {
+  Decimation(const TriangleMesh& mesh, CollapsibleMesh& copyOfMesh)
+      : surface(copyOfMesh), quadrics(vertexQuadrics(mesh)), heap(countCandidates(mesh)) {
     listCandidates(mesh);
   }
 
@@ -66,8 +67,6 @@ class Decimation {
     result.targetReached = vertexCount - result.vertices <= target;
     return result;
   }
-
-  void writeTo(TriangleMesh& mesh) const { surface.writeTo(mesh); }
 
  private:
   /// Numbers the candidates by the vertices in index order and their rings in order, and labels the
@@ -164,31 +163,50 @@ class Decimation {
     });
   }
 
-  CollapsibleMesh surface;
+  CollapsibleMesh& surface;
   std::vector<Quadric> quadrics;  ///< [V]
   std::vector<Ends> edges;        ///< of all candidates, in the heap or not
   EdgeHeap heap;
 };
 
+/// The faces and positions of `surface`, which was made from `mesh`, with topology.
+TriangleMesh shapeOf(const CollapsibleMesh& surface, const TriangleMesh& mesh) {
+  TriangleMesh shape;
+  shape.copyGeometryFrom(mesh);
+  shape.vertexKind.resize(toIndex(shape.vertexCount));
+  surface.writeTo(shape);
+  shape.buildAdjacency();
+  shape.buildFaceAdjacency();
+  return shape;
+}
+
+/// Exchanges positions, faces and topology for those of a mesh of the same counts.
+void takeShape(TriangleMesh& mesh, TriangleMesh& shape) {
+  mesh.vertices.swap(shape.vertices);
+  mesh.faces.swap(shape.faces);
+  std::swap(mesh.vertexNeighbours, shape.vertexNeighbours);
+  std::swap(mesh.vertexFaces, shape.vertexFaces);
+  mesh.vertexKind.swap(shape.vertexKind);
+  mesh.faceAdjacency.swap(shape.faceAdjacency);
+}
+
 }  // namespace
 
 DecimationResult Decimator::decimate(float rate) {
   if (mesh == nullptr) return {};
+  DecimatedMesh decimated = decimatedCopy(rate);
+  takeShape(*mesh, decimated.mesh);
+  return decimated.result;
+}
+
+DecimatedMesh Decimator::decimatedCopy(float rate) {
   requireMemory(bytesPerVertex * static_cast<std::uint64_t>(mesh->vertexCount));
   mesh->computeFaceNormals();
   const int used = mesh->countUsedVertices();
   const double target = std::trunc((1.0 - static_cast<double>(rate)) * used);
-  DecimationResult result;
-  {
-    Decimation decimation(*mesh);
-    mesh->vertexNeighbours.clear();
-    mesh->vertexFaces.clear();
-    result = decimation.run(target, used);
-    decimation.writeTo(*mesh);
-  }
-  mesh->buildAdjacency();
-  mesh->buildFaceAdjacency();
-  return result;
+  CollapsibleMesh surface(*mesh);
+  const DecimationResult result = Decimation(*mesh, surface).run(target, used);
+  return {shapeOf(surface, *mesh), result};
 }
 
 bool Decimator::collapseEdge(int i, int j, const Vec3& position) {
@@ -196,9 +214,8 @@ bool Decimator::collapseEdge(int i, int j, const Vec3& position) {
   if (mesh == nullptr || !isVertex(i) || !isVertex(j) || i == j) return false;
   CollapsibleMesh surface(*mesh);
   if (!surface.collapse(i, j, roundedToSingle(position))) return false;
-  surface.writeTo(*mesh);
-  mesh->buildAdjacency();
-  mesh->buildFaceAdjacency();
+  TriangleMesh collapsed = shapeOf(surface, *mesh);
+  takeShape(*mesh, collapsed);
   return true;
 }
 

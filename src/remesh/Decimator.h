@@ -13,6 +13,12 @@ struct DecimationResult {
   bool targetReached = false;  ///< otherwise no edge was left that may collapse
 };
 
+/// A mesh with topology and without normals.
+struct DecimatedMesh {
+  TriangleMesh mesh;
+  DecimationResult result;
+};
+
 /// Reduces the document's current mesh by collapsing edges, cheapest first: an edge's cost is the
 /// least value of the summed error quadrics of its two ends (see vertexQuadrics), and it collapses
 /// into the point where that value is taken. Without a mesh nothing happens.
@@ -29,15 +35,18 @@ class Decimator {
   /// Collapses edges until no more than (1 - rate) times the number of used vertices, with the
   /// fraction cut off, are left, but at least one edge if any may collapse. Brings the face normals
   /// up to date first. Removed vertices end without a ring, removed faces invalid; rings, kinds and
-  /// face adjacency are rebuilt, normals and everything else derived are stale then.
-  ///
-  /// All memory but that of the rebuilt rings and of a few short lists is taken before the first
-  /// collapse; when any is refused (std::bad_alloc), faces and positions are as they were.
+  /// face adjacency are rebuilt, normals and everything else derived are stale then. When memory
+  /// is refused (std::bad_alloc) the mesh is as it was.
   DecimationResult decimate(float rate);
+
+  /// The outcome of `decimate` as a mesh of its own; of the attached one, which must be there, only
+  /// the face normals change.
+  DecimatedMesh decimatedCopy(float rate);
 
   /// Collapses edge i-j into vertex i placed at `position`, rounded to single precision, if it
   /// passes the tests of CollapsibleMesh::collapse, and rebuilds rings, kinds and face adjacency.
-  /// False when it may not or there is no such edge; then nothing has changed.
+  /// False when it may not or there is no such edge; then, as when memory is refused, nothing has
+  /// changed.
   bool collapseEdge(int i, int j, const Vec3& position);
 
   /// Finds the creases of the mesh by a constant angle (CreasesByAngle.h), all of them in

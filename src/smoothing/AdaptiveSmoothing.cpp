@@ -1,5 +1,6 @@
 #include "smoothing/AdaptiveSmoothing.h"
 
+#include "mesh/PositionGuard.h"
 #include "smoothing/CornerNeighbours.h"
 #include "smoothing/NormalAveraging.h"
 #include "smoothing/NormalIntegration.h"
@@ -23,9 +24,11 @@ void runOuterIterations(TriangleMesh& mesh, int iterations,
                         const AdaptiveSmoothingParameters& parameters,
                         const AverageOnce& averageOnce) {
   for (int outer = 0; outer < iterations; ++outer) {
+    PositionGuard positions(mesh);
     mesh.computeFaceNormals();
     for (int k = 0; k < parameters.averagingIterations; ++k) averageOnce();
     for (int k = 0; k < parameters.integrationIterations; ++k) integrateOnce(mesh, parameters);
+    positions.keep();
   }
 }
 

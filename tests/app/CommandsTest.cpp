@@ -1,6 +1,7 @@
 // What the window does while a command runs, and when one fails.
 
 #include <new>
+#include <optional>
 #include <QDeadlineTimer>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -9,6 +10,7 @@
 
 #include "app/CommandLock.h"
 #include "app/Program.h"
+#include "support/Allocations.h"
 
 namespace gravlin {
 namespace {
@@ -29,6 +31,7 @@ class CommandsTest : public QObject {
   void paintingDuringACommandShowsTheLastPicture();
   void progressIsShownMeanwhile();
   void aCommandWithoutMemoryEndsInAMessage();
+  void aFailureBehindTheFailureEndsNothing();
   void anyOtherExceptionEndsInAMessage();
   void progressDoesNotOutliveAFailedCommand();
 };
@@ -206,6 +209,28 @@ void CommandsTest::aCommandWithoutMemoryEndsInAMessage() {
   QVERIFY(program.step("undo").isEnabled());
   program.step("undo").trigger();
   QVERIFY(program.document().currentMesh->vertices == vertices);
+}
+
+void CommandsTest::aFailureBehindTheFailureEndsNothing() {
+  Program program;
+  program.open("t.ply2", tetrahedronText);
+  QTimer closing;  // the message, if there was memory for it
+  QObject::connect(&closing, &QTimer::timeout, &closing, [] {
+    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) dialog->accept();
+  });
+  closing.start(5);
+  for (std::size_t n = 1; n <= 3; ++n) {
+    std::optional<AllocationFailure> failure;
+    program.opened().run([&](CGravlinDoc& /*document*/) {
+      failure.emplace(n);
+      throw std::bad_alloc();
+    });
+    failure.reset();
+    QVERIFY(!program.opened().isBusy());
+    QVERIFY(program.step("points").isEnabled());
+    program.step("points").trigger();
+    QCOMPARE(program.document().displayMode, Points);
+  }
 }
 
 void CommandsTest::anyOtherExceptionEndsInAMessage() {

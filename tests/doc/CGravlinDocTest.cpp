@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <new>
+#include <optional>
 
 #include "doc/CGravlinDoc.h"
+#include "doc/CommandTable.h"
+#include "support/Allocations.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
@@ -438,6 +441,91 @@ TEST(DocumentWithoutMemory, FindsDerivedDataAtTheNextRedrawAndHasViewsDrawAnew) 
   doc.redraw();
   EXPECT_FALSE(doc.needsRecompute);
   EXPECT_NE(outside.histogramValues, before);
+}
+
+TEST_F(Document, AnUndoWithoutMemoryKeepsBothShapesAndSaysSo) {
+  int refusals = 0;
+  for (std::size_t n = 1;; ++n) {
+    load(test::cube());
+    const std::vector<float> before = doc.currentMesh->vertices;
+    moveVertexZero(0.5F);
+    const std::vector<float> after = doc.currentMesh->vertices;
+    outside.forget();
+    {
+      const test::AllocationFailure failure(n);
+      try {
+        doc.OnEditUndo();
+      } catch (const std::bad_alloc&) {
+        break;  // the shape is back, and only its redraw is missing
+      }
+    }
+    ASSERT_EQ(outside.messages.size(), 1U) << n;
+    ++refusals;
+    EXPECT_THAT(outside.messages[0], HasSubstr("memory"));
+    EXPECT_EQ(doc.currentMesh->vertices, after);
+    EXPECT_TRUE(doc.modified);
+    ASSERT_NE(doc.undoMesh, nullptr);
+    EXPECT_EQ(doc.undoMesh->vertices, before);
+    EXPECT_FALSE(doc.undoMesh->vertexFaces.built()) << "what was built of it takes memory";
+    doc.OnEditUndo();
+    EXPECT_EQ(doc.currentMesh->vertices, before);
+  }
+  EXPECT_GT(refusals, 5);
+}
+
+TEST_F(Document, WithoutMemoryForTheUndoCopyACommandIsNotRun) {
+  for (const bool hadCopy : {false, true}) {
+    load(test::cube());
+    doc.undoMesh = nullptr;
+    doc.modified = false;
+    if (hadCopy) doc.undoMesh = std::make_unique<TriangleMesh>(test::octahedron());
+    const std::vector<float> before = doc.currentMesh->vertices;
+    outside.forget();
+    std::optional<test::AllocationFailure> failure;
+    outside.dialogAnswers = {[&](const Form&) {
+      failure.emplace(1);
+      return true;
+    }};
+    doc.OnSmoothingNoise();
+    failure.reset();
+    ASSERT_EQ(outside.messages.size(), 1U);
+    EXPECT_THAT(outside.messages[0], HasSubstr("The mesh stays as it is"));
+    EXPECT_EQ(outside.messages[0].find("given up") != std::string::npos, hadCopy);
+    EXPECT_EQ(doc.currentMesh->vertices, before);
+    EXPECT_EQ(doc.undoMesh, nullptr);
+    EXPECT_FALSE(findStep("undo")->hasWork(doc));
+    EXPECT_FALSE(doc.modified);
+  }
+}
+
+TEST_F(Document, AnUndoCopyOfTheSameCountsIsReplacedWithoutTakingMemory) {
+  load(test::cube());
+  moveVertexZero(0.5F);
+  const std::vector<float> before = doc.currentMesh->vertices;
+  const std::size_t earlier = test::allocationCount();
+  EXPECT_TRUE(doc.keepUndoCopy());
+  EXPECT_EQ(test::allocationCount(), earlier);
+  EXPECT_EQ(doc.undoMesh->vertices, before);
+}
+
+TEST_F(Document, PickingFindsTheNormalsThatARedrawDidNot) {
+  load(test::cube());
+  moveVertexZero(0.5F);
+  doc.undoMesh = std::make_unique<TriangleMesh>();
+  doc.undoMesh->copyGeometryFrom(test::twoTriangles());
+  std::size_t n = 1;
+  for (bool redrawn = true; redrawn; ++n) {  // up to the first allocation of the redraw
+    const test::AllocationFailure failure(n);
+    try {
+      doc.OnEditUndo();
+    } catch (const std::bad_alloc&) {
+      redrawn = false;
+    }
+  }
+  ASSERT_TRUE(doc.currentMesh->faceNormals.empty());
+  outside.forget();
+  EXPECT_TRUE(doc.pickFace(Ray{{0.25, 0.75, 5.0}, {0.0, 0.0, -1.0}}));
+  EXPECT_THAT(outside.statuses, ElementsAre(HasSubstr("normal (0, 0, 1)")));
 }
 
 /// Whether a face is there for a ray to hit: its corners are finite and not on one line.

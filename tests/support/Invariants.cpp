@@ -167,13 +167,15 @@ void checkFaceAdjacency(const TriangleMesh& mesh) {
 }
 
 /// A vector of finite numbers is stored with an error of half a unit in the 24th bit of each.
-void checkUnits(const std::vector<float>& normals, int count, const std::string& name) {
+template <class Number>
+void checkUnits(const std::vector<Number>& normals, int count, const std::string& name,
+                double tolerance = 1e-6) {
   if (normals.empty()) return;
   require(normals.size() == 3 * toIndex(count), name + " has not three numbers for each index");
   for (std::size_t c = 0; c < normals.size(); c += 3) {
-    const Vec3 unit = loadVec3(normals.data() + c);
+    const Vec3 unit = {normals[c], normals[c + 1], normals[c + 2]};
     const double squared = dot(unit, unit);
-    require(!std::isfinite(squared) || squared == 0.0 || std::abs(squared - 1.0) < 1e-6,
+    require(!std::isfinite(squared) || squared == 0.0 || std::abs(squared - 1.0) < tolerance,
             name + " holds a vector that is neither 0 nor of unit length");
   }
 }
@@ -197,13 +199,48 @@ void checkExtents(const TriangleMesh& mesh) {
   require(!mesh.pickedFace || inRange(*mesh.pickedFace, mesh.faceCount), "no such face is picked");
 }
 
+/// Arrays of which one alone would be read as if the others were there.
+void checkBuiltTogether(const TriangleMesh& mesh) {
+  const bool hasRings = mesh.vertexNeighbours.built();
+  require(mesh.vertexFaces.built() == hasRings, "only one kind of ring is built");
+  require(hasRings || mesh.vertexKind.empty(), "there are kinds without rings");
+  require(mesh.minCurvature.size() == mesh.maxCurvature.size() &&
+              mesh.maxDirection.size() == 3 * mesh.maxCurvature.size() &&
+              mesh.minDirection.size() == mesh.maxDirection.size(),
+          "only a part of the curvature is there");
+  require(mesh.minDerivativeGradient.size() == mesh.maxDerivativeGradient.size(),
+          "only one gradient is there");
+  require(mesh.ridgeMarks.size() == mesh.valleyMarks.size(), "only one kind of mark is there");
+  require(mesh.ridgeLinks.size() == mesh.valleyLinks.size(), "only one kind of link is there");
+}
+
+void checkCornerNeighbours(const TriangleMesh& mesh) {
+  const CompressedRows& rows = mesh.cornerNeighbourFaces;
+  if (!rows.built()) return;
+  checkRows(rows, mesh.faceCount, "cornerNeighbourFaces");
+  for (int f = 0; f < mesh.faceCount; ++f) {
+    const auto c = mesh.corners(f);
+    const int* beside = mesh.faceAdjacency.data() + 3 * toIndex(f);
+    for (const int g : rows[f]) {
+      require(inRange(g, mesh.faceCount) && g != f && mesh.validFace(f) && mesh.validFace(g),
+              "a corner neighbour is no other face");
+      const auto d = mesh.corners(g);
+      require(std::find_first_of(c.begin(), c.end(), d.begin(), d.end()) != c.end(),
+              "corner neighbours do not meet");
+      require(std::find(beside, beside + 3, g) == beside + 3, "corner neighbours share an edge");
+    }
+  }
+}
+
 void checkMarks(const std::vector<int>& marks, int count, const std::string& name) {
   checkSize(marks, toIndex(count), name);
   require(std::all_of(marks.begin(), marks.end(), [](int mark) { return mark == 0 || mark == 1; }),
           name + " holds something else than 0 and 1");
 }
 
-void checkLinks(const std::vector<IndexList>& links, int count, const std::string& name) {
+void checkLinks(const TriangleMesh& mesh, const std::vector<IndexList>& links,
+                const std::string& name) {
+  const int count = mesh.vertexCount;
   checkSize(links, toIndex(count), name);
   std::map<std::pair<int, int>, int> surplus;  ///< how often i leads to j, less the way back
   for (std::size_t i = 0; i < links.size(); ++i) {
@@ -211,6 +248,9 @@ void checkLinks(const std::vector<IndexList>& links, int count, const std::strin
     for (const int to : links[i]) {
       require(inRange(to, count), name + " leads to no vertex");
       surplus[std::minmax(from, to)] += from < to ? 1 : -1;
+      if (!mesh.vertexNeighbours.built()) continue;
+      const auto ring = mesh.getNeighbours(from);
+      require(std::find(ring.begin(), ring.end(), to) != ring.end(), name + " leaves the edges");
     }
   }
   for (const auto& [ends, difference] : surplus) {
@@ -234,25 +274,62 @@ void checkStrokes(const TriangleMesh& mesh) {
   }
 }
 
-}  // namespace
-
-std::vector<std::string> brokenInvariants(const TriangleMesh& mesh) {
+/// What the checks miss, as the header says.
+template <class Checks>
+std::vector<std::string> wordsOf(const Checks& checks) {
   try {
-    checkFaces(mesh);
-    checkRings(mesh);
-    checkFaceAdjacency(mesh);
-    checkUnits(mesh.faceNormals, mesh.faceCount, "faceNormals");
-    checkUnits(mesh.vertexNormals, mesh.vertexCount, "vertexNormals");
-    checkExtents(mesh);
-    checkMarks(mesh.ridgeMarks, mesh.vertexCount, "ridgeMarks");
-    checkMarks(mesh.valleyMarks, mesh.vertexCount, "valleyMarks");
-    checkLinks(mesh.ridgeLinks, mesh.vertexCount, "ridgeLinks");
-    checkLinks(mesh.valleyLinks, mesh.vertexCount, "valleyLinks");
-    checkStrokes(mesh);
+    checks();
   } catch (const Broken& broken) {
     return {broken.words};
   }
   return {};
+}
+
+void checkMesh(const TriangleMesh& mesh) {
+  checkFaces(mesh);
+  checkRings(mesh);
+  checkFaceAdjacency(mesh);
+  checkUnits(mesh.faceNormals, mesh.faceCount, "faceNormals");
+  checkUnits(mesh.vertexNormals, mesh.vertexCount, "vertexNormals");
+  checkExtents(mesh);
+  checkBuiltTogether(mesh);
+  checkCornerNeighbours(mesh);
+  constexpr double ofFrames = 1e-5;  // made from a normal that is rounded in itself
+  checkUnits(mesh.maxDirection, mesh.vertexCount, "maxDirection", ofFrames);
+  checkUnits(mesh.minDirection, mesh.vertexCount, "minDirection", ofFrames);
+  checkMarks(mesh.ridgeMarks, mesh.vertexCount, "ridgeMarks");
+  checkMarks(mesh.valleyMarks, mesh.vertexCount, "valleyMarks");
+  checkLinks(mesh, mesh.ridgeLinks, "ridgeLinks");
+  checkLinks(mesh, mesh.valleyLinks, "valleyLinks");
+  checkStrokes(mesh);
+}
+
+void checkDocument(const CGravlinDoc& document) {
+  if (!document.currentMesh) return;
+  const TriangleMesh& mesh = *document.currentMesh;
+  checkMesh(mesh);
+  require(mesh.vertexNeighbours.built() && mesh.faceAdjacency.size() == mesh.faces.size(),
+          "the current mesh has no topology");
+  checkLinks(mesh, document.decimator.creaseLinks, "creaseLinks");
+  const bool hasLines = mesh.ridgeLinks.size() == toIndex(mesh.vertexCount);
+  const auto from = document.linesFrom;  // those of the shape are found when they are shown
+  require(hasLines || from == CGravlinDoc::LinesFrom::Nothing ||
+              from == CGravlinDoc::LinesFrom::FaceAngle,
+          "it is known where lines come from that are not there");
+  if (!document.undoMesh) return;
+  checkMesh(*document.undoMesh);
+  require(!document.undoMesh->vertexFaces.built() && document.undoMesh->faceNormals.empty(),
+          "the undo copy is more than geometry");
+}
+
+}  // namespace
+
+std::vector<std::string> brokenInvariants(const TriangleMesh& mesh) {
+  return wordsOf([&] { checkMesh(mesh); });
+}
+
+std::vector<std::string> brokenInvariants(const CGravlinDoc& document) {
+  return wordsOf([&] { checkDocument(document); });
 }
 
 }  // namespace gravlin::test

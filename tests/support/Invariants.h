@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "doc/CGravlinDoc.h"
 #include "mesh/TriangleMesh.h"
 
 namespace gravlin::test {
@@ -13,9 +14,16 @@ namespace gravlin::test {
 /// - kinds and rings, compared with the faces around every vertex: each occurs once, a ring turns
 ///   as its faces do, and a kind is what the links between the neighbours say;
 /// - `faceAdjacency`, compared with the faces that pass each edge the other way round;
-/// - normals of unit length or 0, marks of 0 or 1, links that go both ways, and indices in range.
+/// - `cornerNeighbourFaces`: faces that meet the face at a corner and not across an edge;
+/// - normals and directions of unit length or 0, marks of 0 or 1, links that go both ways along
+///   edges, and indices in range;
+/// - arrays that belong together are built together.
 ///
 /// Takes n log n steps and knows nothing of how rings are built.
 std::vector<std::string> brokenInvariants(const TriangleMesh& mesh);
+
+/// The same for a document: its current mesh, which must have its topology, the undo copy, which is
+/// geometry and nothing else, and what is kept beside the two.
+std::vector<std::string> brokenInvariants(const CGravlinDoc& document);
 
 }  // namespace gravlin::test

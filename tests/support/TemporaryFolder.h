@@ -8,7 +8,8 @@ namespace gravlin::test {
 /// A new empty folder that goes away with everything in it.
 class TemporaryFolder {
  public:
-  TemporaryFolder();
+  explicit TemporaryFolder(
+      const std::filesystem::path& parent = std::filesystem::temp_directory_path());
   ~TemporaryFolder();
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -23,6 +24,10 @@ class TemporaryFolder {
  private:
   std::filesystem::path folder;
 };
+
+/// A folder whose files live in memory, where there is one: for tests that write thousands of files
+/// and would otherwise wait for the disk after each. Elsewhere the usual folder.
+std::filesystem::path folderInMemory();
 
 /// The bytes of a file; empty when there is none.
 std::string contentOf(const std::string& path);

@@ -76,7 +76,7 @@ void CGravlinView::initializeGL() {
     renderer.initialise();
     initialised = true;
   } catch (const std::exception& error) {
-    fail(error.what());
+    fail(QString::fromUtf8(error.what()));
   }
 }
 
@@ -106,19 +106,21 @@ void CGravlinView::draw() {
     hasPicture = true;
     hasFailed = false;
   } catch (const std::bad_alloc&) {
-    fail("There is not enough memory to draw the mesh.");
+    fail(QStringLiteral("There is not enough memory to draw the mesh."));
   } catch (const std::exception& error) {
-    fail(error.what());
+    fail(QString::fromUtf8(error.what()));
   }
 }
 
-void CGravlinView::fail(const std::string& sentence) {
+void CGravlinView::fail(const QString& sentence) noexcept {
   if (hasFailed) return;
-  hasFailed = true;
   // Whoever listens may open a dialog, which must not happen in the middle of painting.
-  QMetaObject::invokeMethod(
-      this, [this, text = QString::fromStdString(sentence)] { Q_EMIT drawingFailed(text); },
-      Qt::QueuedConnection);
+  try {
+    hasFailed = QMetaObject::invokeMethod(
+        this, [this, sentence] { Q_EMIT drawingFailed(sentence); }, Qt::QueuedConnection);
+  } catch (const std::bad_alloc&) {
+    return;  // not even for a sentence: the next picture that fails tries again
+  }
 }
 
 void CGravlinView::mousePressEvent(QMouseEvent* event) {

@@ -51,7 +51,7 @@ class CGravlinView : public QOpenGLWidget {
  private:
   void releaseGraphics();
   void draw();
-  void fail(const std::string& sentence);
+  void fail(const QString& sentence) noexcept;
 
   const CGravlinDoc& document;
   Renderer renderer;
