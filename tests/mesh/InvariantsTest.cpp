@@ -101,7 +101,7 @@ TEST(Invariants, EveryOneIsMissedWhereItIsBroken) {
          m.minDirection.resize(27);
          m.minDirection[4] = 0.9;
        }},
-      {"only one kind of ring is built", [](auto& m) { m.vertexFaces.clear(); }},
+      {"only one kind of ring is built", [](auto& m) { m.vertexNeighbours.clear(); }},
       {"there are kinds without rings",
        [](auto& m) {
          m.vertexFaces.clear();
@@ -114,7 +114,7 @@ TEST(Invariants, EveryOneIsMissedWhereItIsBroken) {
        }},
       {"corner neighbours do not meet",
        [](auto& m) {
-         m.cornerNeighbourFaces = {{0, 1, 1, 1, 1, 1, 1, 1, 1}, {7}};
+         m.cornerNeighbourFaces = {{0, 1, 1, 1, 1, 1, 1, 1, 1}, {5}};
        }},
       {"corner neighbours share an edge",
        [](auto& m) {

@@ -330,8 +330,8 @@ class OutOfMemory : public ::testing::TestWithParam<Variant> {
   /// (iterations, strokes, links of one vertex after the other, texts) a spread over the whole run
   /// that meets each of its parts.
   static std::vector<std::size_t> refusals(std::size_t count) {
-    constexpr std::size_t all = 80;
-    constexpr std::size_t spread = 30;
+    constexpr std::size_t all = 60;
+    constexpr std::size_t spread = 20;
     std::vector<std::size_t> chosen;
     const std::size_t stride = count > all ? (count - all) / spread + 1 : 1;
     for (std::size_t n = 1; n <= count; n += n < all ? 1 : stride) chosen.push_back(n);
