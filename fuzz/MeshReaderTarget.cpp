@@ -153,7 +153,7 @@ std::string written(const TriangleMesh& mesh, const std::string& extension) {
   std::FILE* stream = open_memstream(&text, &size);
   writeMesh({stream, "", extension}, mesh);
   std::fclose(stream);
-  const std::string result(text, size);
+  std::string result(text, size);
   std::free(text);
   return result;
 }

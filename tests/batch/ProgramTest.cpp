@@ -77,7 +77,9 @@ TEST_F(Program, RefusesAMethodThatIsNoEntryBeforeTheFirstStepRunsAndNamesTheEntr
             "subdivision", {"\"Loop\"", "\"Modified butterfly\"", "\"Linear\""}},
         {"smooth-shape", {"\"Laplacian Flow\"", "\"Bilaplacian (Kobbelt)\""}}}) {
     for (const std::string prefix : {"", "preset "}) {
-      const test::RunResult result = run(save + prefix + step + " --method linear");
+      std::string chain = save;
+      chain += prefix + step;
+      const test::RunResult result = run(chain + " --method linear");
       EXPECT_EQ(result.status, 2);
       EXPECT_THAT(result.errors, StartsWith("gravlin-batch: " + step + " --method: "));
       EXPECT_THAT(result.errors, HasSubstr("\"linear\""));
@@ -92,7 +94,7 @@ TEST_F(Program, RefusesAMethodThatIsNoEntryBeforeTheFirstStepRunsAndNamesTheEntr
 // A quarter of each face: 2 faces become 8, and a method that does not exist smooths nothing.
 TEST_F(Program, PassesAnyTextOnAsTypedIntoTheDialogWhenToldTo) {
   const auto dumped = [&](const std::string& chain) {
-    const test::RunResult result =
+    test::RunResult result =
         run("open " + mesh + " " + chain + " dump - --fields faceCount,vertices");
     EXPECT_EQ(result.status, 0) << result.errors;
     return result;
