@@ -28,7 +28,7 @@ bool holdsSomething(const std::string& path) {
   return std::filesystem::is_regular_file(path, error) && !isEmptyFile(path);
 }
 
-constexpr const char* namesToSave = "a name that ends in .ply2 or .plyR";
+constexpr const char* nameToSave = " name that ends in .ply2 or .plyR.";
 
 }  // namespace
 
@@ -127,10 +127,10 @@ bool CGravlinDoc::saveNothing(const std::string& filePath) {
   const std::string extension = extensionOf(filePath);
   const std::string loss = "Save writes no ." + extension + " files: the file would be left empty.";
   const bool asks = holdsSomething(filePath);
-  if (asks && !outside.confirm({.text = loss,
-                                .goOn = "Empty the File",
-                                .refusal = filePath + " stays as it is. " + loss + " Choose " +
-                                           namesToSave + "."})) {
+  if (asks && !outside.confirm(
+                  {.text = loss,
+                   .goOn = "Empty the File",
+                   .refusal = filePath + " stays as it is. " + loss + " Choose a" + nameToSave})) {
     return false;
   }
   const SaveResult saved = saveMeshFile(filePath, *currentMesh);
@@ -141,7 +141,7 @@ bool CGravlinDoc::saveNothing(const std::string& filePath) {
   meshOrigin.positionLoss += saved.positionLoss;
   redraw();
   const std::string outcome = filePath + " is empty: Save writes no ." + extension +
-                              " files. The mesh is not saved; choose " + namesToSave + ".";
+                              " files. The mesh is not saved; choose a" + nameToSave;
   if (asks) {
     tell(outcome);
   } else {
@@ -155,8 +155,8 @@ bool CGravlinDoc::saveFile(const std::string& filePath) {
   const std::string target = pathToSave(filePath);
   const std::string loss = lossBySaving(filePath);
   if (!loss.empty()) {
-    outside.showMessage("Cannot save " + target + ": " + loss + ". Save under another name, " +
-                        namesToSave + ".");
+    outside.showMessage("Cannot save " + target + ": " + loss + ". Save under another" +
+                        nameToSave);
     return false;
   }
   if (!hasWriter(extensionOf(target))) return saveNothing(target);
@@ -196,7 +196,7 @@ void CGravlinDoc::noteSaved(const SaveResult& saved, const std::string& shift) {
     toldMode.reset();
     outside.showSuccess("Saved " + fileNameOf(saved.path) + ".");
   } else {
-    tell("Saved " + saved.path + "; its vertices lie off " + shift + ".");
+    tell("Saved " + saved.path + "; its vertices are off " + shift + ".");
   }
   tellsOfShape = true;  // the next one is not saved
 }

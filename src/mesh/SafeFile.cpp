@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace gravlin {
 namespace {
@@ -111,14 +112,17 @@ void SafeFile::openBeside() {
   constexpr int mostNames = 1000;
   const fs::path folder = folderOf(target);
   const HeldSignals held;
-  for (int k = 0; k < mostNames && descriptor < 0; ++k) {
-    temporary = folder / (".gravlin-" + std::to_string(::getpid()) + "-" + std::to_string(k));
-    descriptor = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, everyone);
-    if (descriptor < 0 && errno != EEXIST) break;
-  }
-  if (descriptor >= 0) {
-    removal.emplace(temporary);
-    return;
+  std::string name;
+  for (int k = 0; k < mostNames; ++k) {
+    name = folder / (".gravlin-" + std::to_string(::getpid()) + "-" + std::to_string(k));
+    temporary = name;
+    descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, everyone);
+    if (descriptor >= 0) {
+      // The constructor still runs: no destructor would remove the file if this threw.
+      removal.emplace(std::move(name));
+      return;
+    }
+    if (errno != EEXIST) break;
   }
   noteError();
   temporary.clear();

@@ -245,7 +245,7 @@ TEST_F(Program, AMeshThatTheDigitsOfItsFileDoNotHoldIsSavedElsewhereOnly) {
   EXPECT_EQ(test::contentOf(path), rising);
   const test::RunResult elsewhere = run("open '" + path + "' save " + in("copy.ply2"));
   EXPECT_EQ(elsewhere.status, 0);
-  EXPECT_THAT(elsewhere.errors, HasSubstr("copy.ply2; its vertices lie off by up to 0.0"));
+  EXPECT_THAT(elsewhere.errors, HasSubstr("copy.ply2; its vertices are off by up to 0.0"));
   EXPECT_THAT(test::contentOf(folder.file("copy.ply2")), StartsWith("4\n2\n"));
 }
 

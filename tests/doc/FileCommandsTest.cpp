@@ -286,7 +286,7 @@ TEST_F(FileCommands, SavingAsksBeforeItMovesTheVerticesOfItsFile) {
   EXPECT_TRUE(doc.saveFile(path));
   EXPECT_NE(test::contentOf(path), rising);
   EXPECT_FALSE(doc.modified);
-  EXPECT_THAT(outside.statuses.back(), HasSubstr("; its vertices lie off by up to 0.0"));
+  EXPECT_THAT(outside.statuses.back(), HasSubstr("; its vertices are off by up to 0.0"));
 }
 
 TEST_F(FileCommands, SavingElsewhereTellsInOneSentenceHowFarVerticesMove) {
@@ -295,7 +295,7 @@ TEST_F(FileCommands, SavingElsewhereTellsInOneSentenceHowFarVerticesMove) {
   EXPECT_TRUE(doc.saveFile(folder.file("copy.ply2")));
   ASSERT_EQ(outside.statuses.size(), 1U);
   EXPECT_THAT(outside.statuses[0], StartsWith("Saved " + folder.file("copy.ply2") +
-                                              "; its vertices lie off by up to 0.0"));
+                                              "; its vertices are off by up to 0.0"));
   EXPECT_FALSE(doc.modified);
   // That file is now the one last saved.
   outside.confirmAnswers = {false};

@@ -3,11 +3,14 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <new>
+#include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "mesh/SafeFile.h"
+#include "support/Allocations.h"
 #include "support/TemporaryFolder.h"
 
 namespace gravlin {
@@ -141,6 +144,23 @@ TEST(SafeFile, AFailedWriteLeavesNothingBehind) {
     EXPECT_FALSE(file.commit());
   }
   EXPECT_EQ(folder.entryCount(), 0);
+}
+
+TEST(SafeFile, RefusedMemoryLeavesNothingBehind) {
+  const TemporaryFolder folder;
+  const std::string path = folder.file("a name too long for a string without memory of its own");
+  constexpr std::size_t moreThanThereAre = 40;
+  int refusals = 0;
+  for (std::size_t n = 1; n <= moreThanThereAre; ++n) {
+    try {
+      const test::AllocationFailure failure(n);
+      const SafeFile file(path);
+    } catch (const std::bad_alloc&) {
+      ++refusals;
+    }
+    EXPECT_EQ(folder.entryCount(), 0) << "call " << n;
+  }
+  EXPECT_GT(refusals, 0);
 }
 
 TEST(SafeFile, AFolderAndAMissingFolderAreErrors) {
