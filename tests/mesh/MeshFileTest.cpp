@@ -312,7 +312,8 @@ TEST(MeshFile, AShortFileKeepsItsCountsWhereTheyAreHarmlessOrTheTextMayHoldThem)
   ASSERT_TRUE(small.mesh) << small.error;
   EXPECT_EQ(small.mesh->vertexCount, 1000000);
   // Six million vertices, of which the text has fewer, at two bytes a number.
-  const std::string text = "6000000" + std::string(36000000, ' ');
+  std::string text = "6000000";
+  text.resize(text.size() + 36000000, ' ');
   const OpenResult large = openText("a.data", text);
   ASSERT_TRUE(large.mesh) << large.error;
   EXPECT_EQ(large.mesh->vertexCount, 6000000);
