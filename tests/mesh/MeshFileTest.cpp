@@ -300,8 +300,9 @@ TEST(MeshFile, CountsThatTheTextCannotBearOutAreAnError) {
     const std::string path = folder.write(name, content);
     const OpenResult opened = openMeshFile(path);
     EXPECT_FALSE(opened.mesh) << content;
-    EXPECT_EQ(opened.error.substr(0, opened.error.find(", but only ")),
-              "Cannot open " + path + ": it announces " + announced);
+    std::string expected = "Cannot open " + path;
+    expected += ": it announces " + announced;
+    EXPECT_EQ(opened.error.substr(0, opened.error.find(", but only ")), expected);
     EXPECT_THAT(opened.error,
                 EndsWith(content.size() < 10 ? ", but only 0 bytes follow." : " bytes follow."));
   }
