@@ -72,7 +72,7 @@ TEST(LineExport, LinesBreakAtPositionsThatAreNotFinite) {
   for (int v = 6; v < 11; ++v) link(mesh.valleyLinks, v, v + 1);
   mesh.vertices[3 * 2 + 1] = nan;                                      // in the ring
   mesh.vertices[3 * 7 + 2] = -std::numeric_limits<float>::infinity();  // leaves vertex 6 alone
-  mesh.vertices[3U * 9] = std::numeric_limits<float>::max();           // finite in memory only
+  mesh.vertices[27] = std::numeric_limits<float>::max();  // of vertex 9, finite in memory only
   mesh.extentTolerance = 2.0;
   const auto lines = linesToExport(mesh, LineOrigin::RidgesAndValleys);
   ASSERT_EQ(lines.size(), 2U);
