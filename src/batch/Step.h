@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "numeric/Form.h"
+#include "doc/forms/Form.h"
 
 namespace gravlin {
 
@@ -23,12 +23,6 @@ struct UsageError : std::runtime_error {
 /// A step that could not do its work, so that later steps must not run. `what` is for the user.
 struct StepFailure : std::runtime_error {
   using std::runtime_error::runtime_error;
-};
-
-/// One option as it was typed.
-struct Setting {
-  std::string field;  ///< the member's name, "iterationCount"
-  std::string text;   ///< as storeText takes it
 };
 
 /// One step of a chain as it was typed.

@@ -86,12 +86,6 @@ std::vector<Step> makeSteps() {
   return steps;
 }
 
-/// The field that a setting was typed for.
-const Field& fieldOf(const Form& form, const Setting& setting) {
-  return *std::find_if(form.fields.begin(), form.fields.end(),
-                       [&](const Field& field) { return field.name == setting.field; });
-}
-
 }  // namespace
 
 std::span<const Step> allSteps() {
@@ -106,7 +100,7 @@ bool isComboBox(const Field& field) {
 void checkEntries(const Form& form, const StepCall& call) {
   if (call.anyText) return;
   for (const Setting& setting : call.settings) {
-    const Field& field = fieldOf(form, setting);
+    const Field& field = fieldNamed(form, setting.field);
     const auto isEntry = [&](const Choice& choice) { return choice.text == setting.text; };
     if (!isComboBox(field) || std::any_of(field.choices.begin(), field.choices.end(), isEntry)) {
       continue;
@@ -122,9 +116,8 @@ void checkEntries(const Form& form, const StepCall& call) {
 }
 
 void applySettings(const Form& form, std::span<const Setting> settings) {
-  for (const Setting& setting : settings) {
-    const std::string refusal = storeText(fieldOf(form, setting), setting.text);
-    if (!refusal.empty()) throw UsageError("--" + kebabCase(setting.field) + ": " + refusal);
+  if (const std::optional<Refusal> refusal = storeSettings(form, settings)) {
+    throw UsageError("--" + kebabCase(settings[refusal->setting].field) + ": " + refusal->sentence);
   }
 }
 

@@ -321,15 +321,6 @@ std::vector<std::size_t> orderByFace(const std::vector<FacePoint>& seeds) {
 
 }  // namespace
 
-Form SeedParameters::form() {
-  return {"CSeedDlg",
-          "Stroke",
-          {{.name = "seedAmount",
-            .label = "Amount of Seed",
-            .value = &seedAmount,
-            .range = {{0, 1000000}}}}};
-}
-
 std::optional<BarycentricStep> directionToBarycentric(const TriangleMesh& mesh, int face,
                                                       const Vec3& v) {
   if (!mesh.validFace(face)) return std::nullopt;

@@ -4,16 +4,8 @@
 #include <vector>
 
 #include "mesh/TriangleMesh.h"
-#include "numeric/Form.h"
 
 namespace gravlin {
-
-/// What the "Stroke" dialog edits.
-struct SeedParameters {
-  int seedAmount = 2000;  ///< 0 .. 1000000
-
-  Form form();
-};
 
 /// How far a stroke goes.
 struct StrokeExtent {

@@ -119,36 +119,6 @@ DirectionPair repaired(const DirectionPair& directions, const Vec3& N, bool trus
 
 }  // namespace
 
-Form TensorSmoothingParameters::form() {
-  return {"CTensorSmoothDlg",
-          "Tensor Smooth",
-          {{.name = "displayChoice",
-            .label = "",
-            .value = &displayChoice,
-            .choices = {{"max", "max"},
-                        {"min", "min"},
-                        {"max + direction", "max-direction"},
-                        {"min + direction", "min-direction"}}},
-           {.name = "animate", .label = "Animate flow", .value = &animate},
-           {.name = "animateEvery", .label = "per", .value = &animateEvery, .unit = "interations"},
-           {.name = "curvatureIterations",
-            .label = "Iteration",
-            .value = &curvatureIterations,
-            .group = "Curvature"},
-           {.name = "curvatureThreshold",
-            .label = "Treshold",
-            .value = &curvatureThreshold,
-            .group = "Curvature"},
-           {.name = "directionIterations",
-            .label = "Iteration",
-            .value = &directionIterations,
-            .group = "Direction"},
-           {.name = "directionThreshold",
-            .label = "Treshold",
-            .value = &directionThreshold,
-            .group = "Direction"}}};
-}
-
 void CurvatureTensorSmoother::smoothCurvatureValues(int iterations, float lambda) {
   if (iterations < 1) return;
   std::vector<CurvaturePair> current(mesh->maxCurvature.size());

@@ -31,13 +31,14 @@ void CGravlinDoc::OnSmoothingShapeAdaptive() {
   if (!keepUndoCopy()) return;
 
   const AdaptiveSmoothingParameters& parameters = adaptiveSmoothingParameters;
-  const bool median = parameters.averagingKind == MedianAveraging;
+  const bool median = parameters.averagingKind == AdaptiveSmoothingParameters::MedianAveraging;
+  const AdaptiveSmoothingOptions options = parameters.options();
   meshSmoother.attach(currentMesh.get());
   const auto run = [&](int iterations) {
     if (median) {
-      meshSmoother.medianSmoothing(iterations, parameters);
+      meshSmoother.medianSmoothing(iterations, options);
     } else {
-      meshSmoother.adaptiveSmoothing(iterations, parameters);
+      meshSmoother.adaptiveSmoothing(iterations, options);
     }
   };
   const Chunks chunks =

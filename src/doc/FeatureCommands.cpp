@@ -1,6 +1,5 @@
 // Edit > Edge Detection: ridge and valley lines, and creases.
 
-#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <utility>
@@ -14,8 +13,6 @@
 namespace gravlin {
 namespace {
 
-constexpr double degree = 0.017453292519943278;
-constexpr float percent = 0.01F;
 constexpr float ridgeSmoothingStep = 0.1F;
 
 /// The positions of a mesh while a command works on smoothed ones. The mesh gets them back in any
@@ -137,13 +134,11 @@ void CGravlinDoc::detectCreases() {
   const AngleParameters& parameters = angleParameters;
   ridgeDetector.attach(currentMesh.get());
   if (parameters.thresholdMode == AngleParameters::Histogram) {
-    ridgeDetector.detectCreasesByHistogram(
-        {.hi = static_cast<float>(parameters.histogramHi) * percent,
-         .low = static_cast<float>(parameters.histogramLow) * percent});
+    ridgeDetector.detectCreasesByHistogram(parameters.shares());
     decimator.creaseLinks.clear();
   } else {
     decimator.attach(currentMesh.get());
-    decimator.detectCreasesByAngle(static_cast<float>(-std::cos(parameters.angle * degree)));
+    decimator.detectCreasesByAngle(parameters.cosThreshold());
   }
   haveLines(linesFrom);
 }

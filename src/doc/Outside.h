@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "doc/forms/Form.h"
 #include "features/LineExport.h"
-#include "numeric/Form.h"
 
 namespace gravlin {
 

@@ -8,17 +8,6 @@
 namespace gravlin {
 namespace {
 
-/// The scheme is chosen by its whole text; any other text is "Linear".
-void refine(MeshSubdivider& subdivider, const std::string& method) {
-  if (method == "Loop") {
-    subdivider.loopSubdivision();
-  } else if (method == "Modified butterfly") {
-    subdivider.butterflySubdivision();
-  } else {
-    subdivider.linearSubdivision();
-  }
-}
-
 std::string describe(const DecimationResult& result) {
   return "Removed " + std::to_string(result.vertices) +
          (result.vertices == 1 ? " vertex and " : " vertices and ") + std::to_string(result.faces) +
@@ -41,7 +30,7 @@ void CGravlinDoc::OnSubdivision() {
   try {
     KeptShape before = geometryCopy();
     meshSubdivider.attach(currentMesh.get());
-    refine(meshSubdivider, subdivisionParameters.method);
+    meshSubdivider.refine(subdivisionParameters.scheme());
     keepUndoCopy(std::move(before));
   } catch (const std::length_error&) {
     return outside.showMessage(

@@ -6,6 +6,17 @@
 
 namespace gravlin {
 
+void MeshSubdivider::refine(SubdivisionScheme scheme) {
+  switch (scheme) {
+    case SubdivisionScheme::Loop:
+      return loopSubdivision();
+    case SubdivisionScheme::Butterfly:
+      return butterflySubdivision();
+    case SubdivisionScheme::Linear:
+      return linearSubdivision();
+  }
+}
+
 void MeshSubdivider::loopSubdivision() {
   if (mesh != nullptr) *mesh = gravlin::loopSubdivision(*mesh);
 }

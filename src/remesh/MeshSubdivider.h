@@ -4,6 +4,9 @@
 
 namespace gravlin {
 
+/// How the new vertices of a refined mesh, and the old ones, are placed.
+enum class SubdivisionScheme { Loop, Butterfly, Linear };
+
 /// Refines the document's current mesh: every triangle is split into four by a new vertex on each
 /// of its sides. Each scheme is a free function of a mesh in a file of its own; this object knows
 /// the mesh and puts the result in its place. When counts or memory are refused (std::length_error,
@@ -14,6 +17,7 @@ class MeshSubdivider {
   /// owned. Requires buildAdjacency and buildFaceAdjacency.
   void attach(TriangleMesh* current) { mesh = current; }
 
+  void refine(SubdivisionScheme scheme);
   void loopSubdivision();
   void butterflySubdivision();
   void linearSubdivision();

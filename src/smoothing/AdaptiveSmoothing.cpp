@@ -8,26 +8,25 @@
 namespace gravlin {
 namespace {
 
-void integrateOnce(TriangleMesh& mesh, const AdaptiveSmoothingParameters& parameters) {
-  const double step = static_cast<double>(parameters.integrationStep);
-  if (parameters.integrationError == DistanceError) {
+void integrateOnce(TriangleMesh& mesh, const AdaptiveSmoothingOptions& options) {
+  const double step = static_cast<double>(options.integrationStep);
+  if (options.integrationError == DistanceError) {
     integrateDistance(mesh, step);
-  } else if (parameters.derivativeVariant == 1) {
+  } else if (options.derivativeVariant == 1) {
     integrateDerivative(mesh, step);
   } else {
-    integrateDerivativeByArea(mesh, step, static_cast<double>(parameters.derivativeVariant));
+    integrateDerivativeByArea(mesh, step, static_cast<double>(options.derivativeVariant));
   }
 }
 
 template <class AverageOnce>
-void runOuterIterations(TriangleMesh& mesh, int iterations,
-                        const AdaptiveSmoothingParameters& parameters,
+void runOuterIterations(TriangleMesh& mesh, int iterations, const AdaptiveSmoothingOptions& options,
                         const AverageOnce& averageOnce) {
   for (int outer = 0; outer < iterations; ++outer) {
     PositionGuard positions(mesh);
     mesh.computeFaceNormals();
-    for (int k = 0; k < parameters.averagingIterations; ++k) averageOnce();
-    for (int k = 0; k < parameters.integrationIterations; ++k) integrateOnce(mesh, parameters);
+    for (int k = 0; k < options.averagingIterations; ++k) averageOnce();
+    for (int k = 0; k < options.integrationIterations; ++k) integrateOnce(mesh, options);
     positions.keep();
   }
 }
@@ -35,28 +34,25 @@ void runOuterIterations(TriangleMesh& mesh, int iterations,
 }  // namespace
 
 void adaptiveSmoothing(TriangleMesh& mesh, int iterations,
-                       const AdaptiveSmoothingParameters& parameters) {
-  const NormalWeight weight = {
-      .threshold = static_cast<double>(parameters.threshold),
-      .shape = static_cast<WeightShape>(parameters.weightShape),
-      .difference = static_cast<NormalDifference>(parameters.normalDifference)};
-  const double meetAtVertex = static_cast<double>(parameters.meetAtVertex);
+                       const AdaptiveSmoothingOptions& options) {
+  const NormalWeight weight = {.threshold = static_cast<double>(options.threshold),
+                               .shape = options.weightShape,
+                               .difference = options.normalDifference};
+  const double meetAtVertex = static_cast<double>(options.meetAtVertex);
   if (meetAtVertex == 0.0) {
-    runOuterIterations(mesh, iterations, parameters, [&] { averageNormalsWeighted(mesh, weight); });
+    runOuterIterations(mesh, iterations, options, [&] { averageNormalsWeighted(mesh, weight); });
     return;
   }
   buildCornerNeighbourFaces(mesh);
-  runOuterIterations(mesh, iterations, parameters,
+  runOuterIterations(mesh, iterations, options,
                      [&] { averageNormalsVertexWeighted(mesh, weight, meetAtVertex); });
 }
 
-void medianSmoothing(TriangleMesh& mesh, int iterations,
-                     const AdaptiveSmoothingParameters& parameters) {
-  const MedianFilter filter = {
-      .weighted = parameters.medianWeighted,
-      .difference = static_cast<NormalDifference>(parameters.normalDifference)};
+void medianSmoothing(TriangleMesh& mesh, int iterations, const AdaptiveSmoothingOptions& options) {
+  const MedianFilter filter = {.weighted = options.medianWeighted,
+                               .difference = options.normalDifference};
   buildCornerNeighbourFaces(mesh);
-  runOuterIterations(mesh, iterations, parameters, [&] { averageNormalsMedian(mesh, filter); });
+  runOuterIterations(mesh, iterations, options, [&] { averageNormalsMedian(mesh, filter); });
 }
 
 }  // namespace gravlin

@@ -1,5 +1,7 @@
 #include "smoothing/MeshSmoother.h"
 
+#include <memory>
+
 #include "smoothing/AdaptiveSmoothing.h"
 #include "smoothing/BilaplacianFlow.h"
 #include "smoothing/ImplicitLaplacianFlow.h"
@@ -12,6 +14,50 @@
 #include "smoothing/TaubinSmoothing.h"
 
 namespace gravlin {
+namespace {
+
+/// The k of every Taubin method.
+constexpr float passBand = 0.1F;
+
+template <class ImplicitFlow>
+Flow stepsOf(TriangleMesh& mesh, float step) {
+  return [flow = std::make_shared<ImplicitFlow>(mesh, step)](int iterations) {
+    for (int iteration = 0; iteration < iterations; ++iteration) flow->step();
+  };
+}
+
+}  // namespace
+
+Flow MeshSmoother::flow(SmoothingMethod method, float step) {
+  if (mesh == nullptr) return [](int) {};
+  TriangleMesh& moved = *mesh;
+  const auto taubin = [&moved, step](TaubinWeighting weighting) {
+    return [&moved, step, weighting](int n) {
+      gravlin::taubinSmoothing(moved, {n, step, passBand, weighting});
+    };
+  };
+  switch (method) {
+    case SmoothingMethod::Laplacian:
+      return [&moved, step](int n) { gravlin::laplacianFlow(moved, {n, step}); };
+    case SmoothingMethod::ImplicitLaplacian:
+      return stepsOf<ImplicitLaplacianFlow>(moved, step);
+    case SmoothingMethod::MeanCurvature:
+      return [&moved, step](int n) { gravlin::meanCurvatureFlow(moved, {n, step}); };
+    case SmoothingMethod::ImplicitMeanCurvature:
+      return stepsOf<ImplicitMeanCurvatureFlow>(moved, step);
+    case SmoothingMethod::MedianCurvature:
+      return [&moved, step](int n) { gravlin::medianCurvatureFlow(moved, {n, step}); };
+    case SmoothingMethod::TaubinUmbrella:
+      return taubin(UmbrellaWeights);
+    case SmoothingMethod::TaubinInverseDistance:
+      return taubin(InverseDistanceWeights);
+    case SmoothingMethod::TaubinCotangent:
+      return taubin(CotangentWeights);
+    case SmoothingMethod::Bilaplacian:
+      return [&moved, step](int n) { gravlin::bilaplacianFlow(moved, {n, step}); };
+  }
+  return [](int) {};
+}
 
 // --- Explicit flows ---
 
@@ -47,13 +93,12 @@ ImplicitStep MeshSmoother::implicitMeanCurvatureFlow(float step) {
 
 // --- Adaptive smoothing ---
 
-void MeshSmoother::adaptiveSmoothing(int iterations,
-                                     const AdaptiveSmoothingParameters& parameters) {
-  if (mesh != nullptr) gravlin::adaptiveSmoothing(*mesh, iterations, parameters);
+void MeshSmoother::adaptiveSmoothing(int iterations, const AdaptiveSmoothingOptions& options) {
+  if (mesh != nullptr) gravlin::adaptiveSmoothing(*mesh, iterations, options);
 }
 
-void MeshSmoother::medianSmoothing(int iterations, const AdaptiveSmoothingParameters& parameters) {
-  if (mesh != nullptr) gravlin::medianSmoothing(*mesh, iterations, parameters);
+void MeshSmoother::medianSmoothing(int iterations, const AdaptiveSmoothingOptions& options) {
+  if (mesh != nullptr) gravlin::medianSmoothing(*mesh, iterations, options);
 }
 
 void MeshSmoother::averageNormalsWeighted(const NormalWeight& weight) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "mesh/TriangleMesh.h"
-#include "smoothing/AdaptiveSmoothingParameters.h"
 
 namespace gravlin {
 
@@ -10,6 +9,18 @@ namespace gravlin {
 // faces is the angle between their normals in radians or that angle per distance of their
 // centroids, as `difference` says. Requires face adjacency and face normals. An invalid face keeps
 // its normal.
+
+/// How the weight of a neighbouring normal falls off with its difference k: T is the threshold.
+enum WeightShape : int {
+  SimilarWeight = 0,     ///< 1 / (T k^2 + 1)
+  ExponentialWeight = 1  ///< exp(-T k^2)
+};
+
+/// What counts as the difference between the normals of two faces.
+enum NormalDifference : int {
+  CurvatureDifference = 0,  ///< the angle divided by the distance of the centroids
+  AngleDifference = 1       ///< the angle
+};
 
 /// The weight of a neighbour: its area times a function of its difference k.
 struct NormalWeight {

@@ -31,13 +31,13 @@ class AdaptiveSmoothingCommand : public ::testing::Test {
 
   std::vector<float> afterMedian(int iterations) const {
     TriangleMesh mesh = before;
-    medianSmoothing(mesh, iterations, doc.adaptiveSmoothingParameters);
+    medianSmoothing(mesh, iterations, doc.adaptiveSmoothingParameters.options());
     return mesh.vertices;
   }
 
   std::vector<float> afterWeighted(int iterations) const {
     TriangleMesh mesh = before;
-    adaptiveSmoothing(mesh, iterations, doc.adaptiveSmoothingParameters);
+    adaptiveSmoothing(mesh, iterations, doc.adaptiveSmoothingParameters.options());
     return mesh.vertices;
   }
 

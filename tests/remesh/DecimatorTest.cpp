@@ -9,7 +9,6 @@
 #include "mesh/MeshMeasures.h"
 #include "mesh/MeshTopology.h"
 #include "numeric/Index.h"
-#include "remesh/DecimationParameters.h"
 #include "remesh/Decimator.h"
 #include "remesh/SlowDecimation.h"
 #include "support/Meshes.h"
@@ -420,18 +419,6 @@ TEST(Decimator, ARefusedEdgeChangesNothing) {
   EXPECT_EQ(mesh.vertices, before.vertices);
   EXPECT_EQ(mesh.faces, before.faces);
   EXPECT_EQ(mesh.vertexNeighbours.items, before.vertexNeighbours.items);
-}
-
-TEST(Decimator, DialogTakesAnyRate) {
-  DecimationParameters parameters;
-  const Form form = parameters.form();
-  EXPECT_EQ(form.name, "CDecimationDlg");
-  EXPECT_EQ(form.title, "Decimation");
-  ASSERT_EQ(form.fields.size(), 1U);
-  EXPECT_EQ(form.fields[0].label, "Reduction rate (0-1)");
-  EXPECT_EQ(textOf(form.fields[0]), "0.5");
-  EXPECT_EQ(storeText(form.fields[0], "-3"), "");
-  EXPECT_EQ(parameters.reductionRate, -3.0F);
 }
 
 }  // namespace

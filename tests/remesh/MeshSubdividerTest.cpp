@@ -5,7 +5,6 @@
 #include "remesh/LinearSubdivision.h"
 #include "remesh/LoopSubdivision.h"
 #include "remesh/MeshSubdivider.h"
-#include "remesh/SubdivisionParameters.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
@@ -33,21 +32,6 @@ TEST(MeshSubdivider, DoesNothingWithoutAMesh) {
   subdivider.loopSubdivision();
   subdivider.butterflySubdivision();
   subdivider.linearSubdivision();
-}
-
-TEST(MeshSubdivider, DialogOffersTheThreeSchemes) {
-  SubdivisionParameters parameters;
-  const Form form = parameters.form();
-  EXPECT_EQ(form.name, "CSubdivisionDlg");
-  EXPECT_EQ(form.title, "\uFF80\uFF9E\uFF72\uFF71\uFF9B\uFF78\uFF9E");
-  ASSERT_EQ(form.fields.size(), 1U);
-  EXPECT_EQ(form.fields[0].label, "method");
-  EXPECT_EQ(textOf(form.fields[0]), "Loop");
-  std::vector<std::string_view> texts;
-  for (const Choice& choice : form.fields[0].choices) texts.push_back(choice.text);
-  EXPECT_THAT(texts, ::testing::ElementsAre("Loop", "Modified butterfly", "Linear"));
-  EXPECT_EQ(storeText(form.fields[0], "Normal averaging(angle)"), "");
-  EXPECT_EQ(parameters.method, "Normal averaging(angle)");
 }
 
 }  // namespace

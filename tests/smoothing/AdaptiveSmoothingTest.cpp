@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "numeric/Form.h"
 #include "numeric/Index.h"
 #include "smoothing/AdaptiveSmoothing.h"
 #include "smoothing/CornerNeighbours.h"
@@ -27,12 +26,12 @@ TriangleMesh roughSphere() {
 /// Runs both branches on copies of the mesh.
 template <class Check>
 void forBothBranches(const TriangleMesh& mesh, int iterations,
-                     const AdaptiveSmoothingParameters& parameters, const Check& check) {
+                     const AdaptiveSmoothingOptions& options, const Check& check) {
   TriangleMesh weighted = mesh;
-  adaptiveSmoothing(weighted, iterations, parameters);
+  adaptiveSmoothing(weighted, iterations, options);
   check(weighted);
   TriangleMesh median = mesh;
-  medianSmoothing(median, iterations, parameters);
+  medianSmoothing(median, iterations, options);
   check(median);
 }
 
@@ -40,12 +39,12 @@ void forBothBranches(const TriangleMesh& mesh, int iterations,
 
 TEST(AdaptiveSmoothing, OuterIterationIsNormalsThenAveragingThenIntegration) {
   const TriangleMesh before = roughSphere();
-  AdaptiveSmoothingParameters parameters;
-  parameters.averagingIterations = 2;
-  parameters.integrationIterations = 3;
-  parameters.integrationStep = 0.2F;
-  parameters.integrationError = DistanceError;
-  parameters.threshold = 4.0F;
+  AdaptiveSmoothingOptions options;
+  options.averagingIterations = 2;
+  options.integrationIterations = 3;
+  options.integrationStep = 0.2F;
+  options.integrationError = DistanceError;
+  options.threshold = 4.0F;
   const double step = static_cast<double>(0.2F);
 
   TriangleMesh byHand = before;
@@ -56,7 +55,7 @@ TEST(AdaptiveSmoothing, OuterIterationIsNormalsThenAveragingThenIntegration) {
     for (int k = 0; k < 3; ++k) integrateDistance(byHand, step);
   }
   TriangleMesh mesh = before;
-  adaptiveSmoothing(mesh, 2, parameters);
+  adaptiveSmoothing(mesh, 2, options);
   EXPECT_EQ(mesh.vertices, byHand.vertices);
   EXPECT_EQ(mesh.faceNormals, byHand.faceNormals);
 
@@ -65,8 +64,8 @@ TEST(AdaptiveSmoothing, OuterIterationIsNormalsThenAveragingThenIntegration) {
   for (int k = 0; k < 2; ++k) averageNormalsWeighted(byHand, {.threshold = 4.0});
   for (int k = 0; k < 3; ++k) integrateDistance(byHand, step);
   mesh = before;
-  parameters.meetAtVertex = 0.0F;
-  adaptiveSmoothing(mesh, 1, parameters);
+  options.meetAtVertex = 0.0F;
+  adaptiveSmoothing(mesh, 1, options);
   EXPECT_EQ(mesh.vertices, byHand.vertices);
 
   byHand = before;
@@ -75,43 +74,43 @@ TEST(AdaptiveSmoothing, OuterIterationIsNormalsThenAveragingThenIntegration) {
   for (int k = 0; k < 2; ++k) averageNormalsMedian(byHand, {});
   for (int k = 0; k < 3; ++k) integrateDistance(byHand, step);
   mesh = before;
-  medianSmoothing(mesh, 1, parameters);
+  medianSmoothing(mesh, 1, options);
   EXPECT_EQ(mesh.vertices, byHand.vertices);
 }
 
 TEST(AdaptiveSmoothing, IntegrationIsChosenByErrorAndVariant) {
   const TriangleMesh before = roughSphere();
-  AdaptiveSmoothingParameters parameters;
-  parameters.integrationIterations = 1;
-  const double step = static_cast<double>(parameters.integrationStep);
+  AdaptiveSmoothingOptions options;
+  options.integrationIterations = 1;
+  const double step = static_cast<double>(options.integrationStep);
   const auto expectStep = [&](const auto& integrate) {
     TriangleMesh byHand = before;
     buildCornerNeighbourFaces(byHand);
     averageNormalsMedian(byHand, {});
     integrate(byHand);
     TriangleMesh mesh = before;
-    medianSmoothing(mesh, 1, parameters);
+    medianSmoothing(mesh, 1, options);
     EXPECT_EQ(mesh.vertices, byHand.vertices);
   };
   expectStep([&](TriangleMesh& mesh) { integrateDerivative(mesh, step); });
   for (const int variant : {2, 0, -1}) {
-    parameters.derivativeVariant = variant;
+    options.derivativeVariant = variant;
     expectStep([&](TriangleMesh& mesh) { integrateDerivativeByArea(mesh, step, variant); });
   }
-  parameters.integrationError = DistanceError;
+  options.integrationError = DistanceError;
   expectStep([&](TriangleMesh& mesh) { integrateDistance(mesh, step); });
 }
 
 TEST(AdaptiveSmoothing, ShapeAndDifferenceReachTheFilters) {
   const TriangleMesh before = roughSphere();
   std::vector<std::vector<float>> results;
-  for (const int shape : {SimilarWeight, ExponentialWeight}) {
-    for (const int difference : {CurvatureDifference, AngleDifference}) {
-      AdaptiveSmoothingParameters parameters;
-      parameters.weightShape = shape;
-      parameters.normalDifference = difference;
+  for (const WeightShape shape : {SimilarWeight, ExponentialWeight}) {
+    for (const NormalDifference difference : {CurvatureDifference, AngleDifference}) {
+      AdaptiveSmoothingOptions options;
+      options.weightShape = shape;
+      options.normalDifference = difference;
       TriangleMesh mesh = before;
-      adaptiveSmoothing(mesh, 1, parameters);
+      adaptiveSmoothing(mesh, 1, options);
       EXPECT_THAT(results, ::testing::Not(::testing::Contains(mesh.vertices)));
       results.push_back(mesh.vertices);
     }
@@ -119,31 +118,31 @@ TEST(AdaptiveSmoothing, ShapeAndDifferenceReachTheFilters) {
 }
 
 TEST(AdaptiveSmoothing, InChunksGivesTheSameBitsAsAtOnce) {
-  const AdaptiveSmoothingParameters parameters;
+  const AdaptiveSmoothingOptions options;
   std::vector<std::vector<float>> atOnce;
-  forBothBranches(roughSphere(), 5, parameters,
+  forBothBranches(roughSphere(), 5, options,
                   [&](const TriangleMesh& mesh) { atOnce.push_back(mesh.vertices); });
   TriangleMesh mesh = roughSphere();
-  adaptiveSmoothing(mesh, 2, parameters);
-  adaptiveSmoothing(mesh, 3, parameters);
+  adaptiveSmoothing(mesh, 2, options);
+  adaptiveSmoothing(mesh, 3, options);
   EXPECT_EQ(mesh.vertices, atOnce[0]);
   mesh = roughSphere();
-  medianSmoothing(mesh, 4, parameters);
-  medianSmoothing(mesh, 1, parameters);
+  medianSmoothing(mesh, 4, options);
+  medianSmoothing(mesh, 1, options);
   EXPECT_EQ(mesh.vertices, atOnce[1]);
 }
 
 TEST(AdaptiveSmoothing, CountsBelowOneDoNothing) {
   const TriangleMesh before = roughSphere();
   for (const int none : {0, -1, std::numeric_limits<int>::min()}) {
-    AdaptiveSmoothingParameters parameters;
-    forBothBranches(before, none, parameters, [&](const TriangleMesh& mesh) {
+    AdaptiveSmoothingOptions options;
+    forBothBranches(before, none, options, [&](const TriangleMesh& mesh) {
       EXPECT_EQ(mesh.vertices, before.vertices);
       EXPECT_EQ(mesh.faceNormals, before.faceNormals);
     });
-    parameters.averagingIterations = none;
-    parameters.integrationIterations = none;
-    forBothBranches(before, 3, parameters,
+    options.averagingIterations = none;
+    options.integrationIterations = none;
+    forBothBranches(before, 3, options,
                     [&](const TriangleMesh& mesh) { EXPECT_EQ(mesh.vertices, before.vertices); });
   }
 }
@@ -151,10 +150,10 @@ TEST(AdaptiveSmoothing, CountsBelowOneDoNothing) {
 TEST(AdaptiveSmoothing, LeavesFacesBoundariesAndFlatPatchesAlone) {
   const TriangleMesh flat = test::grid(6, 5);
   const TriangleMesh bumpy = test::bumpyGrid(6, 5);
-  const AdaptiveSmoothingParameters parameters;
-  forBothBranches(flat, 3, parameters,
+  const AdaptiveSmoothingOptions options;
+  forBothBranches(flat, 3, options,
                   [&](const TriangleMesh& mesh) { EXPECT_EQ(mesh.vertices, flat.vertices); });
-  forBothBranches(bumpy, 3, parameters, [&](const TriangleMesh& mesh) {
+  forBothBranches(bumpy, 3, options, [&](const TriangleMesh& mesh) {
     EXPECT_EQ(mesh.faces, bumpy.faces);
     EXPECT_NE(mesh.vertices, bumpy.vertices);
     for (int i = 0; i < mesh.vertexCount; ++i) {
@@ -166,10 +165,10 @@ TEST(AdaptiveSmoothing, LeavesFacesBoundariesAndFlatPatchesAlone) {
 
 TEST(AdaptiveSmoothing, LeavesATiltedFlatPatchWithinTheRoundingOfNormals) {
   for (const test::NamedMesh& plane : test::tiltedPlanes()) {
-    for (const int error : {DistanceError, DerivativeError}) {
-      AdaptiveSmoothingParameters parameters;
-      parameters.integrationError = error;
-      forBothBranches(plane.mesh, 3, parameters, [&](const TriangleMesh& mesh) {
+    for (const IntegrationError error : {DistanceError, DerivativeError}) {
+      AdaptiveSmoothingOptions options;
+      options.integrationError = error;
+      forBothBranches(plane.mesh, 3, options, [&](const TriangleMesh& mesh) {
         for (int i = 0; i < mesh.vertexCount; ++i) {
           // Thirty steps of a tenth with normals that are off by some 1e-6, over edges of up to 4.
           EXPECT_LT(length(mesh.position(i) - plane.mesh.position(i)), 3e-5)
@@ -228,12 +227,12 @@ TEST(AdaptiveSmoothing, MovesOnlyInteriorVerticesOfAnyMeshToFinitePlacesWithAnyP
     const TriangleMesh& before = hostile.mesh;
     for (const float threshold : {-1.0F, 0.0F, std::numeric_limits<float>::infinity()}) {
       SCOPED_TRACE(::testing::Message() << hostile.name << ' ' << threshold);
-      AdaptiveSmoothingParameters parameters;
-      parameters.threshold = threshold;
-      parameters.normalDifference = CurvatureDifference;
+      AdaptiveSmoothingOptions options;
+      options.threshold = threshold;
+      options.normalDifference = CurvatureDifference;
       for (const int variant : {1, std::numeric_limits<int>::max()}) {
-        parameters.derivativeVariant = variant;
-        forBothBranches(before, 2, parameters, [&](const TriangleMesh& mesh) {
+        options.derivativeVariant = variant;
+        forBothBranches(before, 2, options, [&](const TriangleMesh& mesh) {
           ASSERT_EQ(mesh.vertices.size(), before.vertices.size());
           EXPECT_EQ(mesh.faces, before.faces);
           EXPECT_EQ(mesh.vertexKind, before.vertexKind);
@@ -279,49 +278,6 @@ TEST(AdaptiveSmoothing, TheSmootherRunsItOnItsMeshAndDoesNothingWithout) {
   smoother.medianSmoothing(2, {});
   medianSmoothing(byHand, 2, {});
   EXPECT_EQ(mesh.vertices, byHand.vertices);
-}
-
-TEST(AdaptiveSmoothing, DialogHoldsEveryFieldWithItsDefault) {
-  AdaptiveSmoothingParameters parameters;
-  const Form form = parameters.form();
-  EXPECT_EQ(form.name, "CAdaptiveSmoothingDlg");
-  EXPECT_EQ(form.title, "Adaptive Smoothing");
-  EXPECT_EQ(form.okText, "OK");
-  EXPECT_EQ(form.cancelText, "CANCEL");
-  std::vector<std::string> shown;
-  for (const Field& field : form.fields) {
-    std::ostringstream line;
-    line << field.name << ": " << field.group << '|' << field.label << '|' << field.unit << '|'
-         << textOf(field);
-    for (const Choice& choice : field.choices) line << '|' << choice.text;
-    shown.push_back(line.str());
-  }
-  EXPECT_THAT(shown,
-              ::testing::UnorderedElementsAre(
-                  "outerIterations: |Outer Iteration||10", "threshold: |Threshold||1",
-                  "meetAtVertex: |Meet at vertex effect[0:1]||0.5", "animate: |Animate flow||1",
-                  "animateEvery: |per|interations|1",
-                  "integrationError: Face Normal Integration|||1|Distance error|Derivative error",
-                  "integrationIterations: Face Normal Integration|Inner iteration||10",
-                  "integrationStep: Face Normal Integration|Step size||0.1",
-                  "averagingIterations: Face Normal Averaging|Inner iteration||1",
-                  "weightShape: Face Normal Averaging|||1|Similar func.|Exp. func.",
-                  "derivativeVariant: Face Normal Integration|L~2*||1",
-                  "medianWeighted: Face Normal Averaging|Weighted||1",
-                  "normalDifference: Difference of normals|||1|Curvature|Angle",
-                  "averagingKind: Face Normal Averaging|||1|Weight function|Median"));
-}
-
-TEST(AdaptiveSmoothing, DialogRefusesSharesOutsideZeroToOneOnly) {
-  AdaptiveSmoothingParameters parameters;
-  for (const Field& field : parameters.form().fields) {
-    const bool share = field.name == "meetAtVertex" || field.name == "integrationStep";
-    EXPECT_EQ(field.range.has_value(), share) << field.name;
-    if (!share) continue;
-    EXPECT_EQ(storeText(field, "1.5"), "Enter a number between 0 and 1.");
-    EXPECT_EQ(storeText(field, "0"), "");
-    EXPECT_EQ(storeText(field, "1"), "");
-  }
 }
 
 }  // namespace

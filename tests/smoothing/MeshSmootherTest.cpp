@@ -5,6 +5,8 @@
 #include <iterator>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "smoothing/AdaptiveSmoothing.h"
 #include "smoothing/BilaplacianFlow.h"
@@ -55,12 +57,12 @@ std::vector<Operation> flows() {
 std::vector<Operation> adaptiveOperations() {
   const NormalWeight weight = {.threshold = 1.5};
   const MedianFilter median = {.weighted = false};
-  const AdaptiveSmoothingParameters parameters;
+  const AdaptiveSmoothingOptions options;
   return {
-      {"adaptiveSmoothing", [=](MeshSmoother& s) { s.adaptiveSmoothing(2, parameters); },
-       [=](TriangleMesh& m) { adaptiveSmoothing(m, 2, parameters); }},
-      {"medianSmoothing", [=](MeshSmoother& s) { s.medianSmoothing(2, parameters); },
-       [=](TriangleMesh& m) { medianSmoothing(m, 2, parameters); }},
+      {"adaptiveSmoothing", [=](MeshSmoother& s) { s.adaptiveSmoothing(2, options); },
+       [=](TriangleMesh& m) { adaptiveSmoothing(m, 2, options); }},
+      {"medianSmoothing", [=](MeshSmoother& s) { s.medianSmoothing(2, options); },
+       [=](TriangleMesh& m) { medianSmoothing(m, 2, options); }},
       {"averageNormalsWeighted", [=](MeshSmoother& s) { s.averageNormalsWeighted(weight); },
        [=](TriangleMesh& m) { averageNormalsWeighted(m, weight); }},
       {"averageNormalsVertexWeighted",
@@ -99,6 +101,55 @@ TEST(MeshSmoother, RunsEachOperationOnTheAttachedMesh) {
     operation.expected(expected);
     EXPECT_NE(mesh.vertices, test::torus(9, 7).vertices) << operation.name;
     EXPECT_EQ(mesh.vertices, expected.vertices) << operation.name;
+  }
+}
+
+TEST(MeshSmoother, FlowInPartsIsTheMethodOfItsName) {
+  using Method = SmoothingMethod;
+  const auto taubin = [](TaubinWeighting weighting) {
+    return [weighting](TriangleMesh& m) {
+      taubinSmoothing(m, {.iterations = 3, .lambda = 0.25F, .k = 0.1F, .weighting = weighting});
+    };
+  };
+  const std::vector<std::pair<Method, std::function<void(TriangleMesh&)>>> methods = {
+      {Method::Laplacian,
+       [](TriangleMesh& m) {
+         laplacianFlow(m, {3, 0.25F});
+       }},
+      {Method::ImplicitLaplacian,
+       [](TriangleMesh& m) {
+         for (int k = 0; k < 3; ++k) ImplicitLaplacianFlow(m, 0.25F).step();
+       }},
+      {Method::MeanCurvature,
+       [](TriangleMesh& m) {
+         meanCurvatureFlow(m, {3, 0.25F});
+       }},
+      {Method::ImplicitMeanCurvature,
+       [](TriangleMesh& m) {
+         for (int k = 0; k < 3; ++k) ImplicitMeanCurvatureFlow(m, 0.25F).step();
+       }},
+      {Method::MedianCurvature,
+       [](TriangleMesh& m) {
+         medianCurvatureFlow(m, {3, 0.25F});
+       }},
+      {Method::TaubinUmbrella, taubin(UmbrellaWeights)},
+      {Method::TaubinInverseDistance, taubin(InverseDistanceWeights)},
+      {Method::TaubinCotangent, taubin(CotangentWeights)},
+      {Method::Bilaplacian, [](TriangleMesh& m) {
+         bilaplacianFlow(m, {3, 0.25F});
+       }}};
+  std::set<std::vector<float>> outcomes;
+  for (const auto& [method, expected] : methods) {
+    const test::CapturedText text;
+    TriangleMesh mesh = test::jittered(test::torus(9, 7), 0.1);
+    TriangleMesh whole = mesh;
+    MeshSmoother smoother;
+    smoother.attach(&mesh);
+    const Flow flow = smoother.flow(method, 0.25F);
+    for (const int part : {2, 0, 1, -1}) flow(part);
+    expected(whole);
+    EXPECT_EQ(mesh.vertices, whole.vertices) << static_cast<int>(method);
+    EXPECT_TRUE(outcomes.insert(mesh.vertices).second) << static_cast<int>(method);
   }
 }
 

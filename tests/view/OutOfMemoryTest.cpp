@@ -143,10 +143,13 @@ std::vector<Variant> adaptiveSmoothings(const Command& row) {
     values.integrationIterations = 2;
     return Variant{name, &row, [values](auto& doc) { doc.adaptiveSmoothingParameters = values; }};
   };
-  return {with("median", {}), with("weighted", {.averagingKind = WeightFunctionAveraging}),
-          with("edgesOnly", {.meetAtVertex = 0.0F, .averagingKind = WeightFunctionAveraging}),
-          with("distance", {.integrationError = DistanceError}),
-          with("byArea", {.derivativeVariant = 2})};
+  return {
+      with("median", {}),
+      with("weighted", {.averagingKind = AdaptiveSmoothingParameters::WeightFunctionAveraging}),
+      with("edgesOnly", {.meetAtVertex = 0.0F,
+                         .averagingKind = AdaptiveSmoothingParameters::WeightFunctionAveraging}),
+      with("distance", {.integrationError = DistanceError}),
+      with("byArea", {.derivativeVariant = 2})};
 }
 
 std::vector<Variant> ridges(const Command& row) {

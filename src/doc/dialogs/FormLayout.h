@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "numeric/Form.h"
+#include "doc/forms/Form.h"
 
 namespace gravlin {
 

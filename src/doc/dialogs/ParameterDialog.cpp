@@ -14,9 +14,7 @@
 #include <QRadioButton>
 #include <QStyle>
 #include <QStyleOptionButton>
-#include <type_traits>
 #include <utility>
-#include <variant>
 
 #include "doc/dialogs/FormLayout.h"
 #include "doc/dialogs/QtText.h"
@@ -27,18 +25,6 @@ namespace {
 
 // The columns of a section; the last one takes up what is left.
 enum Column : int { LabelColumn, ControlColumn, RestColumn, ColumnCount };
-
-/// The sentence that refuses `text` for this field, or nothing; the member stays as it is.
-std::string complaintAbout(const Field& field, const std::string& text) {
-  return std::visit(
-      [&](auto* member) {
-        auto scratch = *member;
-        Field copy = field;
-        copy.value = &scratch;
-        return storeText(copy, text);
-      },
-      field.value);
-}
 
 /// Makes the widgets of a form inside a dialog.
 class FormBuilder {
@@ -303,13 +289,15 @@ ParameterDialog::ParameterDialog(Form shownForm, QWidget* parent)
 }
 
 void ParameterDialog::accept() {
+  std::vector<std::size_t> indices;  // of the fields that can be changed
+  std::vector<Setting> settings;
   for (std::size_t i = 0; i < form.fields.size(); ++i) {
     if (!form.fields[i].enabled) continue;
-    const std::string complaint = complaintAbout(form.fields[i], controls[i].text());
-    if (!complaint.empty()) return refuse(i, complaint);
+    indices.push_back(i);
+    settings.push_back({std::string(form.fields[i].name), controls[i].text()});
   }
-  for (std::size_t i = 0; i < form.fields.size(); ++i) {
-    if (form.fields[i].enabled) storeText(form.fields[i], controls[i].text());
+  if (const std::optional<Refusal> refusal = storeSettings(form, settings)) {
+    return refuse(indices[refusal->setting], refusal->sentence);
   }
   QDialog::accept();
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "numeric/Form.h"
+#include "doc/forms/Form.h"
 
 namespace gravlin {
 

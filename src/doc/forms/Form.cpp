@@ -1,10 +1,12 @@
-#include "numeric/Form.h"
+#include "doc/forms/Form.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <locale>
 #include <sstream>
 #include <type_traits>
+#include <utility>
 
 namespace gravlin {
 namespace {
@@ -96,6 +98,18 @@ std::string storeChoice(const Field& field, int& member, std::string_view text) 
   return "Choose one of " + words + ".";
 }
 
+/// The sentence that refuses `text` for this field, or nothing; the member stays as it is.
+std::string complaintAbout(const Field& field, const std::string& text) {
+  return std::visit(
+      [&](auto* member) {
+        auto scratch = *member;
+        Field copy = field;
+        copy.value = &scratch;
+        return storeText(copy, text);
+      },
+      field.value);
+}
+
 }  // namespace
 
 std::string kebabCase(std::string_view lowerCamelCase) {
@@ -132,6 +146,22 @@ std::string storeText(const Field& field, std::string_view text) {
                                },
                                [&](float* member) { return storeNumber(field, *member, text); }},
                     field.value);
+}
+
+const Field& fieldNamed(const Form& form, std::string_view name) {
+  return *std::find_if(form.fields.begin(), form.fields.end(),
+                       [&](const Field& field) { return field.name == name; });
+}
+
+std::optional<Refusal> storeSettings(const Form& form, std::span<const Setting> settings) {
+  for (std::size_t i = 0; i < settings.size(); ++i) {
+    std::string sentence = complaintAbout(fieldNamed(form, settings[i].field), settings[i].text);
+    if (!sentence.empty()) return Refusal{i, std::move(sentence)};
+  }
+  for (const Setting& setting : settings) {
+    storeText(fieldNamed(form, setting.field), setting.text);
+  }
+  return std::nullopt;
 }
 
 }  // namespace gravlin

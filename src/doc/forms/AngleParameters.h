@@ -1,6 +1,7 @@
 #pragma once
 
-#include "numeric/Form.h"
+#include "doc/forms/Form.h"
+#include "features/CreasesByHistogram.h"
 
 namespace gravlin {
 
@@ -16,6 +17,10 @@ struct AngleParameters {
   int histogramLow = 80;  ///< percent of the edges that are less sharp than a weak crease
 
   Form form();
+  /// The cosine that the normals of two faces must fall below, -cos(angle).
+  float cosThreshold() const;
+  /// The percentages as shares of 1.
+  CreaseShares shares() const;
 };
 
 }  // namespace gravlin

@@ -2,7 +2,7 @@
 #include <limits>
 #include <locale>
 
-#include "numeric/Form.h"
+#include "doc/forms/Form.h"
 
 namespace gravlin {
 namespace {
@@ -227,6 +227,35 @@ TEST(StoreText, TakesAnyTextForAComboBox) {
     EXPECT_EQ(storeText(edited.field, text), "");
     EXPECT_EQ(edited.value, text);
   }
+}
+
+TEST(StoreSettings, AllAreStoredOrNone) {
+  int count = 3;
+  float size = 0.5F;
+  bool on = false;
+  std::string text = "old";
+  const Form form = {"CDlg",
+                     "Dialog",
+                     {{.name = "count", .value = &count, .range = {{1, 9}}},
+                      {.name = "size", .value = &size},
+                      {.name = "on", .value = &on},
+                      {.name = "text", .value = &text}}};
+  const std::vector<Setting> bad = {
+      {"text", "new"}, {"on", "1"}, {"size", "2"}, {"count", "10"}, {"size", "x"}};
+  const std::optional<Refusal> refusal = storeSettings(form, bad);
+  ASSERT_TRUE(refusal.has_value());
+  EXPECT_EQ(refusal->setting, 3U);
+  EXPECT_EQ(refusal->sentence, "Enter an integer between 1 and 9.");
+  EXPECT_EQ(text, "old");
+  EXPECT_FALSE(on);
+  EXPECT_EQ(size, 0.5F);
+
+  const std::vector<Setting> good = {{"text", "new"}, {"on", "1"}, {"count", "9"}, {"count", "8"}};
+  EXPECT_FALSE(storeSettings(form, good).has_value());
+  EXPECT_EQ(text, "new");
+  EXPECT_TRUE(on);
+  EXPECT_EQ(count, 8);
+  EXPECT_EQ(size, 0.5F);
 }
 
 }  // namespace

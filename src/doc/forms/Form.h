@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -74,5 +75,24 @@ RangeTexts rangeTexts(const Field& field);
 /// locale. A check box takes "0" or "1", a radio group the index or the word of a button; one shown
 /// disabled cannot be clicked, but a script may still name it.
 std::string storeText(const Field& field, std::string_view text);
+
+/// The new value of a field as it was typed.
+struct Setting {
+  std::string field;  ///< the member's name, "iterationCount"
+  std::string text;   ///< as storeText takes it
+};
+
+/// The field of this name, which the form must have.
+const Field& fieldNamed(const Form& form, std::string_view name);
+
+/// Why a setting was not accepted.
+struct Refusal {
+  std::size_t setting;   ///< the first that was refused, as an index
+  std::string sentence;  ///< of storeText
+};
+
+/// Types the settings into a form, in their order: all of them, or none when one is refused. Every
+/// setting names a field of the form. Dialogs and command lines both end here.
+std::optional<Refusal> storeSettings(const Form& form, std::span<const Setting> settings);
 
 }  // namespace gravlin

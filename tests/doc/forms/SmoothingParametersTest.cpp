@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 #include <utility>
 
-#include "smoothing/NoiseParameters.h"
-#include "smoothing/SmoothingParameters.h"
+#include "doc/forms/NoiseParameters.h"
+#include "doc/forms/SmoothingParameters.h"
 
 namespace gravlin {
 namespace {
@@ -17,16 +17,19 @@ TEST(SmoothingParameters, OfferTheNineMethodsInOrder) {
   EXPECT_EQ(method.choices[0].text, "Laplacian Flow");
   EXPECT_EQ(method.choices[8].text, "Bilaplacian (Kobbelt)");
   for (std::size_t i = 0; i < 9; ++i) {
-    EXPECT_EQ(smoothingMethod(method.choices[i].text), static_cast<SmoothingMethod>(i));
+    parameters.method = method.choices[i].text;
+    EXPECT_EQ(parameters.chosenMethod(), static_cast<SmoothingMethod>(i));
   }
 }
 
 TEST(SmoothingParameters, MethodsAreFoundByTheirExactTextOnly) {
-  EXPECT_EQ(smoothingMethod("Taubin Smoothing (k=0.1, w = 1/d)"),
-            SmoothingMethod::TaubinInverseDistance);
+  SmoothingParameters parameters;
+  parameters.method = "Taubin Smoothing (k=0.1, w = 1/d)";
+  EXPECT_EQ(parameters.chosenMethod(), SmoothingMethod::TaubinInverseDistance);
   for (const char* text : {"", "laplacian flow", "Laplacian Flow ", " Laplacian Flow",
                            "Taubin Smoothing (k=0.1, w=1/d)"}) {
-    EXPECT_EQ(smoothingMethod(text), std::nullopt) << text;
+    parameters.method = text;
+    EXPECT_EQ(parameters.chosenMethod(), std::nullopt) << text;
   }
 }
 

@@ -1,4 +1,4 @@
-#include "smoothing/SmoothingParameters.h"
+#include "doc/forms/SmoothingParameters.h"
 
 #include <algorithm>
 
@@ -13,8 +13,8 @@ std::vector<Choice> methodChoices() {
 
 }  // namespace
 
-std::optional<SmoothingMethod> smoothingMethod(std::string_view text) {
-  const auto found = std::find(smoothingMethodTexts.begin(), smoothingMethodTexts.end(), text);
+std::optional<SmoothingMethod> SmoothingParameters::chosenMethod() const {
+  const auto found = std::find(smoothingMethodTexts.begin(), smoothingMethodTexts.end(), method);
   if (found == smoothingMethodTexts.end()) return std::nullopt;
   return static_cast<SmoothingMethod>(found - smoothingMethodTexts.begin());
 }

@@ -1,4 +1,4 @@
-#include "remesh/SubdivisionParameters.h"
+#include "doc/forms/SubdivisionParameters.h"
 
 namespace gravlin {
 
@@ -9,6 +9,12 @@ Form SubdivisionParameters::form() {
             .label = "method",
             .value = &method,
             .choices = {{"Loop", ""}, {"Modified butterfly", ""}, {"Linear", ""}}}}};
+}
+
+SubdivisionScheme SubdivisionParameters::scheme() const {
+  if (method == "Loop") return SubdivisionScheme::Loop;
+  if (method == "Modified butterfly") return SubdivisionScheme::Butterfly;
+  return SubdivisionScheme::Linear;
 }
 
 }  // namespace gravlin

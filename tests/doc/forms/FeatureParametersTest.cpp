@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "features/AngleParameters.h"
-#include "features/RidgeParameters.h"
+#include "doc/forms/AngleParameters.h"
+#include "doc/forms/RidgeParameters.h"
 
 namespace gravlin {
 namespace {
@@ -85,6 +85,17 @@ TEST(AngleParameters, HaveTheDialogsTextsDefaultsAndRanges) {
                                          "|Pre-smoothing for enhancing creases|0|"));
   EXPECT_THAT(buttonsOf(form, "thresholdMode"),
               ElementsAre("Constant Angle (0-180)", "Histogram(0-100)"));
+}
+
+TEST(AngleParameters, DegreesAndPercentBecomeWhatTheAlgorithmsTake) {
+  // Two faces at 180 degrees lie in one plane: cos 0. At a right angle the cosine vanishes.
+  EXPECT_EQ(AngleParameters{.angle = 180}.cosThreshold(), 1.0F);
+  EXPECT_EQ(AngleParameters{.angle = 0}.cosThreshold(), -1.0F);
+  EXPECT_NEAR(AngleParameters{.angle = 90}.cosThreshold(), 0.0F, 1e-9F);
+  EXPECT_EQ(AngleParameters{.angle = 120}.cosThreshold(), 0.5F);
+  const CreaseShares shares = AngleParameters{.histogramHi = 75, .histogramLow = 50}.shares();
+  EXPECT_EQ(shares.hi, 0.75F);
+  EXPECT_EQ(shares.low, 0.5F);
 }
 
 }  // namespace

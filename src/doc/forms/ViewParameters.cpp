@@ -1,4 +1,4 @@
-#include "doc/ViewParameters.h"
+#include "doc/forms/ViewParameters.h"
 
 namespace gravlin {
 

@@ -1,4 +1,4 @@
-#include "remesh/DecimationParameters.h"
+#include "doc/forms/DecimationParameters.h"
 
 namespace gravlin {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "numeric/Form.h"
+#include "doc/forms/Form.h"
 
 namespace gravlin {
 

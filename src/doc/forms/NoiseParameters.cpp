@@ -1,4 +1,4 @@
-#include "smoothing/NoiseParameters.h"
+#include "doc/forms/NoiseParameters.h"
 
 namespace gravlin {
 

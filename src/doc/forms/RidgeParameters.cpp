@@ -1,4 +1,4 @@
-#include "features/RidgeParameters.h"
+#include "doc/forms/RidgeParameters.h"
 
 namespace gravlin {
 namespace {

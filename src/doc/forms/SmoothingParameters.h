@@ -5,24 +5,12 @@
 #include <string>
 #include <string_view>
 
-#include "numeric/Form.h"
+#include "doc/forms/Form.h"
+#include "smoothing/MeshSmoother.h"
 
 namespace gravlin {
 
-/// The flows that the "Smoothing" dialog offers, in the order of its list.
-enum class SmoothingMethod {
-  Laplacian,
-  ImplicitLaplacian,
-  MeanCurvature,
-  ImplicitMeanCurvature,
-  MedianCurvature,
-  TaubinUmbrella,
-  TaubinInverseDistance,
-  TaubinCotangent,
-  Bilaplacian,
-};
-
-/// Their names in the dialog, indexed by SmoothingMethod.
+/// The names of the methods in the dialog, indexed by SmoothingMethod.
 inline constexpr std::array<std::string_view, 9> smoothingMethodTexts = {
     "Laplacian Flow",
     "Laplacian Flow (implicit)",
@@ -35,9 +23,6 @@ inline constexpr std::array<std::string_view, 9> smoothingMethodTexts = {
     "Bilaplacian (Kobbelt)",
 };
 
-/// The method whose name is exactly `text`, if any.
-std::optional<SmoothingMethod> smoothingMethod(std::string_view text);
-
 /// What the "Smoothing" dialog edits.
 struct SmoothingParameters {
   std::string method = std::string(smoothingMethodTexts[0]);  ///< any other text smooths nothing
@@ -48,6 +33,8 @@ struct SmoothingParameters {
   bool preserveVolume = true;  ///< scale so that the enclosed volume stays
 
   Form form();
+  /// The method whose name is exactly the text of the combo box, if any.
+  std::optional<SmoothingMethod> chosenMethod() const;
 };
 
 }  // namespace gravlin

@@ -1,4 +1,4 @@
-#include "smoothing/AdaptiveSmoothingParameters.h"
+#include "doc/forms/AdaptiveSmoothingParameters.h"
 
 namespace gravlin {
 namespace {
@@ -61,6 +61,19 @@ Form AdaptiveSmoothingParameters::form() {
             .value = &normalDifference,
             .group = differenceGroup,
             .choices = {{"Curvature", "curvature"}, {"Angle", "angle"}}}}};
+}
+
+AdaptiveSmoothingOptions AdaptiveSmoothingParameters::options() const {
+  return {.threshold = threshold,
+          .meetAtVertex = meetAtVertex,
+          .integrationError = static_cast<IntegrationError>(integrationError),
+          .integrationIterations = integrationIterations,
+          .integrationStep = integrationStep,
+          .averagingIterations = averagingIterations,
+          .weightShape = static_cast<WeightShape>(weightShape),
+          .derivativeVariant = derivativeVariant,
+          .medianWeighted = medianWeighted,
+          .normalDifference = static_cast<NormalDifference>(normalDifference)};
 }
 
 }  // namespace gravlin

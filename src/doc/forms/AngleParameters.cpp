@@ -1,4 +1,6 @@
-#include "features/AngleParameters.h"
+#include "doc/forms/AngleParameters.h"
+
+#include <cmath>
 
 namespace gravlin {
 
@@ -29,6 +31,17 @@ Form AngleParameters::form() {
            {.name = "preSmoothing",
             .label = "Pre-smoothing for enhancing creases",
             .value = &preSmoothing}}};
+}
+
+float AngleParameters::cosThreshold() const {
+  constexpr double degree = 0.017453292519943278;
+  return static_cast<float>(-std::cos(angle * degree));
+}
+
+CreaseShares AngleParameters::shares() const {
+  constexpr float percent = 0.01F;
+  return {.hi = static_cast<float>(histogramHi) * percent,
+          .low = static_cast<float>(histogramLow) * percent};
 }
 
 }  // namespace gravlin
