@@ -168,8 +168,8 @@ void checkFaceAdjacency(const TriangleMesh& mesh) {
 
 /// A vector of finite numbers is stored with an error of half a unit in the 24th bit of each.
 template <class Number>
-void checkUnits(const std::vector<Number>& normals, int count, const std::string& name,
-                double tolerance = 1e-6) {
+void checkUnits(const std::vector<Number>& normals, int count, const std::string& name) {
+  constexpr double tolerance = 1e-6;
   if (normals.empty()) return;
   require(normals.size() == 3 * toIndex(count), name + " has not three numbers for each index");
   for (std::size_t c = 0; c < normals.size(); c += 3) {
@@ -177,6 +177,25 @@ void checkUnits(const std::vector<Number>& normals, int count, const std::string
     const double squared = dot(unit, unit);
     require(!std::isfinite(squared) || squared == 0.0 || std::abs(squared - 1.0) < tolerance,
             name + " holds a vector that is neither 0 nor of unit length");
+  }
+}
+
+/// A smoothed frame is rebuilt from its trusted direction, which need not lie in the tangent plane,
+/// and the normal: the other one is their cross product, which may then be shorter than 1.
+void checkFrames(const TriangleMesh& mesh) {
+  constexpr double tolerance = 1e-5;  // made from a normal that is rounded in itself
+  if (mesh.maxDirection.empty() && mesh.minDirection.empty()) return;
+  require(mesh.maxDirection.size() == 3 * toIndex(mesh.vertexCount) &&
+              mesh.minDirection.size() == mesh.maxDirection.size(),
+          "the principal directions have not three numbers for each vertex");
+  for (int i = 0; i < mesh.vertexCount; ++i) {
+    const Vec3 e1 = vectorAt(mesh.maxDirection, i);
+    const Vec3 e2 = vectorAt(mesh.minDirection, i);
+    const double longer = std::max(dot(e1, e1), dot(e2, e2));
+    require(!std::isfinite(dot(e1, e1) + dot(e2, e2)) || longer == 0.0 ||
+                std::abs(longer - 1.0) < tolerance,
+            "the principal directions of a vertex are neither 0 nor is the longer one of unit "
+            "length");
   }
 }
 
@@ -294,9 +313,7 @@ void checkMesh(const TriangleMesh& mesh) {
   checkExtents(mesh);
   checkBuiltTogether(mesh);
   checkCornerNeighbours(mesh);
-  constexpr double ofFrames = 1e-5;  // made from a normal that is rounded in itself
-  checkUnits(mesh.maxDirection, mesh.vertexCount, "maxDirection", ofFrames);
-  checkUnits(mesh.minDirection, mesh.vertexCount, "minDirection", ofFrames);
+  checkFrames(mesh);
   checkMarks(mesh.ridgeMarks, mesh.vertexCount, "ridgeMarks");
   checkMarks(mesh.valleyMarks, mesh.vertexCount, "valleyMarks");
   checkLinks(mesh, mesh.ridgeLinks, "ridgeLinks");
