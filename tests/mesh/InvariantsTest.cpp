@@ -93,7 +93,7 @@ TEST(Invariants, EveryOneIsMissedWhereItIsBroken) {
          m.maxCurvature.resize(9);
          m.minCurvature.resize(9);
        }},
-      {"minDirection holds a vector that is neither 0 nor of unit length",
+      {"the principal directions of a vertex are neither 0 nor is the longer one of unit length",
        [](auto& m) {
          m.maxCurvature.resize(9);
          m.minCurvature.resize(9);
