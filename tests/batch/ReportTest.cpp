@@ -138,7 +138,7 @@ TEST(Report, CountsWhatAHostileMeshHasAndKeepsFiniteMeasuresFinite) {
     EXPECT_THAT(text,
                 HasSubstr(row("faces", mesh.countValidFaces()) + " valid; " +
                           std::to_string(mesh.faceCount - mesh.countValidFaces()) + " invalid"));
-    const auto ofKind = [&](int kind) {
+    const auto ofKind = [&mesh = mesh](int kind) {
       int count = 0;
       for (int i = 0; i < mesh.vertexCount; ++i) {
         const bool counts = mesh.vertexKind[static_cast<std::size_t>(i)] == kind;
