@@ -84,6 +84,36 @@ TEST(CreasesByHistogram, AnEdgeWithoutFacesBeyondOnOneSideIsNeverLinked) {
   EXPECT_THAT(mesh.valleyLinks, Each(IsEmpty()));
 }
 
+// The four corners of a square tube are right angles, and so are those next to each. A roof of a
+// flat fold beside it keeps the thresholds above theirs; no face lies beyond its two.
+TEST(CreasesByHistogram, AnEdgeAsSharpAsThoseBesideItIsNoCrease) {
+  TriangleMesh mesh = makeMesh({{0, 0, 0},
+                                {1, 0, 0},
+                                {1, 1, 0},
+                                {0, 1, 0},
+                                {0, 0, 1},
+                                {1, 0, 1},
+                                {1, 1, 1},
+                                {0, 1, 1},
+                                {10, 0, 0.1F},
+                                {10, 1, 0.1F},
+                                {11, 0, 0},
+                                {9, 0, 0}},
+                               {{0, 1, 5},
+                                {0, 5, 4},
+                                {1, 2, 6},
+                                {1, 6, 5},
+                                {2, 3, 7},
+                                {2, 7, 6},
+                                {3, 0, 4},
+                                {3, 4, 7},
+                                {8, 10, 9},
+                                {8, 9, 11}});
+  detectCreasesByHistogram(mesh, {0.0F, 0.0F});
+  EXPECT_EQ(linkCount(mesh.ridgeLinks), 0);
+  EXPECT_EQ(linkCount(mesh.valleyLinks), 0);
+}
+
 TEST(CreasesByHistogram, WeakCreasesNeedAStrongOneToGrowFrom) {
   TriangleMesh mesh = roof(12, 1.0);
   detectCreasesByHistogram(mesh, {1.0F, 0.0F});

@@ -322,6 +322,24 @@ TEST(ExtremaExtraction, CutsWithinAnEdgeAreWeightedByWhatLiesOnEitherSide) {
   EXPECT_EQ(marked(6.15, 3.0), 0) << "t = 5.1";
 }
 
+// The neighbour at (1, 1) lies exactly on the section along (1, 1) as single precision tells, so it
+// counts for the side behind as well and takes the place of the 9 that was cut there before. Seen
+// in double precision it would lie beside the section, and 9 would be too much for the 5 here.
+TEST(ExtremaExtraction, RingEdgesAreSeenInSinglePrecision) {
+  TriangleMesh mesh =
+      makeMesh({{0, 1e-9F, 0}, {-2, 0, 0}, {0, -2, 0}, {2, 0, 0}, {1, 1, 0}, {0, 2, 0}},
+               {{0, 1, 2}, {0, 2, 3}, {0, 3, 4}, {0, 4, 5}, {0, 5, 1}});
+  prepareLines(mesh, 0.0, -50.0);
+  mesh.maxCurvature = {5.0, 9.0, 9.0, 1.0, 1.0, 1.0};
+  const double half = std::sqrt(0.5);
+  for (int i = 0; i < 6; ++i) {
+    mesh.maxDirection.insert(mesh.maxDirection.end(), {half, half, 0.0});
+    mesh.minDirection.insert(mesh.minDirection.end(), {-half, half, 0.0});
+  }
+  extractExtrema(mesh);
+  EXPECT_EQ(mesh.ridgeMarks[0], 1);
+}
+
 // The upper edge passes through the vertex itself: the slope towards it is not finite.
 TEST(ExtremaExtraction, ACutAtNoDistanceMarksNothing) {
   const auto marked = [](float heightOfUpperEdge, double upper) {

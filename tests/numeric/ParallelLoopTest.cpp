@@ -1,8 +1,10 @@
 #include <atomic>
+#include <chrono>
 #include <gtest/gtest.h>
 #include <limits>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "numeric/ParallelLoop.h"
@@ -56,6 +58,27 @@ TEST(ParallelLoop, ThrowsTheFailureWithTheLowestIndex) {
         EXPECT_STREQ(error.what(), "30000") << threads;
       }
     }
+  }
+}
+
+TEST(ParallelLoop, ThrowsTheFailureWithTheLowestIndexWhenItComesLast) {
+  const ScopedThreadCount scope(2);
+  std::atomic<bool> higherFails = false;
+  const auto body = [&](const IndexRange& range) {
+    if (range.begin > 0) {
+      higherFails = true;
+      throw std::runtime_error("higher");
+    }
+    // The other thread takes the next range meanwhile; then it needs a moment to say how it ended.
+    while (!higherFails) std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    throw std::runtime_error("lowest");
+  };
+  try {
+    parallelRanges(100'000, body);
+    ADD_FAILURE();
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "lowest");
   }
 }
 
