@@ -1,6 +1,7 @@
 #include "doc/CGravlinDoc.h"
 
 #include <algorithm>
+#include <cmath>
 #include <locale>
 #include <new>
 #include <sstream>
@@ -80,6 +81,22 @@ std::string describeFace(const TriangleMesh& mesh, int face) {
   return text.str();
 }
 
+/// Whether no vertex has moved; a coordinate that is not a number has not when it still is none.
+bool samePositions(const TriangleMesh& a, const TriangleMesh& b) {
+  return std::ranges::equal(a.vertices, b.vertices, [](float x, float y) {
+    return x == y || (std::isnan(x) && std::isnan(y));
+  });
+}
+
+/// A sentence when there are positions that are not finite, else nothing.
+std::string nonFiniteSentence(const TriangleMesh& mesh, const TriangleMesh* undo) {
+  if (countNonFiniteVertices(mesh) == 0) return {};
+  const bool undoHelps = undo != nullptr && countNonFiniteVertices(*undo) == 0;
+  return undoHelps ? "Some positions are no longer finite numbers; Edit > Undo brings back the "
+                     "shape before."
+                   : "Some positions are not finite numbers.";
+}
+
 }  // namespace
 
 CGravlinDoc::CGravlinDoc(Outside& outsideOfDocument) : outside(outsideOfDocument) {
@@ -101,8 +118,8 @@ std::unique_ptr<TriangleMesh> CGravlinDoc::replaceMesh(
 
 void CGravlinDoc::numberShape() {
   // A command need not change anything: with no iterations, say.
-  const bool isThatBefore = undoMesh && currentMesh->vertices == undoMesh->vertices &&
-                            currentMesh->faces == undoMesh->faces;
+  const bool isThatBefore =
+      undoMesh && samePositions(*currentMesh, *undoMesh) && currentMesh->faces == undoMesh->faces;
   currentMesh->shape = isThatBefore ? undoMesh->shape : ++shapes;
 }
 
@@ -185,11 +202,14 @@ void CGravlinDoc::OnEditUndo() {
   tellHistogramAge();
   redraw();
   // What the status bar told was about the shape that is gone.
-  tell(ofAnotherFile ? "Undo has brought back the shape from before " + fileNameOf(opened.path) +
-                           " was opened; choose a name to save it."
-                     : "");
-  if (!ofAnotherFile) tellOfHiddenLines();
-  tellOfNonFinitePositions();
+  if (!ofAnotherFile) {
+    tell("");
+    tellOfHiddenLines();
+    return tellOfNonFinitePositions();
+  }
+  const std::string broken = nonFiniteSentence(*currentMesh, nullptr);
+  tell("Undo has brought back the shape from before " + fileNameOf(opened.path) +
+       " was opened; choose a name to save it." + (broken.empty() ? "" : " " + broken));
 }
 
 void CGravlinDoc::OnEnhancement() {
@@ -209,12 +229,8 @@ void CGravlinDoc::tell(const std::string& sentence) {
 }
 
 void CGravlinDoc::tellOfNonFinitePositions() {
-  if (countNonFiniteVertices(*currentMesh) == 0) return;
-  const bool undoHelps = undoMesh != nullptr && countNonFiniteVertices(*undoMesh) == 0;
-  tell(
-      undoHelps
-          ? "Some positions are no longer finite numbers; Edit > Undo brings back the shape before."
-          : "Some positions are not finite numbers.");
+  const std::string sentence = nonFiniteSentence(*currentMesh, undoMesh.get());
+  if (!sentence.empty()) tell(sentence);
 }
 
 void CGravlinDoc::recompute() {

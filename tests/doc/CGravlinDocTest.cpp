@@ -47,6 +47,17 @@ TEST_F(Document, IsNewWithoutAMeshAndUnmodified) {
   EXPECT_THAT(outside.calls, IsEmpty());
 }
 
+TEST_F(Document, AShapeThatDidNotChangeKeepsItsNumberWithPositionsThatAreNone) {
+  const float none = std::numeric_limits<float>::quiet_NaN();
+  load(test::octahedron());
+  moveVertexZero(none);
+  const auto shape = doc.currentMesh->shape;
+  moveVertexZero(none);
+  EXPECT_EQ(doc.currentMesh->shape, shape);
+  moveVertexZero(1.0F);
+  EXPECT_NE(doc.currentMesh->shape, shape);
+}
+
 // --- Redraw ---
 
 TEST_F(Document, RedrawRaisesTheRevisionBeforeViewsAreDrawn) {

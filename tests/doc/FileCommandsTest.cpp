@@ -168,6 +168,18 @@ TEST_F(FileCommands, UndoAfterOpenTellsThatTheShapeIsAnotherFilesAndOffersNoName
   EXPECT_EQ(doc.path, folder.file("out.ply2"));
 }
 
+TEST_F(FileCommands, UndoAfterOpenTellsOfAnotherFilesShapeAndOfItsBrokenPositionsAtOnce) {
+  open(squarePath);
+  moveVertexZero(std::numeric_limits<float>::quiet_NaN());
+  moveVertexZero(1.0F);  // what is kept for undo has a position that is none
+  open(trianglePath);
+  doc.OnEditUndo();
+  EXPECT_EQ(
+      outside.statuses.back(),
+      "Undo has brought back the shape from before triangle.ply2 was opened; choose a name to "
+      "save it. Some positions are not finite numbers.");
+}
+
 TEST_F(FileCommands, AShapeThatUndoBringsBackIsStillNotSavedOverTheDamagedFileItCameFrom) {
   const std::string content = "4 2\n0 0 0\n4 0 0\n4 2 0\n0 2 0\n3 0 1 2\n3 0 2";
   const std::string damaged = folder.write("damaged.ply2", content);
