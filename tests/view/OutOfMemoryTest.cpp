@@ -9,6 +9,7 @@
 #include <new>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "doc/CommandTable.h"
@@ -36,7 +37,10 @@ constexpr int lastDisplayMode = 40;
 struct Shape {
   std::vector<float> vertices;
   std::vector<int> faces;
-  auto operator<=>(const Shape&) const = default;
+  bool operator==(const Shape&) const = default;
+  bool operator<(const Shape& other) const {
+    return std::tie(vertices, faces) < std::tie(other.vertices, other.faces);
+  }
 };
 
 Shape shapeOf(const TriangleMesh& mesh) {
@@ -121,8 +125,8 @@ struct Variant {
   std::string file = {};  ///< what a file dialog answers, in the test's folder
 };
 
-void PrintTo(const Variant& variant, std::ostream* stream) {
-  *stream << variant.name;
+std::ostream& operator<<(std::ostream& stream, const Variant& variant) {
+  return stream << variant.name;
 }
 
 std::vector<Variant> smoothings(const Command& row) {
