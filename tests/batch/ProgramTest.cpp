@@ -371,6 +371,31 @@ TEST_F(Program, PicksInThePictureThatComesNext) {
   EXPECT_EQ(json::parse(result.output)["pickedFace"], 0);
 }
 
+// At (15, 10) in the small picture is its middle; in the large one that is a corner.
+TEST_F(Program, PicksInThePictureThatComesNextAfterOneHasBeenDrawn) {
+  const auto pickedBetween = [&](const std::string& before, const std::string& behind) {
+    const test::RunResult result =
+        run("open " + mesh + " render " + in("a.png") + " --size " + before +
+            " pick 15 10 dump - --fields pickedFace render " + in("b.png") + " --size " + behind);
+    EXPECT_EQ(result.status, 0) << result.errors;
+    return json::parse(result.output)["pickedFace"];
+  };
+  EXPECT_EQ(pickedBetween("300x200", "30x20"), 0);
+  EXPECT_TRUE(pickedBetween("30x20", "300x200").is_null());
+}
+
+// A dialog that a step without a mesh does not show takes its answer with it.
+TEST_F(Program, AnAnswerThatNoDialogAskedForIsForgotten) {
+  const std::string bumps = test::writeMeshFile(folder, "bumps.ply2", test::bumpyGrid(6, 5));
+  const std::string smoothed = "open '" + bumps +
+                               "' local-max --pre-smoothing common --extract-on face dump - "
+                               "--fields vertices";
+  const test::RunResult alone = run(smoothed);
+  ASSERT_EQ(alone.status, 0) << alone.errors;
+  EXPECT_EQ(run("smooth-shape --method 'Taubin Smoothing (k=0.1)' " + smoothed).output,
+            alone.output);
+}
+
 // Before each step the next picture is looked for only where one has been drawn since, so that this
 // is no matter of minutes.
 TEST_F(Program, RunsAScriptOfManySteps) {

@@ -42,6 +42,8 @@ TEST(Steps, ParseSizes) {
   ASSERT_TRUE(parseSize("800x600"));
   EXPECT_EQ(parseSize("800x600")->width, 800);
   EXPECT_EQ(parseSize("800x600")->height, 600);
+  EXPECT_TRUE(parseSize("16384x1"));
+  EXPECT_FALSE(parseSize("16385x1")) << "more than any driver draws into";
   for (const char* text : {"", "800", "800x", "x600", "0x600", "800x-1", "800x600x1", "8 x 6",
                            "8e2x600", "99999999999x600", "800X600"}) {
     EXPECT_FALSE(parseSize(text)) << text;
