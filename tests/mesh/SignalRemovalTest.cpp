@@ -19,6 +19,18 @@ using ::testing::KilledBySignal;
 
 constexpr int endings[] = {SIGHUP, SIGINT, SIGTERM};
 
+/// What ends a program in the foreground. nohup, and shells in front of what they run in the
+/// background, have some of them ignored, and these tests would ignore them too.
+class DefaultEndings : public ::testing::Environment {
+ public:
+  void SetUp() override {
+    for (const int signal : endings) std::signal(signal, SIG_DFL);
+  }
+};
+
+[[maybe_unused]] const auto* const defaultEndings =
+    ::testing::AddGlobalTestEnvironment(new DefaultEndings);
+
 void makeFile(const std::string& path) {
   std::fclose(std::fopen(path.c_str(), "w"));
 }
