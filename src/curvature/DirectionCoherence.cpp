@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "curvature/DirectionTransport.h"
+#include "mesh/Corner.h"
 
 namespace gravlin {
 namespace {
@@ -21,7 +22,7 @@ bool isCoherent(const TriangleMesh& mesh, int face, double threshold) {
   const auto c = mesh.corners(face);
   for (std::size_t j = 0; j < 3; ++j) {
     const int near = c[j];
-    const int far = c[(j + 1) % 3];
+    const int far = c[nextCorner(j)];
     const double edge = length(mesh.position(far) - mesh.position(near));
     if (!(threshold * edge >= turnAlongEdge(mesh, near, far))) return false;
   }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "mesh/Corner.h"
 #include "mesh/FaceGeometry.h"
 #include "numeric/Vec3.h"
 
@@ -48,7 +49,7 @@ Facet facetOf(const TriangleMesh& mesh, int face) {
 double edgeCurvature(const TriangleMesh& mesh, const Facet& f, const Facet& g, std::size_t edge) {
   if (f.area == 0.0 || g.area == 0.0) return 0.0;
   const auto c = mesh.corners(f.face);
-  const Vec3 along = mesh.position(c[(edge + 1) % 3]) - mesh.position(c[edge]);
+  const Vec3 along = mesh.position(c[nextCorner(edge)]) - mesh.position(c[edge]);
   const double angle =
       std::acos(cosineBetween(mesh.faceNormals.data() + 3 * static_cast<std::size_t>(f.face),
                               mesh.faceNormals.data() + 3 * static_cast<std::size_t>(g.face)));

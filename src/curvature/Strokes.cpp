@@ -10,6 +10,7 @@
 #include <span>
 #include <utility>
 
+#include "mesh/Corner.h"
 #include "mesh/FaceGeometry.h"
 #include "numeric/Random.h"
 #include "numeric/Vec3.h"
@@ -73,8 +74,8 @@ void align(Vec3& direction, const Vec3& reference) {
 }
 
 void alignTo(std::size_t corner, CornerDirections& directions) {
-  align(directions[(corner + 1) % 3], directions[corner]);
-  align(directions[(corner + 2) % 3], directions[corner]);
+  align(directions[nextCorner(corner)], directions[corner]);
+  align(directions[previousCorner(corner)], directions[corner]);
 }
 
 // --- From face to face ---
@@ -199,12 +200,9 @@ bool StrokeHalf::crossEdge(const Exit& exit) {
   const int across = task.mesh.faceAdjacency[3 * static_cast<std::size_t>(at.face) + exit.edge];
   if (across < 0) return false;
   const auto to = task.mesh.corners(across);
-  const auto cornerAcross = [to](int vertex) {
-    return static_cast<std::size_t>(std::find(to.begin(), to.end(), vertex) - to.begin());
-  };
-  const std::size_t start = cornerAcross(from[exit.edge]);
-  const std::size_t end = cornerAcross(from[(exit.edge + 1) % 3]);
-  if (start == 3 || end == 3) return false;
+  const std::size_t start = cornerOf(to, from[exit.edge]);
+  const std::size_t end = cornerOf(to, from[nextCorner(exit.edge)]);
+  if (start == noCorner || end == noCorner) return false;
 
   const Vec3 reference = directions[exit.edge];
   enterFace(across);

@@ -4,6 +4,7 @@
 
 #include "features/EdgeFold.h"
 #include "features/LinkGrowth.h"
+#include "mesh/Corner.h"
 #include "numeric/Rollback.h"
 
 namespace gravlin {
@@ -29,7 +30,7 @@ std::vector<IndexList> detectCreasesByAngle(TriangleMesh& mesh, float cosThresho
     const auto corners = mesh.corners(f);
     for (std::size_t k = 0; k < 3; ++k) {
       const int a = corners[k];
-      const int b = corners[(k + 1) % 3];
+      const int b = corners[nextCorner(k)];
       const int g = mesh.faceAdjacency[3 * static_cast<std::size_t>(f) + k];
       if (g >= f) continue;  // each interior edge from the face with the larger index
       if (g < 0) {

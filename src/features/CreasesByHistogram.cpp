@@ -8,6 +8,7 @@
 #include "features/EdgeFold.h"
 #include "features/LineFields.h"
 #include "features/LinkGrowth.h"
+#include "mesh/Corner.h"
 #include "numeric/Rollback.h"
 
 namespace gravlin {
@@ -52,27 +53,18 @@ std::optional<Fold> foldOf(const TriangleMesh& mesh, const InteriorEdge& e) {
   return s > pi ? Fold::Convex : Fold::Concave;
 }
 
-/// Which corner of a face a vertex is.
-std::optional<std::size_t> cornerOf(const TriangleMesh& mesh, int face, int vertex) {
-  const auto corners = mesh.corners(face);
-  for (std::size_t j = 0; j < 3; ++j) {
-    if (corners[j] == vertex) return j;
-  }
-  return std::nullopt;
-}
-
 /// The mean cosine between the faces on one side of an edge: `face` is the face on that side,
 /// `edge` its number there. Of its two other neighbours, each is compared with the next face around
 /// the corner opposite the edge. Nothing when none of these faces exists.
 std::optional<float> sideAverage(const TriangleMesh& mesh, int face, std::size_t edge) {
-  const int opposite = mesh.corners(face)[(edge + 2) % 3];
+  const int opposite = mesh.corners(face)[previousCorner(edge)];
   double sum = 0.0;
   int count = 0;
   const auto addPair = [&](int near, std::size_t cornersBack) {
     if (near < 0) return;
-    const auto corner = cornerOf(mesh, near, opposite);
-    if (!corner) return;
-    const int far = acrossEdge(mesh, near, *corner + cornersBack);
+    const std::size_t corner = cornerOf(mesh.corners(near), opposite);
+    if (corner == noCorner) return;
+    const int far = acrossEdge(mesh, near, corner + cornersBack);
     if (far < 0) return;
     sum += dot(mesh.faceNormal(near), mesh.faceNormal(far));
     ++count;
@@ -83,22 +75,18 @@ std::optional<float> sideAverage(const TriangleMesh& mesh, int face, std::size_t
   return static_cast<float>(sum / count);
 }
 
-/// The number in face g of the edge that it shares with face f.
-std::optional<std::size_t> sharedEdge(const TriangleMesh& mesh, const InteriorEdge& e) {
-  const int end = mesh.corners(e.f)[(e.edge + 1) % 3];
-  const int start = mesh.corners(e.f)[e.edge];
-  for (std::size_t k = 0; k < 3; ++k) {
-    const auto corners = mesh.corners(e.g);
-    if (corners[k] == end && corners[(k + 1) % 3] == start) return k;
-  }
-  return std::nullopt;
+/// The number in face g of the edge that it shares with face f; `noCorner` when the two run through
+/// it in the same direction.
+std::size_t sharedEdge(const TriangleMesh& mesh, const InteriorEdge& e) {
+  const auto corners = mesh.corners(e.f);
+  return sideOf(mesh.corners(e.g), {.from = corners[nextCorner(e.edge)], .to = corners[e.edge]});
 }
 
 bool sharperThanBothSides(const TriangleMesh& mesh, const InteriorEdge& e, float cosine) {
-  const auto inG = sharedEdge(mesh, e);
-  if (!inG) return false;
+  const std::size_t inG = sharedEdge(mesh, e);
+  if (inG == noCorner) return false;
   const auto sideF = sideAverage(mesh, e.f, e.edge);
-  const auto sideG = sideAverage(mesh, e.g, *inG);
+  const auto sideG = sideAverage(mesh, e.g, inG);
   return sideF && sideG && !(cosine >= *sideF) && !(cosine >= *sideG);
 }
 
@@ -153,7 +141,7 @@ void detectCreasesByHistogram(TriangleMesh& mesh, CreaseShares shares) {
     const CosineThresholds& limit = isConvex ? limits.convex : limits.concave;
     if (!(cosine <= limit.low) || !sharperThanBothSides(mesh, e, cosine)) return;
     const int a = mesh.corners(e.f)[e.edge];
-    const int b = mesh.corners(e.f)[(e.edge + 1) % 3];
+    const int b = mesh.corners(e.f)[nextCorner(e.edge)];
     link(isConvex ? weakConvex : weakConcave, a, b);
     if (cosine < limit.high) link(isConvex ? mesh.ridgeLinks : mesh.valleyLinks, a, b);
   });

@@ -1,5 +1,7 @@
 #include "mesh/FacePicking.h"
 
+#include "mesh/Corner.h"
+
 namespace gravlin {
 namespace {
 
@@ -7,8 +9,9 @@ using Corners = std::array<Vec3, 3>;
 
 bool insideAllEdges(const Vec3& q, const Corners& p, const Vec3& normal) {
   for (std::size_t k = 0; k < 3; ++k) {
-    const Vec3 inwards = cross(normal, p[(k + 1) % 3] - p[k]);
-    const bool inside = dot(inwards, p[(k + 2) % 3] - p[k]) >= 0.0 && dot(inwards, q - p[k]) >= 0.0;
+    const Vec3 inwards = cross(normal, p[nextCorner(k)] - p[k]);
+    const bool inside =
+        dot(inwards, p[previousCorner(k)] - p[k]) >= 0.0 && dot(inwards, q - p[k]) >= 0.0;
     if (!inside) return false;
   }
   return true;

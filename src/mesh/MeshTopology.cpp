@@ -4,6 +4,7 @@
 #include <numeric>
 #include <utility>
 
+#include "mesh/Corner.h"
 #include "numeric/Index.h"
 
 namespace gravlin {
@@ -44,7 +45,7 @@ std::vector<std::pair<int, int>> sortedSides(const TriangleMesh& mesh) {
   for (int f = 0; f < mesh.faceCount; ++f) {
     if (!mesh.validFace(f)) continue;
     const auto c = mesh.corners(f);
-    for (std::size_t j = 0; j < 3; ++j) sides.emplace_back(std::minmax(c[j], c[(j + 1) % 3]));
+    for (std::size_t j = 0; j < 3; ++j) sides.emplace_back(std::minmax(c[j], c[nextCorner(j)]));
   }
   std::sort(sides.begin(), sides.end());
   return sides;

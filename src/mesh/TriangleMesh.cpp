@@ -5,6 +5,7 @@
 #include <numeric>
 #include <utility>
 
+#include "mesh/Corner.h"
 #include "mesh/Ring.h"
 #include "mesh/RingWalk.h"
 #include "numeric/Index.h"
@@ -118,12 +119,6 @@ void appendNeighbours(std::vector<int>& items, std::span<const Wedge> ring, Vert
   if (kind == BoundaryVertex) items.push_back(ring.back().prev);
 }
 
-/// Which corner of a face `vertex` is.
-std::size_t cornerOf(int vertex, std::span<const int, 3> corners) {
-  if (corners[0] == vertex) return 0;
-  return corners[1] == vertex ? 1 : 2;
-}
-
 }  // namespace
 
 // --- Setting the geometry ---
@@ -214,9 +209,9 @@ void TriangleMesh::buildFaceAdjacency() {
       const int f = ring[k];
       const int g = ring[next];
       // Edges are numbered by the corner they leave; f arrives at i over the shared one, g leaves.
-      faceAdjacency[3 * toIndex(f) + (cornerOf(i, corners(f)) + 2) % 3] = g;
+      faceAdjacency[3 * toIndex(f) + previousCorner(cornerOf(corners(f), i))] = g;
       if (vertexKind[toIndex(neighbours[next])] == NonManifoldVertex) {
-        faceAdjacency[3 * toIndex(g) + cornerOf(i, corners(g))] = f;
+        faceAdjacency[3 * toIndex(g) + cornerOf(corners(g), i)] = f;
       }
     }
   }

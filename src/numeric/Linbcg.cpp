@@ -4,9 +4,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <exception>
-#include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "numeric/LinbcgSweeps.h"
@@ -226,16 +225,6 @@ std::vector<LinbcgResult> solve(const Systems& systems, std::span<const double> 
   return results;
 }
 
-template <class Vector>
-Vector allocate(std::size_t n) {
-  try {
-    return Vector(n + 1);
-  } catch (const std::exception&) {
-    nrerror("allocation failure in dvector()");
-    throw std::bad_alloc();
-  }
-}
-
 }  // namespace
 
 LinbcgResult linbcg(const SparseMatrix& matrix, int n, std::span<const double> b,
@@ -297,19 +286,6 @@ void dsprstx(std::span<const double> sa, std::span<const int> ija, std::span<con
       b[static_cast<std::size_t>(ija[k])] += sa[k] * x[i];
     }
   }
-}
-
-LargeVector<double> dvector(std::size_t n) {
-  return allocate<LargeVector<double>>(n);
-}
-
-UnfilledVector<double> unfilledDvector(std::size_t n) {
-  return allocate<UnfilledVector<double>>(n);
-}
-
-void nrerror(std::string_view message) {
-  writeText(TextStream::Error, "Numerical Recipes run-time error...\n" + std::string(message) +
-                                   "\n...now exiting to system...\n");
 }
 
 }  // namespace gravlin

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "numeric/Linbcg.h"
+#include "numeric/SolverVectors.h"
 #include "numeric/Triple.h"
 
 namespace gravlin {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "features/CreasesByAngle.h"
+#include "mesh/Corner.h"
 #include "numeric/AvailableMemory.h"
 #include "numeric/Index.h"
 #include "remesh/CollapsibleMesh.h"
@@ -88,14 +89,11 @@ class Decimation {
   void labelSides(const TriangleMesh& mesh, int i, std::size_t k, int edge) {
     const auto fan = mesh.vertexFaces[i];
     const bool closed = mesh.vertexKind[toIndex(i)] == InteriorVertex;
-    const auto cornerIn = [&](int f) {
-      const auto corners = mesh.corners(f);
-      return corners[0] == i ? 0U : corners[1] == i ? 1U : 2U;
-    };
+    const auto cornerIn = [&](int f) { return cornerOf(mesh.corners(f), i); };
     if (k < fan.size()) surface.setLabel(fan[k], cornerIn(fan[k]), edge);
     if (k == 0 && !closed) return;
     const int before = fan[k == 0 ? fan.size() - 1 : k - 1];
-    surface.setLabel(before, (cornerIn(before) + 2) % 3, edge);
+    surface.setLabel(before, previousCorner(cornerIn(before)), edge);
   }
 
   Quadric quadricOf(const Ends& ends) const {

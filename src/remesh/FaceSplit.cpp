@@ -5,6 +5,7 @@
 #include <span>
 #include <stdexcept>
 
+#include "mesh/Corner.h"
 #include "numeric/AvailableMemory.h"
 #include "numeric/LargeVector.h"
 #include "remesh/SplitTopology.h"
@@ -52,8 +53,8 @@ void writeQuarters(std::span<const int, 3> c, const int* e, int* out) {
 
 void writeHalves(std::span<const int, 3> c, int j, int point, int* out) {
   const int begin = c[toIndex(j)];
-  const int end = c[toIndex((j + 1) % 3)];
-  const int third = c[toIndex((j + 2) % 3)];
+  const int end = c[toIndex(nextCorner(j))];
+  const int third = c[toIndex(previousCorner(j))];
   const std::array<int, 6> children = {begin, point, third, end, third, point};
   std::ranges::copy(children, out);
 }

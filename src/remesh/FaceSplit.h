@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "mesh/Corner.h"
 #include "mesh/TriangleMesh.h"
 #include "numeric/BlockAppender.h"
 #include "numeric/Index.h"
@@ -39,15 +40,6 @@ inline Vec3 midpoint(const TriangleMesh& mesh, const SplitEdge& edge) {
   return (mesh.position(edge.a) + mesh.position(edge.b)) * 0.5;
 }
 
-/// Number of the side of face g that runs from b to a; the faces must share that edge.
-inline int sharedSide(const TriangleMesh& mesh, int g, int a, int b) {
-  const auto corners = mesh.corners(g);
-  // Without a branch, because which of the three it is cannot be foretold.
-  const int first = static_cast<int>(corners[0] == b) & static_cast<int>(corners[1] == a);
-  const int second = static_cast<int>(corners[1] == b) & static_cast<int>(corners[2] == a);
-  return (1 - first) * (2 - second);
-}
-
 /// Calls visit(SplitEdge) for every side of a marked face in the order in which edge points are
 /// numbered: by the marked faces in index order and their sides in order, an edge of two marked
 /// faces at the second of them.
@@ -60,10 +52,10 @@ void visitSplitEdges(const TriangleMesh& mesh, const std::vector<int>& marks, co
       const int g = mesh.faceAdjacency[3 * toIndex(f) + toIndex(j)];
       if (g > f && marks[toIndex(g)] != 0) continue;
       const int a = corners[toIndex(j)];
-      const int b = corners[toIndex((j + 1) % 3)];
-      const int k = g < 0 ? -1 : sharedSide(mesh, g, a, b);
-      const int d = g < 0 ? -1 : mesh.corners(g)[toIndex((k + 2) % 3)];
-      visit(SplitEdge{a, b, corners[toIndex((j + 2) % 3)], d, f, j, g, k});
+      const int b = corners[toIndex(nextCorner(j))];
+      const int k = g < 0 ? -1 : static_cast<int>(sideOf(mesh.corners(g), {.from = b, .to = a}));
+      const int d = g < 0 ? -1 : mesh.corners(g)[toIndex(previousCorner(k))];
+      visit(SplitEdge{a, b, corners[toIndex(previousCorner(j))], d, f, j, g, k});
     }
   }
 }

@@ -3,21 +3,17 @@
 #include <algorithm>
 #include <array>
 
+#include "mesh/Corner.h"
 #include "numeric/BlockAppender.h"
 #include "numeric/Index.h"
 #include "numeric/LargeVector.h"
-#include "remesh/FaceSplit.h"
 
 namespace gravlin {
 namespace {
 
-constexpr std::array<int, 3> following = {1, 2, 0};  // the number of the next corner or side
-constexpr std::array<int, 3> preceding = {2, 0, 1};
-
-/// The number of `vertex` among a face's corners.
-int cornerOf(const TriangleMesh& mesh, int f, int vertex) {
-  const auto corners = mesh.corners(f);
-  return static_cast<int>(corners[1] == vertex) + 2 * static_cast<int>(corners[2] == vertex);
+/// The side of face g that runs from `from` to `to`, as a part of a face's number.
+int sharedSide(const TriangleMesh& mesh, int g, const SideEnds& ends) {
+  return static_cast<int>(sideOf(mesh.corners(g), ends));
 }
 
 /// Makes room for the rings; with every vertex manifold those of boundary vertices have a neighbour
@@ -83,13 +79,13 @@ void writeOldRings(const TriangleMesh& old, const std::vector<int>& edgePoints, 
     const int kind = old.vertexKind[toIndex(i)];
     const auto fan = old.vertexFaces[i];
     for (const int f : fan) {
-      const int corner = cornerOf(old, f, i);
-      *rings.takeFaces(1) = 4 * f + corner;
-      *rings.takeNeighbours(1) = edgePoints[3 * toIndex(f) + toIndex(corner)];
+      const std::size_t corner = cornerOf(old.corners(f), i);
+      *rings.takeFaces(1) = 4 * f + static_cast<int>(corner);
+      *rings.takeNeighbours(1) = edgePoints[3 * toIndex(f) + corner];
     }
     if (kind == BoundaryVertex) {
-      const int before = preceding[toIndex(cornerOf(old, fan.back(), i))];
-      *rings.takeNeighbours(1) = edgePoints[3 * toIndex(fan.back()) + toIndex(before)];
+      const std::size_t before = previousCorner(cornerOf(old.corners(fan.back()), i));
+      *rings.takeNeighbours(1) = edgePoints[3 * toIndex(fan.back()) + before];
     }
     rings.endVertex(kind);
   }
@@ -104,9 +100,9 @@ struct HalfFan {
 
 HalfFan halfFan(const TriangleMesh& old, const std::vector<int>& edgePoints, int f, int side) {
   const int* points = edgePoints.data() + 3 * toIndex(f);
-  const int end = following[toIndex(side)];
+  const int end = nextCorner(side);
   return {{4 * f + end, 4 * f + 3, 4 * f + side},
-          {old.corners(f)[toIndex(end)], points[end], points[preceding[toIndex(side)]]}};
+          {old.corners(f)[toIndex(end)], points[end], points[previousCorner(side)]}};
 }
 
 /// An open fan begins where the boundary does, with the child at the edge's end.
@@ -149,7 +145,7 @@ void writeEdgePointRings(const TriangleMesh& old, const std::vector<int>& edgePo
         writeBoundaryRing(half, a, rings);
         continue;
       }
-      const int k = sharedSide(old, g, a, half.neighbours[0]);
+      const int k = sharedSide(old, g, {.from = half.neighbours[0], .to = a});
       writeInteriorRing(halfFan(old, edgePoints, g, k), k, half, rings);
     }
   }
@@ -159,15 +155,15 @@ void writeEdgePointRings(const TriangleMesh& old, const std::vector<int>& edgePo
 void writeChildrenAdjacency(const TriangleMesh& old, int f, int* beside) {
   const auto corners = old.corners(f);
   for (int j = 0; j < 3; ++j) {
-    const int next = following[toIndex(j)];
+    const int next = nextCorner(j);
     beside[3 * j + 1] = 4 * f + 3;  // child j across the side between its two edge points
     beside[9 + j] = 4 * f + next;   // the middle child across its side from e_j on
     const int g = old.faceAdjacency[3 * toIndex(f) + toIndex(j)];
     int firstHalf = -1;
     int secondHalf = -1;
     if (g >= 0) {
-      const int k = sharedSide(old, g, corners[toIndex(j)], corners[toIndex(next)]);
-      firstHalf = 4 * g + following[toIndex(k)];
+      const int k = sharedSide(old, g, {.from = corners[toIndex(next)], .to = corners[toIndex(j)]});
+      firstHalf = 4 * g + nextCorner(k);
       secondHalf = 4 * g + k;
     }
     beside[3 * toIndex(j)] = firstHalf;

@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "mesh/Corner.h"
 #include "mesh/FaceGeometry.h"
 #include "mesh/MeshMeasures.h"
 #include "view/Palette.h"
@@ -226,7 +227,7 @@ void addContour(Scene& scene, const TriangleMesh& mesh) {
   for (std::size_t edge = 0; edge < count; ++edge) {
     if (mesh.faceAdjacency[edge] >= 0) continue;
     const auto corners = mesh.corners(static_cast<int>(edge / 3));
-    addVertices(borders, mesh, {{corners[edge % 3], corners[(edge + 1) % 3]}});
+    addVertices(borders, mesh, {{corners[edge % 3], corners[nextCorner(edge % 3)]}});
   }
   scene.batches.push_back(std::move(borders));
 }

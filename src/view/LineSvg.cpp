@@ -12,6 +12,7 @@
 
 #include "features/LinkGrowth.h"
 #include "features/SilhouetteLines.h"
+#include "mesh/Corner.h"
 
 namespace gravlin {
 namespace {
@@ -254,7 +255,7 @@ class LinePicture {
       for (std::size_t k = 0; k < 3; ++k) {
         const int g = mesh.faceAdjacency[3 * static_cast<std::size_t>(f) + k];
         if (g >= 0 && (g < f || looksAtViewer(g) == looksAtViewer(f))) continue;
-        link(links, corners[k], corners[(k + 1) % 3]);
+        link(links, corners[k], corners[nextCorner(k)]);
       }
     }
     std::string text;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "mesh/Corner.h"
 #include "view/CurvatureScenes.h"
 #include "view/FeatureScenes.h"
 #include "view/Palette.h"
@@ -51,7 +52,7 @@ Scene nonManifoldPoints(const CGravlinDoc& document) {
   for (std::size_t edge = 0; edge < edges; ++edge) {
     if (mesh.faceAdjacency[edge] >= 0) continue;
     const auto corners = mesh.corners(static_cast<int>(edge / 3));
-    addVertices(openEdges, mesh, {{corners[edge % 3], corners[(edge + 1) % 3]}});
+    addVertices(openEdges, mesh, {{corners[edge % 3], corners[nextCorner(edge % 3)]}});
   }
   return {{pointsOfKind(NonManifoldVertex, red), pointsOfKind(BoundaryVertex, cyan),
            std::move(openEdges)}};

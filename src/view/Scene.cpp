@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "mesh/Corner.h"
 #include "view/Palette.h"
 
 namespace gravlin {
@@ -180,7 +181,7 @@ Batch edgeScalarLines(const TriangleMesh& mesh, std::span<const double> values,
     // Both faces hold the same value; the one with the larger index draws it.
     if (knowsNeighbours && mesh.faceAdjacency[edge] > f) continue;
     const auto corners = mesh.corners(f);
-    const std::array<int, 2> ends = {corners[edge % 3], corners[(edge + 1) % 3]};
+    const std::array<int, 2> ends = {corners[edge % 3], corners[nextCorner(edge % 3)]};
     if (!drawable(mesh, ends)) continue;
     for (const int end : ends) {
       append(batch.positions, positionAt(mesh, end));
@@ -196,7 +197,7 @@ Batch faceEdges(const TriangleMesh& mesh, const Colour& colour) {
     const auto corners = mesh.corners(f);
     if (corners[0] < 0) continue;
     for (std::size_t j = 0; j < 3; ++j) {
-      const std::array<int, 2> edge = {corners[j], corners[(j + 1) % 3]};
+      const std::array<int, 2> edge = {corners[j], corners[nextCorner(j)]};
       if (edge[0] > edge[1] && drawable(mesh, edge)) {
         indices.insert(indices.end(), edge.begin(), edge.end());
       }

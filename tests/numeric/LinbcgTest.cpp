@@ -8,7 +8,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
-#include <new>
 #include <span>
 #include <string>
 
@@ -701,17 +700,6 @@ TEST(Linbcg, MeasuresInTheEuclideanOrTheLargestComponentNorm) {
   EXPECT_EQ(snrm(0, v, 1), 0.0);
   EXPECT_EQ(snrm(0, v, 4), 3.0);
   EXPECT_EQ(snrm(0, dvector(0), 4), 0.0);
-}
-
-TEST(Linbcg, KeepsThePlaceOfAnUnusedElementInItsVectors) {
-  EXPECT_THAT(dvector(2), ElementsAre(0.0, 0.0, 0.0));
-  EXPECT_THAT(dvector(0), ElementsAre(0.0));
-}
-
-TEST(Linbcg, ReportsAVectorThatDoesNotFitInMemory) {
-  const CapturedText text;
-  EXPECT_THROW(dvector(std::numeric_limits<std::size_t>::max() / 2), std::bad_alloc);
-  EXPECT_EQ(text.error, runTimeError("allocation failure in dvector()"));
 }
 
 }  // namespace
