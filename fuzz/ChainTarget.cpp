@@ -18,7 +18,7 @@
 #include "batch/Session.h"
 #include "fuzz/ByteSource.h"
 #include "fuzz/FuzzTarget.h"
-#include "mesh/MeshReader.h"
+#include "mesh/io/MeshReader.h"
 #include "numeric/Index.h"
 #include "numeric/TextSink.h"
 #include "support/Invariants.h"

@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "fuzz/FuzzTarget.h"
-#include "mesh/MeshReader.h"
-#include "mesh/MeshWriter.h"
+#include "mesh/io/MeshReader.h"
+#include "mesh/io/MeshWriter.h"
 #include "numeric/Index.h"
 #include "support/Invariants.h"
 

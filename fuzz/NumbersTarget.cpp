@@ -6,8 +6,8 @@
 #include <string>
 
 #include "fuzz/FuzzTarget.h"
-#include "mesh/NumberText.h"
-#include "mesh/Scanner.h"
+#include "mesh/io/NumberText.h"
+#include "mesh/io/Scanner.h"
 #include "support/LibraryScan.h"
 
 namespace gravlin::fuzz {

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <string>
 
-#include "mesh/MeshFile.h"
-#include "mesh/MeshWriter.h"
-#include "mesh/Scanner.h"
+#include "mesh/io/MeshFile.h"
+#include "mesh/io/MeshWriter.h"
+#include "mesh/io/Scanner.h"
 #include "support/Memory.h"
 #include "support/Surface.h"
 

@@ -15,7 +15,7 @@
 #include <OpenMesh/Core/Mesh/TriMesh_ArrayKernelT.hh>
 #pragma GCC diagnostic pop
 
-#include "mesh/MeshFile.h"
+#include "mesh/io/MeshFile.h"
 #include "peers/Comparison.h"
 #include "support/Surface.h"
 

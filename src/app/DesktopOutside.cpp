@@ -9,7 +9,7 @@
 #include "doc/dialogs/ParameterDialog.h"
 #include "doc/dialogs/QtText.h"
 #include "doc/dialogs/WindowRoom.h"
-#include "mesh/MeshWriter.h"
+#include "mesh/io/MeshWriter.h"
 #include "numeric/PrintableText.h"
 #include "view/LineSvg.h"
 

@@ -3,7 +3,7 @@
 #include <charconv>
 
 #include "batch/Session.h"
-#include "mesh/MeshFile.h"
+#include "mesh/io/MeshFile.h"
 #include "view/HistogramDrawing.h"
 
 namespace gravlin {

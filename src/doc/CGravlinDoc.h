@@ -26,7 +26,7 @@
 #include "features/RidgeLineSmoother.h"
 #include "features/SilhouetteLines.h"
 #include "mesh/FacePicking.h"
-#include "mesh/MeshFile.h"
+#include "mesh/io/MeshFile.h"
 #include "mesh/TriangleMesh.h"
 #include "remesh/Decimator.h"
 #include "remesh/MeshSubdivider.h"

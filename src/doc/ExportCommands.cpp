@@ -4,7 +4,7 @@
 
 #include "doc/CGravlinDoc.h"
 #include "features/LineExport.h"
-#include "mesh/MeshFile.h"
+#include "mesh/io/MeshFile.h"
 #include "mesh/MeshMeasures.h"
 #include "mesh/SafeFile.h"
 

@@ -4,8 +4,8 @@
 #include <system_error>
 
 #include "doc/CGravlinDoc.h"
+#include "mesh/io/MeshWriter.h"
 #include "mesh/MeshMeasures.h"
-#include "mesh/MeshWriter.h"
 #include "mesh/PositionLoss.h"
 
 namespace gravlin {

@@ -19,7 +19,7 @@
 #include "endurance/Journal.h"
 #include "endurance/Options.h"
 #include "endurance/RandomSource.h"
-#include "mesh/MeshFile.h"
+#include "mesh/io/MeshFile.h"
 #include "mesh/MeshMeasures.h"
 #include "numeric/TextSink.h"
 #include "support/Allocations.h"

@@ -9,7 +9,7 @@
 #include <sstream>
 #include <string>
 
-#include "mesh/Scanner.h"
+#include "mesh/io/Scanner.h"
 
 namespace gravlin::test {
 

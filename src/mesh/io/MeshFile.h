@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "mesh/io/ReadReport.h"
 #include "mesh/TriangleMesh.h"
 
 namespace gravlin {
@@ -29,13 +30,6 @@ std::string extensionOf(const std::string& path);
 
 /// What follows the last slash.
 std::string fileNameOf(const std::string& path);
-
-/// How much of what a file was to hold has been read.
-enum class ReadExtent {
-  Whole,
-  Partial,  ///< it ended early, or a number on the way could not be read
-  Nothing   ///< not even its first number, or nothing reads its extension
-};
 
 /// A file opened from disk.
 struct OpenResult {

@@ -1,10 +1,8 @@
-#include "mesh/MeshReader.h"
+#include "mesh/io/RecordReader.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstdint>
-#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -12,30 +10,17 @@
 #include <utility>
 #include <vector>
 
-#include "mesh/FaceRecords.h"
-#include "mesh/MeshMeasures.h"
-#include "mesh/PositionLoss.h"
-#include "mesh/Scanner.h"
-#include "mesh/StreamText.h"
+#include "mesh/io/CountedNoun.h"
+#include "mesh/io/FaceRecords.h"
+#include "mesh/io/Scanner.h"
 #include "numeric/AvailableMemory.h"
 #include "numeric/Index.h"
 
 namespace gravlin {
 namespace {
 
-/// What a file is made of, as messages call it.
-struct Noun {
-  const char* one;
-  const char* many;
-};
-constexpr Noun vertexNoun = {"vertex", "vertices"};
-constexpr Noun faceNoun = {"face", "faces"};
 constexpr Noun ridgeMarkNoun = {"ridge mark", "ridge marks"};
 constexpr Noun valleyMarkNoun = {"valley mark", "valley marks"};
-
-std::string counted(int count, const Noun& noun) {
-  return std::to_string(count) + " " + (count == 1 ? noun.one : noun.many);
-}
 
 /// A count of things as it stands in a file.
 struct WrittenCount {
@@ -301,84 +286,35 @@ void RecordReader::noteFailureIn(const std::string& record) {
                                      : record + " could not be read");
 }
 
-// --- Dispatch ---
-
-using Reader = void (RecordReader::*)();
-
-/// The reader of an extension. Null for "obj", which is known but not read, and for unknown ones.
-Reader readerOf(std::string_view extension) {
-  if (extension == "data") return &RecordReader::readData;
-  if (extension == "ply") return &RecordReader::readPly;
-  if (extension == "ply2") return &RecordReader::readPly2;
-  if (extension == "plyR") return &RecordReader::readPlyR;
-  return nullptr;
-}
-
 std::string joined(const std::vector<std::string>& pieces) {
   std::string text;
   for (const std::string& piece : pieces) text += (text.empty() ? "" : "; ") + piece;
   return text;
 }
 
-/// "x and z", empty for no axis.
-std::string axisNames(const std::array<bool, 3>& wanted) {
-  std::string names;
-  for (std::size_t axis = 0; axis < 3; ++axis) {
-    if (!wanted[axis]) continue;
-    if (!names.empty()) names += " and ";
-    names += static_cast<char>('x' + static_cast<char>(axis));
-  }
-  return names;
-}
-
-/// Reads positions, faces and marks.
-ReadReport readRecords(const MeshFile& file, TriangleMesh& mesh) {
-  const Reader reader = readerOf(file.extension);
-  if (reader == nullptr) {
-    return {"the extension \"" + file.extension + "\" has no reader, so the mesh is empty",
-            ReadExtent::Nothing, 0.0};
-  }
-  const StreamText text = readToEnd(file.stream);
-  if (text.errorNumber != 0) throw std::system_error(text.errorNumber, std::generic_category());
-  RecordReader records(text.view(), mesh);
-  (records.*reader)();
+template <void (RecordReader::*readFormat)()>
+ReadReport readRecords(std::string_view text, TriangleMesh& mesh) {
+  RecordReader records(text, mesh);
+  (records.*readFormat)();
   return {joined(records.oddities), records.extent(), 0.0};
 }
 
 }  // namespace
 
-bool hasReader(std::string_view extension) {
-  return readerOf(extension) != nullptr;
+ReadReport readData(std::string_view text, TriangleMesh& mesh) {
+  return readRecords<&RecordReader::readData>(text, mesh);
 }
 
-ReadReport readMesh(const MeshFile& file, TriangleMesh& mesh) {
-  ReadReport report = readRecords(file, mesh);
-  const auto add = [&report](const std::string& oddity) {
-    report.oddities += (report.oddities.empty() ? "" : "; ") + oddity;
-  };
-  const int nonFinite = countNonFiniteVertices(mesh);
-  if (nonFinite > 0) {
-    add(counted(nonFinite, vertexNoun) + " with a coordinate that is no finite number");
-  }
-  const std::array<bool, 3> withoutBox = axesWithoutBox(mesh);
-  report.positionLoss = normalizeMeasuringLoss(mesh);
-  if (report.oddities.empty() && !hasFiniteShape(mesh)) {
-    add("the mesh cannot be scaled to the view, since all of it is at one place or its size is no "
-        "finite number");
-  }
-  if (hasFiniteShape(mesh)) {
-    if (const std::string axes = axisNames(withoutBox); !axes.empty()) {
-      add("its box could not be measured along " + axes +
-          ", so saving may move vertices by up to " + lossText(report.positionLoss) +
-          " and the view does not fit (coordinates there only rise from vertex to vertex, or lie "
-          "beyond 1000000)");
-    }
-  }
-  mesh.buildAdjacency();
-  mesh.buildFaceAdjacency();
-  const int invalid = mesh.faceCount - mesh.countValidFaces();
-  if (invalid > 0) add(counted(invalid, faceNoun) + " with unusable corners left out");
-  return report;
+ReadReport readPly(std::string_view text, TriangleMesh& mesh) {
+  return readRecords<&RecordReader::readPly>(text, mesh);
+}
+
+ReadReport readPly2(std::string_view text, TriangleMesh& mesh) {
+  return readRecords<&RecordReader::readPly2>(text, mesh);
+}
+
+ReadReport readPlyR(std::string_view text, TriangleMesh& mesh) {
+  return readRecords<&RecordReader::readPlyR>(text, mesh);
 }
 
 }  // namespace gravlin

@@ -1,9 +1,9 @@
-#include "mesh/FaceRecords.h"
+#include "mesh/io/FaceRecords.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "mesh/Scanner.h"
+#include "mesh/io/Scanner.h"
 
 namespace gravlin {
 namespace {

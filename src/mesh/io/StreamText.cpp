@@ -1,4 +1,4 @@
-#include "mesh/StreamText.h"
+#include "mesh/io/StreamText.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "mesh/MeshFile.h"
+#include "mesh/io/MeshFile.h"
 
 namespace gravlin {
 

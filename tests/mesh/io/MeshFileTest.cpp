@@ -5,10 +5,10 @@
 #include <gtest/gtest.h>
 #include <limits>
 
-#include "mesh/MeshFile.h"
+#include "mesh/io/MeshFile.h"
+#include "mesh/io/MeshReader.h"
+#include "mesh/io/MeshWriter.h"
 #include "mesh/MeshMeasures.h"
-#include "mesh/MeshReader.h"
-#include "mesh/MeshWriter.h"
 #include "support/Meshes.h"
 #include "support/TemporaryFolder.h"
 

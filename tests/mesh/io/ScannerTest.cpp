@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "mesh/Scanner.h"
+#include "mesh/io/Scanner.h"
 #include "support/LibraryScan.h"
 
 namespace gravlin {

@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <thread>
 
-#include "mesh/MeshFile.h"
-#include "mesh/StreamText.h"
+#include "mesh/io/MeshFile.h"
+#include "mesh/io/StreamText.h"
 #include "support/TemporaryFolder.h"
 
 namespace gravlin {

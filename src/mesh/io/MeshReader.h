@@ -1,21 +1,11 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
-#include "mesh/MeshFile.h"
+#include "mesh/io/MeshFile.h"
+#include "mesh/io/ReadReport.h"
 
 namespace gravlin {
-
-/// No array of a mesh that is read may have more entries.
-inline constexpr int maxArrayEntries = 500'000'000;
-
-/// How a file was read.
-struct ReadReport {
-  std::string oddities;  ///< "the file ended in face 3 of 8"; empty when nothing was odd
-  ReadExtent extent = ReadExtent::Whole;
-  double positionLoss = 0.0;  ///< as normalizeMeasuringLoss returns it
-};
 
 /// Whether meshes of this extension can be read.
 bool hasReader(std::string_view extension);

@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "mesh/NumberText.h"
+#include "mesh/io/NumberText.h"
 
 namespace gravlin {
 namespace {

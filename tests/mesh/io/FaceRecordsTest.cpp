@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "mesh/FaceRecords.h"
-#include "mesh/Scanner.h"
+#include "mesh/io/FaceRecords.h"
+#include "mesh/io/Scanner.h"
 
 namespace gravlin {
 namespace {

@@ -1,4 +1,4 @@
-#include "mesh/Scanner.h"
+#include "mesh/io/Scanner.h"
 
 #include <array>
 #include <bit>

@@ -1,11 +1,10 @@
-#include "mesh/MeshWriter.h"
+#include "mesh/io/RecordWriter.h"
 
 #include <array>
 #include <cstddef>
 #include <vector>
 
-#include "mesh/MeshMeasures.h"
-#include "mesh/NumberText.h"
+#include "mesh/io/NumberText.h"
 #include "numeric/Index.h"
 
 namespace gravlin {
@@ -81,23 +80,16 @@ void writeMarks(NumberWriter& writer, const TriangleMesh& mesh,
 
 }  // namespace
 
-bool hasWriter(std::string_view extension) {
-  return extension == "ply2" || extension == "plyR";
+void writePly2(std::FILE* stream, const TriangleMesh& mesh) {
+  NumberWriter writer(stream);
+  writeGeometry(writer, mesh, mesh.usedVertexIndices());
 }
 
-std::string writeMesh(const MeshFile& file, const TriangleMesh& mesh) {
-  if (!hasWriter(file.extension)) {
-    return "the extension \"" + file.extension + "\" has no writer, so the file is empty";
-  }
+void writePlyR(std::FILE* stream, const TriangleMesh& mesh) {
   const std::vector<int> newIndices = mesh.usedVertexIndices();
-  NumberWriter writer(file.stream);
+  NumberWriter writer(stream);
   writeGeometry(writer, mesh, newIndices);
-  if (file.extension == "plyR") writeMarks(writer, mesh, newIndices);
-  if (mesh.vertexCount > 0 && mesh.countUsedVertices() == 0) {
-    return "no face uses any of the vertices, and such are left out, so the file holds none";
-  }
-  if (countNonFiniteVertices(mesh) > 0) return "some positions are not finite numbers";
-  return {};
+  writeMarks(writer, mesh, newIndices);
 }
 
 }  // namespace gravlin

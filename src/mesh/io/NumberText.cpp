@@ -1,4 +1,4 @@
-#include "mesh/NumberText.h"
+#include "mesh/io/NumberText.h"
 
 #include <bit>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "mesh/MeshFile.h"
+#include "mesh/io/MeshFile.h"
 
 #include <array>
 #include <cerrno>
@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "mesh/MeshReader.h"
-#include "mesh/MeshWriter.h"
+#include "mesh/io/MeshReader.h"
+#include "mesh/io/MeshWriter.h"
 #include "mesh/PositionLoss.h"
 #include "mesh/SafeFile.h"
 
@@ -130,7 +130,7 @@ OpenResult openMeshFile(const std::string& path) {
   result.error = sentence("Cannot open ", path, reason);
   if (!result.error.empty()) return result;
   result.mesh = std::move(mesh);
-  const bool unreadable = report.extent == ReadExtent::Nothing && hasReader(extensionOf(path));
+  const bool unreadable = report.extent == ReadExtent::Nothing && report.hasReader;
   result.notice =
       sentence(unreadable ? "Nothing was read from " : "Opened ", path, report.oddities);
   result.extent = report.extent;
