@@ -3,8 +3,13 @@
 #include <algorithm>
 #include <array>
 
+#include "mesh/io/ObjReader.h"
+#include "mesh/io/OffReader.h"
+#include "mesh/io/PlyHeader.h"
+#include "mesh/io/PlyReader.h"
 #include "mesh/io/RecordReader.h"
 #include "mesh/io/RecordWriter.h"
+#include "mesh/io/StlReader.h"
 
 namespace gravlin {
 namespace {
@@ -18,6 +23,21 @@ constexpr std::array<FileFormat, 5> own = {{
     {"plyR", "positions, faces, ridge and valley marks", readPlyR, writePlyR},
 }};
 
+constexpr std::array<StandardFormat, 4> standard = {{
+    {"ply", "Stanford PLY", "positions, faces, numbers of vertices", looksLikePly, importPly},
+    {"off", "OFF", "positions, faces", looksLikeOff, importOff},
+    {"stl", "STL", "corners of triangles in single precision", looksLikeStl, importStl},
+    {"obj", "Wavefront OBJ", "positions, faces", looksLikeObj, importObj},
+}};
+
+bool equalIgnoringCase(std::string_view a, std::string_view b) {
+  const auto small = [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+  };
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [small](char c, char d) { return small(c) == small(d); });
+}
+
 }  // namespace
 
 std::span<const FileFormat> ownFormats() {
@@ -29,6 +49,20 @@ const FileFormat* ownFormat(std::string_view extension) {
     return format.extension == extension;
   });
   return row == own.end() ? nullptr : row;
+}
+
+std::span<const StandardFormat> standardFormats() {
+  return standard;
+}
+
+const StandardFormat* standardFormat(std::string_view text, std::string_view extension) {
+  for (const StandardFormat& format : standard) {
+    if (format.looksRight(text)) return &format;
+  }
+  for (const StandardFormat& format : standard) {
+    if (equalIgnoringCase(format.extension, extension)) return &format;
+  }
+  return nullptr;
 }
 
 }  // namespace gravlin

@@ -4,6 +4,7 @@
 #include <span>
 #include <string_view>
 
+#include "mesh/io/ImportedMesh.h"
 #include "mesh/io/ReadReport.h"
 #include "mesh/TriangleMesh.h"
 
@@ -23,5 +24,21 @@ std::span<const FileFormat> ownFormats();
 
 /// The row of an extension; null when there is none.
 const FileFormat* ownFormat(std::string_view extension);
+
+/// A kind of file that other programs share. Its content tells it, not its name.
+struct StandardFormat {
+  std::string_view extension;  ///< the usual one, without the dot, in small letters
+  std::string_view name;       ///< "Stanford PLY"
+  std::string_view holds;      ///< what it can hold
+  bool (*looksRight)(std::string_view text) = nullptr;
+  ImportedMesh (*import)(std::string_view text) = nullptr;
+};
+
+/// In the order in which a content is compared.
+std::span<const StandardFormat> standardFormats();
+
+/// The row that a text, followed by a NUL, looks like. Where none fits, that of the extension, in
+/// whatever letters, so that it can tell what is wrong; null when there is none either.
+const StandardFormat* standardFormat(std::string_view text, std::string_view extension);
 
 }  // namespace gravlin
