@@ -4,12 +4,16 @@
 #include <array>
 
 #include "mesh/io/ObjReader.h"
+#include "mesh/io/ObjWriter.h"
 #include "mesh/io/OffReader.h"
+#include "mesh/io/OffWriter.h"
 #include "mesh/io/PlyHeader.h"
 #include "mesh/io/PlyReader.h"
+#include "mesh/io/PlyWriter.h"
 #include "mesh/io/RecordReader.h"
 #include "mesh/io/RecordWriter.h"
 #include "mesh/io/StlReader.h"
+#include "mesh/io/StlWriter.h"
 
 namespace gravlin {
 namespace {
@@ -24,10 +28,34 @@ constexpr std::array<FileFormat, 5> own = {{
 }};
 
 constexpr std::array<StandardFormat, 4> standard = {{
-    {"ply", "Stanford PLY", "positions, faces, numbers of vertices", looksLikePly, importPly},
-    {"off", "OFF", "positions, faces", looksLikeOff, importOff},
-    {"stl", "STL", "corners of triangles in single precision", looksLikeStl, importStl},
-    {"obj", "Wavefront OBJ", "positions, faces", looksLikeObj, importObj},
+    {.extension = "ply",
+     .name = "Stanford PLY",
+     .holds = "positions, faces, numbers of vertices",
+     .looksRight = looksLikePly,
+     .import = importPly,
+     .write = writePlyBinary,
+     .writeAscii = writePlyAscii,
+     .hasFields = true},
+    {.extension = "off",
+     .name = "OFF",
+     .holds = "positions, faces",
+     .looksRight = looksLikeOff,
+     .import = importOff,
+     .write = writeOff},
+    {.extension = "stl",
+     .name = "STL",
+     .holds = "corners of faces; in binary files in single precision",
+     .looksRight = looksLikeStl,
+     .import = importStl,
+     .write = writeStlBinary,
+     .writeAscii = writeStlAscii,
+     .hasIndices = false},
+    {.extension = "obj",
+     .name = "Wavefront OBJ",
+     .holds = "positions, faces",
+     .looksRight = looksLikeObj,
+     .import = importObj,
+     .write = writeObj},
 }};
 
 bool equalIgnoringCase(std::string_view a, std::string_view b) {
@@ -59,6 +87,10 @@ const StandardFormat* standardFormat(std::string_view text, std::string_view ext
   for (const StandardFormat& format : standard) {
     if (format.looksRight(text)) return &format;
   }
+  return standardFormatNamed(extension);
+}
+
+const StandardFormat* standardFormatNamed(std::string_view extension) {
   for (const StandardFormat& format : standard) {
     if (equalIgnoringCase(format.extension, extension)) return &format;
   }

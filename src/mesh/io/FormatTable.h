@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "mesh/io/ImportedMesh.h"
+#include "mesh/io/MeshToWrite.h"
 #include "mesh/io/ReadReport.h"
 #include "mesh/TriangleMesh.h"
 
@@ -32,6 +33,10 @@ struct StandardFormat {
   std::string_view holds;      ///< what it can hold
   bool (*looksRight)(std::string_view text) = nullptr;
   ImportedMesh (*import)(std::string_view text) = nullptr;
+  void (*write)(std::FILE* stream, const MeshToWrite& mesh) = nullptr;
+  void (*writeAscii)(std::FILE* stream, const MeshToWrite& mesh) = nullptr;  ///< null: `write` does
+  bool hasFields = false;  ///< it can hold numbers of vertices
+  bool hasIndices = true;  ///< it numbers vertices, so that all of them are in it and in order
 };
 
 /// In the order in which a content is compared.
@@ -40,5 +45,8 @@ std::span<const StandardFormat> standardFormats();
 /// The row that a text, followed by a NUL, looks like. Where none fits, that of the extension, in
 /// whatever letters, so that it can tell what is wrong; null when there is none either.
 const StandardFormat* standardFormat(std::string_view text, std::string_view extension);
+
+/// The row of an extension, in whatever letters; null when there is none.
+const StandardFormat* standardFormatNamed(std::string_view extension);
 
 }  // namespace gravlin

@@ -133,7 +133,7 @@ class AsciiStl {
       inSolid = false;
       skipLine();
     } else if (!((is("outer") || is("loop") || is("endloop")) && inFacet)) {
-      fail(word, quotedWord(word) + " does not belong here");
+      fail(word.data(), quotedWord(word) + " does not belong here");
     }
   }
 
@@ -142,7 +142,7 @@ class AsciiStl {
     for (double& coordinate : p) {
       if (!goToWord()) throw errorInLine(text, text.size(), "the file ends in a vertex");
       const char* const behind = readDouble(current, end, coordinate);
-      if (behind == nullptr) fail({current, 0}, "a vertex needs three numbers");
+      if (behind == nullptr) fail(current, "a vertex needs three numbers");
       current = behind;
     }
     corners.push_back(index.indexOf(p[0], p[1], p[2]));
@@ -163,8 +163,8 @@ class AsciiStl {
     while (current != end && *current != '\n') ++current;
   }
 
-  [[noreturn]] void fail(std::string_view word, const std::string& reason) const {
-    throw errorInLine(text, static_cast<std::size_t>(word.data() - text.data()), reason);
+  [[noreturn]] void fail(const char* place, const std::string& reason) const {
+    throw errorInLine(text, static_cast<std::size_t>(place - text.data()), reason);
   }
 
   std::string_view text;

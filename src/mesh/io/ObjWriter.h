@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdio>
+
+#include "mesh/io/MeshToWrite.h"
+
+namespace gravlin {
+
+/// A Wavefront OBJ file with the mesh's comments, vertices and faces, and as few digits as give
+/// every position back. Fields are not written. Whether everything arrived is for the owner of the
+/// stream to see.
+void writeObj(std::FILE* stream, const MeshToWrite& mesh);
+
+}  // namespace gravlin
