@@ -133,9 +133,9 @@ void BM_Redraw(benchmark::State& state, int displayMode) {
   Renderer renderer;
   renderer.initialise();
   const Camera& camera = offscreen.view.camera;
-  const BareScene bare(gatherScene(offscreen.document), camera.fieldOfView);
+  const BareScene bare(gatherScene(offscreen.document.shown()), camera.fieldOfView);
   const auto drawScene = [&] {
-    renderer.draw(offscreen.document, offscreen.view, offscreen.target);
+    renderer.draw(offscreen.document.shown(), offscreen.view, offscreen.target);
   };
   const auto drawBare = [&] {
     clearAndAim(camera, offscreen.target.size);
@@ -169,7 +169,9 @@ void BM_Zoom(benchmark::State& state, int displayMode) {
   offscreen.draw();
   Renderer renderer;
   renderer.initialise();
-  const auto draw = [&] { renderer.draw(offscreen.document, offscreen.view, offscreen.target); };
+  const auto draw = [&] {
+    renderer.draw(offscreen.document.shown(), offscreen.view, offscreen.target);
+  };
   timeToFinish(draw);
   std::vector<double> zoomed;
   std::vector<double> unchanged;

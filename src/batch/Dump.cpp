@@ -4,6 +4,7 @@
 
 #include "batch/JsonWriter.h"
 #include "batch/Session.h"
+#include "doc/ModeTable.h"
 #include "mesh/SafeFile.h"
 
 namespace gravlin {
@@ -134,6 +135,8 @@ constexpr MeshField meshFields[] = {
 struct SubjectField {
   std::string_view name;
   void (*write)(JsonWriter& json, const DumpSubject& subject);
+  /// Whether it is there also when no field is named; null: always.
+  bool (*unasked)(const DumpSubject& subject) = nullptr;
 };
 
 void writeView(JsonWriter& json, const DumpSubject& subject) {
@@ -186,6 +189,38 @@ void writeHistogram(JsonWriter& json, const DumpSubject& subject) {
   json.endObject();
 }
 
+std::string_view nameOf(Site site) {
+  switch (site) {
+    case Site::None:
+      break;
+    case Site::Vertices:
+      return "vertices";
+    case Site::Edges:
+      return "edges";
+    case Site::Faces:
+      return "faces";
+  }
+  return {};
+}
+
+void writeShownField(JsonWriter& json, const DumpSubject& subject) {
+  const Shown shown = subject.document.shown();
+  const Mode* mode = findMode(shown.displayMode);
+  if (mode == nullptr || mode->site == Site::None || shown.mesh == nullptr) return json.null();
+  json.beginObject();
+  json.key("name");
+  json.value(mode->field);
+  json.key("site");
+  json.value(nameOf(mode->site));
+  json.key("values");
+  json.array(shown.fieldValues);
+  json.endObject();
+}
+
+bool showsOwnMode(const DumpSubject& subject) {
+  return subject.document.displayMode >= firstOwnMode;
+}
+
 constexpr SubjectField subjectFields[] = {
     {"displayMode",
      [](JsonWriter& json, const DumpSubject& s) { json.value(s.document.displayMode); }},
@@ -193,6 +228,7 @@ constexpr SubjectField subjectFields[] = {
      [](JsonWriter& json, const DumpSubject& s) { json.value(s.document.undoMesh != nullptr); }},
     {"histogram", writeHistogram},
     {"view", writeView},
+    {"shownField", writeShownField, showsOwnMode},
 };
 
 std::vector<std::string> namesIn(std::string_view list) {
@@ -293,6 +329,7 @@ void dump(const DumpSubject& subject, const std::vector<std::string>& fields, st
   }
   for (const SubjectField& field : subjectFields) {
     if (!wanted(field.name)) continue;
+    if (fields.empty() && field.unasked != nullptr && !field.unasked(subject)) continue;
     json.key(field.name);
     field.write(json, subject);
   }

@@ -25,8 +25,9 @@ struct DumpSubject {
   Histogram& histogram;  ///< is given the width of the histogram window
 };
 
-/// Writes one JSON object with the named fields, or with all of them when none is named. Positions
-/// are the normalised ones; what has not been built is null. A name that is unknown is left out.
+/// Writes one JSON object with the named fields, or with all of them when none is named; the field
+/// that is shown then only in a mode with a number from `firstOwnMode` on. Positions are the
+/// normalised ones; what has not been built is null. A name that is unknown is left out.
 void dump(const DumpSubject& subject, const std::vector<std::string>& fields, std::FILE* stream);
 
 }  // namespace gravlin

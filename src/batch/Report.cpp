@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <locale>
+#include <span>
 #include <sstream>
 
 #include "batch/Session.h"
+#include "doc/ModeTable.h"
 #include "features/LineChains.h"
 #include "mesh/FaceGeometry.h"
 #include "mesh/MeshMeasures.h"
@@ -24,7 +27,7 @@ class Summary {
   template <class... Parts>
   void row(std::string_view name, const Parts&... parts) {
     constexpr std::size_t column = 22;
-    text << name << std::string(column - name.size(), ' ');
+    text << name << std::string(name.size() < column ? column - name.size() : 1, ' ');
     (add(parts), ...);
     text << '\n';
   }
@@ -96,63 +99,54 @@ void addBox(Summary& summary, const TriangleMesh& mesh) {
 /// How a field becomes a row.
 struct FieldRow {
   std::string_view name;
-  std::size_t count;
   double scale;         ///< from units of memory to units of the file
   bool ofEarlierShape;  ///< the field is older than the mesh's present shape
 };
 
 /// One row about a field of values; none without values.
-template <class ValueAt>
-void addStatistics(Summary& summary, const FieldRow& row, const ValueAt& valueAt) {
-  const auto [name, count, scale, ofEarlierShape] = row;
-  if (count == 0) return;
+void addStatistics(Summary& summary, const FieldRow& row, std::span<const double> values) {
+  const auto [name, scale, ofEarlierShape] = row;
+  if (values.empty()) return;
   double least = std::numeric_limits<double>::infinity();
   double largest = -least;
   double sum = 0.0;
-  for (std::size_t i = 0; i < count; ++i) {
-    const double value = scale * valueAt(i);
+  for (const double stored : values) {
+    const double value = scale * stored;
     least = std::min(least, value);
     largest = std::max(largest, value);
     sum += value;
   }
-  const double mean = sum / static_cast<double>(count);
+  const auto count = static_cast<double>(values.size());
+  const double mean = sum / count;
   double squares = 0.0;
-  for (std::size_t i = 0; i < count; ++i) {
-    const double deviation = scale * valueAt(i) - mean;
+  for (const double stored : values) {
+    const double deviation = scale * stored - mean;
     squares += deviation * deviation;
   }
   summary.row(name, "from ", least, " to ", largest, ", mean ", mean, ", deviation ",
-              std::sqrt(squares / static_cast<double>(count)),
-              ofEarlierShape ? " (of an earlier shape)" : "");
+              std::sqrt(squares / count), ofEarlierShape ? " (of an earlier shape)" : "");
 }
 
-void addCurvatures(Summary& summary, const TriangleMesh& mesh) {
-  const std::vector<double>& kMax = mesh.maxCurvature;
-  const std::vector<double>& kMin = mesh.minCurvature;
-  const FieldOrigin& origin = mesh.curvatureOrigin;
-  const double perLength = 1.0 / origin.unit;
-  const bool isEarlier = origin.shape != mesh.shape;
-  const auto row = [&](std::string_view name, double scale) {
-    return FieldRow{name, kMin.size(), scale, isEarlier};
-  };
-  addStatistics(summary, row("maximum curvature", perLength),
-                [&](std::size_t i) { return kMax[i]; });
-  addStatistics(summary, row("minimum curvature", perLength),
-                [&](std::size_t i) { return kMin[i]; });
-  addStatistics(summary, row("mean curvature", perLength),
-                [&](std::size_t i) { return (kMax[i] + kMin[i]) * 0.5; });
-  addStatistics(summary, row("Gaussian curvature", perLength * perLength),
-                [&](std::size_t i) { return kMax[i] * kMin[i]; });
-  addStatistics(summary, row("total curvature", perLength),
-                [&](std::size_t i) { return std::abs(kMax[i]) + std::abs(kMin[i]); });
+/// What a value of the field is multiplied with to be in units of the file.
+double fileScale(const Mode& mode, const FieldOrigin& origin) {
+  const double unit = mode.lengthPower < 0 ? 1.0 / origin.unit : origin.unit;
+  double scale = 1.0;
+  for (int k = 0; k < std::abs(mode.lengthPower); ++k) scale *= unit;
+  return scale;
 }
 
-void addEdgeCurvature(Summary& summary, const TriangleMesh& mesh) {
-  const FieldOrigin& origin = mesh.edgeCurvatureOrigin;
-  addStatistics(
-      summary,
-      {"edge curvature", mesh.edgeCurvatures.size(), 1.0 / origin.unit, origin.shape != mesh.shape},
-      [&](std::size_t i) { return mesh.edgeCurvatures[i]; });
+/// The fields that the mesh keeps, whatever is shown, and that of an own mode while it is shown.
+void addFields(Summary& summary, const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
+  for (const Mode& mode : modeTable()) {
+    const bool isOwn = mode.number >= firstOwnMode;
+    if (isOwn ? mode.number != shown.displayMode : mode.origin == nullptr) continue;
+    if (mode.site == Site::None) continue;
+    const std::vector<double> kept = isOwn ? std::vector<double>() : mode.values({mesh});
+    const FieldOrigin origin = fieldOrigin(mode, mesh);
+    addStatistics(summary, {mode.field, fileScale(mode, origin), origin.shape != mesh.shape},
+                  isOwn ? shown.fieldValues : std::span<const double>(kept));
+  }
 }
 
 void addLines(Summary& summary, const TriangleMesh& mesh, std::string_view name,
@@ -166,14 +160,14 @@ void addLines(Summary& summary, const TriangleMesh& mesh, std::string_view name,
 
 }  // namespace
 
-std::string summarize(const TriangleMesh& mesh, LineOrigin origin) {
+std::string summarize(const Shown& shown, LineOrigin origin) {
+  const TriangleMesh& mesh = *shown.mesh;
   Summary summary;
   const MeshTopology topology = measureTopology(mesh);
   addCounts(summary, mesh, topology);
   addMeasures(summary, mesh, topology);
   addBox(summary, mesh);
-  addCurvatures(summary, mesh);
-  addEdgeCurvature(summary, mesh);
+  addFields(summary, shown);
   const bool creases = origin == LineOrigin::Creases;
   addLines(summary, mesh, creases ? "convex creases" : "ridge lines", mesh.ridgeLinks);
   addLines(summary, mesh, creases ? "concave creases" : "valley lines", mesh.valleyLinks);
@@ -186,9 +180,9 @@ Step reportStep() {
           .summary = "print a readable summary of the mesh",
           .run = [](Session& session, const StepCall&) {
             const CGravlinDoc& document = session.document;
-            const TriangleMesh* mesh = document.currentMesh.get();
+            const Shown shown = document.shown();
             const std::string text =
-                mesh == nullptr ? "no mesh\n" : summarize(*mesh, document.lineOrigin());
+                shown.mesh == nullptr ? "no mesh\n" : summarize(shown, document.lineOrigin());
             std::fputs(text.c_str(), session.streams.output);
           }};
 }

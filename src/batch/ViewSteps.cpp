@@ -70,7 +70,8 @@ void runRender(Session& session, const StepCall& call) {
   try {
     if (!session.picture) session.picture = std::make_unique<Picture>();
     const DrawTarget target = {.size = sizeOf(render.size), .overlay = render.overlay};
-    writePng(session.picture->draw(session.document, session.view, target), call.operands[0]);
+    writePng(session.picture->draw(session.document.shown(), session.view, target),
+             call.operands[0]);
   } catch (const std::runtime_error& error) {
     throw StepFailure(error.what());
   }

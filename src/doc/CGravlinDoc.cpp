@@ -15,48 +15,12 @@
 namespace gravlin {
 namespace {
 
-/// One kind of derived data that a redraw brings up to date when the geometry has changed.
-struct Recomputation {
-  std::vector<int> modes;  ///< the display modes that show it; empty: every mode
-  void (*recompute)(CGravlinDoc& doc);
-};
-
 /// The ideal mesh that errors are measured to is the undo copy; without one they are 0.
-void computeVertexErrors(CGravlinDoc& doc) {
-  const TriangleMesh& mesh = *doc.currentMesh;
-  doc.vertexErrors = doc.undoMesh
-                         ? vertexErrors(mesh, *doc.undoMesh)
-                         : std::vector<double>(static_cast<std::size_t>(mesh.vertexCount), 0.0);
-}
-
-void computeFaceErrors(CGravlinDoc& doc) {
-  const TriangleMesh& mesh = *doc.currentMesh;
-  doc.faceErrors = doc.undoMesh
-                       ? faceErrors(mesh, *doc.undoMesh)
-                       : std::vector<double>(static_cast<std::size_t>(mesh.faceCount), 0.0);
-}
-
-/// Lines of curvature, and creases of a shape that is no longer there, stay as they were found.
-void findCreasesAgain(CGravlinDoc& doc) {
-  if (doc.linesFrom == CGravlinDoc::LinesFrom::FaceAngle) doc.detectCreases();
-}
-
-/// In the order in which they run: a row may use the data of the rows above it.
-const std::vector<Recomputation>& recomputations() {
-  static const std::vector<Recomputation> table = {
-      {{}, [](CGravlinDoc& doc) { doc.currentMesh->computeNormals(); }},
-      {{DirectionMax, DirectionMin, TensorMax, TensorMin, CurvatureMax, CurvatureMin, CurvatureMean,
-        CurvatureGauss, CurvatureTotal},
-       [](CGravlinDoc& doc) { computeCurvatureTensor(*doc.currentMesh); }},
-      {{FeatureLines}, findCreasesAgain},
-      {{EdgeCurvature}, [](CGravlinDoc& doc) { computeEdgeCurvatures(*doc.currentMesh); }},
-      {{VertexError}, computeVertexErrors},
-      {{FaceError}, computeFaceErrors},
-      {{CurvatureMax, CurvatureMin, CurvatureMean, CurvatureGauss, CurvatureTotal, EdgeCurvature,
-        VertexError, FaceError},
-       [](CGravlinDoc& doc) { doc.fillHistogram(); }},
-  };
-  return table;
+template <class Measure>
+std::vector<double> errorsTo(const TriangleMesh* ideal, const TriangleMesh& mesh, Site site,
+                             const Measure& measure) {
+  if (ideal != nullptr) return measure(mesh, *ideal);
+  return std::vector<double>(valueCount(site, mesh), 0.0);
 }
 
 constexpr const char* noMemoryForUndoCopy =
@@ -142,7 +106,7 @@ void CGravlinDoc::haveLines(LinesFrom origin) {
 void CGravlinDoc::dropLines() noexcept {
   linesAreLost = linesAreLost || linesFrom != LinesFrom::Nothing;
   linesFrom = LinesFrom::Nothing;
-  decimator.creaseLinks.clear();
+  creaseLinks.clear();
   silhouetteLines = {};
 }
 
@@ -234,16 +198,65 @@ void CGravlinDoc::tellOfNonFinitePositions() {
 }
 
 void CGravlinDoc::recompute() {
-  for (const Recomputation& row : recomputations()) {
-    const bool shown = row.modes.empty() || std::find(row.modes.begin(), row.modes.end(),
-                                                      displayMode) != row.modes.end();
-    if (shown) row.recompute(*this);
+  TriangleMesh& mesh = *currentMesh;
+  mesh.computeNormals();
+  const Mode* mode = findMode(displayMode);
+  switch (mode == nullptr ? Needs::Nothing : mode->needs) {
+    case Needs::Nothing:
+      return;
+    case Needs::Curvature:
+      return computeCurvatureTensor(mesh);
+    case Needs::EdgeCurvature:
+      return computeEdgeCurvatures(mesh);
+    case Needs::Creases:
+      // Lines of curvature, and creases of a shape that is gone, stay as they were found.
+      if (linesFrom == LinesFrom::FaceAngle) detectCreases();
+      return;
+    case Needs::VertexErrors:
+      vertexErrors = errorsTo(undoMesh.get(), mesh, Site::Vertices, gravlin::vertexErrors);
+      return;
+    case Needs::FaceErrors:
+      faceErrors = errorsTo(undoMesh.get(), mesh, Site::Faces, gravlin::faceErrors);
+      return;
   }
+}
+
+void CGravlinDoc::formField() {
+  formedField = {};
+  const Mode* mode = findMode(displayMode);
+  if (!currentMesh || mode == nullptr || mode->values == nullptr) return;
+  formedField.mode = displayMode;
+  try {
+    formedField.values = mode->values({*currentMesh, vertexErrors, faceErrors});
+  } catch (const std::bad_alloc&) {
+    formedField.outOfMemory = true;  // the picture is worth less than the command
+  }
+}
+
+Shown CGravlinDoc::shown() const {
+  Shown shown = {.mesh = currentMesh.get(),
+                 .displayMode = displayMode,
+                 .revision = revision,
+                 .grayScale = visualizationParameters.grayScale,
+                 .shadedSurface = angleParameters.shadedSurface,
+                 .colourLegend = showsColourLegend,
+                 .silhouetteLines = &silhouetteLines,
+                 .creaseLinks = creaseLinks};
+  if (formedField.mode == displayMode) {
+    shown.fieldValues = formedField.values;
+    shown.fieldOutOfMemory = formedField.outOfMemory;
+  }
+  return shown;
 }
 
 void CGravlinDoc::redraw() {
   ++revision;  // whatever comes of the rest
-  if (needsRecompute && currentMesh) recompute();
+  formedField = {};
+  const bool recomputes = needsRecompute && currentMesh;
+  if (recomputes) recompute();
+  formField();
+  if (formedField.mode && (recomputes || histogramIsDue)) fillHistogram();
+  histogramIsDue = false;
   needsRecompute = false;  // not before: without memory for it now, the next redraw tries again
   tellHistogramAge();      // some commands bring a shape back that was away for a while
   outside.redraw();

@@ -20,7 +20,9 @@
 #include "doc/forms/SubdivisionParameters.h"
 #include "doc/forms/TensorSmoothingParameters.h"
 #include "doc/forms/ViewParameters.h"
+#include "doc/ModeTable.h"
 #include "doc/Outside.h"
+#include "doc/Shown.h"
 #include "features/LineExport.h"
 #include "features/RidgeDetector.h"
 #include "features/RidgeLineSmoother.h"
@@ -48,7 +50,7 @@ struct MeshOrigin {
 ///
 /// A command ends with `redraw`, which first brings the derived data of the display mode up to
 /// date, so results never depend on when or whether a window paints.
-class CGravlinDoc {
+class CGravlinDoc final : public ShownSource {
  public:
   explicit CGravlinDoc(Outside& outside);
   ~CGravlinDoc();
@@ -95,7 +97,8 @@ class CGravlinDoc {
   LineOrigin lineOrigin() const {
     return linesFrom == LinesFrom::LocalMax ? LineOrigin::RidgesAndValleys : LineOrigin::Creases;
   }
-  SilhouetteLines silhouetteLines;  ///< of the last pen drawing
+  SilhouetteLines silhouetteLines;     ///< of the last pen drawing
+  std::vector<IndexList> creaseLinks;  ///< [V] all creases by a constant angle; empty: none
   /// Lines that were found are gone with the mesh that they joined vertices of, and none were
   /// looked for since.
   bool linesAreLost = false;
@@ -150,6 +153,12 @@ class CGravlinDoc {
   void OnShowVertexError();
   void OnShowFaceError();
 
+  /// The command of a mode that is in the table of modes alone.
+  template <int number>
+  void OnMode() {
+    showMode(number);
+  }
+
   // --- Option ---
   void OnOptionVisualization();
   void OnOptionViewDirection();
@@ -203,11 +212,12 @@ class CGravlinDoc {
   void geometryChanged();
   /// A sentence in the status bar when there are such, with the way back if Undo is one.
   void tellOfNonFinitePositions();
-  /// Gives the histogram window a copy of the scalar that is shown.
-  void fillHistogram();
-  /// Brings derived data up to date, then has every view drawn. When they show another picture than
-  /// the one that the status bar has a sentence about, this sentence goes.
+  /// Brings derived data up to date and forms the values of the field that is shown, then has every
+  /// view drawn. When they show another picture than the one that the status bar has a sentence
+  /// about, this sentence goes. Without memory for the values views tell so.
   void redraw();
+  /// What views are to show, with the values that the last redraw has formed.
+  Shown shown() const override;
 
  private:
   /// The one place where the current mesh is exchanged: whatever works on it is attached anew. The
@@ -235,6 +245,13 @@ class CGravlinDoc {
   bool hasMeshToSave();  ///< shows a message when there is none
   KeptShape geometryCopy() const;
   void recompute();
+  /// Sees that what a mode shows is there before it is shown for the first time.
+  void provide(Needs needs);
+  void formField();
+  /// Gives the histogram window a copy of the field that is shown.
+  void fillHistogram();
+  /// Shows a mode of the table, and the histogram of its field if it has one.
+  void showMode(int number);
   void needFaceNormals();
   void smoothShape(const Chunks& explicitChunks);
   LowThresholds thresholdRidges();
@@ -244,11 +261,7 @@ class CGravlinDoc {
   void tell(const std::string& sentence);
   void tellOfHiddenLines();
   void setLighting(LightingMode mode);
-  void showDirections(DisplayMode mode);
-  void showField(DisplayMode mode);
-  void showCurvature(DisplayMode mode);
   void showStrokes(DisplayMode mode);
-  void showError(DisplayMode mode);
 
   Outside& outside;
   std::uint64_t shapes = 0;  ///< how many shapes have a number
@@ -259,6 +272,14 @@ class CGravlinDoc {
     bool smoothedSince = false;  ///< these have been smoothed since
   };
   std::optional<HistogramContents> histogramContents;
+  bool histogramIsDue = false;  ///< the next redraw gives the histogram window its values
+  /// The values of the field that the last redraw showed.
+  struct FormedField {
+    std::optional<int> mode;  ///< that they are of; none without a field
+    std::vector<double> values;
+    bool outOfMemory = false;
+  };
+  FormedField formedField;
   bool tellsOfShape = false;  ///< the status bar has a sentence that ends with the shape
   /// The mode whose picture the sentence in the status bar is about; it ends with that picture.
   std::optional<int> toldMode;

@@ -7,7 +7,7 @@
 #include "curvature/EdgeCurvature.h"
 #include "doc/CGravlinDoc.h"
 #include "doc/Chunks.h"
-#include "doc/ShownField.h"
+#include "doc/ModeTable.h"
 
 namespace gravlin {
 namespace {
@@ -51,33 +51,59 @@ void CGravlinDoc::OnSmoothingCurvatureTensor() {
   show(showsMax ? TensorMax : TensorMin);
 }
 
-void CGravlinDoc::showDirections(DisplayMode mode) {
-  if (!currentMesh) return;
-  computeCurvatureIfAbsent(*currentMesh);
-  show(mode);
+void CGravlinDoc::provide(Needs needs) {
+  TriangleMesh& mesh = *currentMesh;
+  switch (needs) {
+    case Needs::Nothing:
+    case Needs::Creases:
+      return;
+    case Needs::Curvature:
+      return computeCurvatureIfAbsent(mesh);
+    case Needs::EdgeCurvature:
+      mesh.computeFaceNormals();
+      return computeEdgeCurvatures(mesh);
+    case Needs::VertexErrors:
+    case Needs::FaceErrors:
+      needsRecompute = true;  // the undo copy may have been exchanged
+      return;
+  }
 }
 
-void CGravlinDoc::OnDirectionMax() {
-  showDirections(DirectionMax);
-}
-
-void CGravlinDoc::OnDirectionMin() {
-  showDirections(DirectionMin);
-}
-
-void CGravlinDoc::OnTensorMax() {
-  showDirections(TensorMax);
-}
-
-void CGravlinDoc::OnTensorMin() {
-  showDirections(TensorMin);
+void CGravlinDoc::showMode(int number) {
+  const Mode* mode = findMode(number);
+  if (!currentMesh || mode == nullptr) return;
+  provide(mode->needs);
+  displayMode = number;
+  if (mode->site != Site::None) {
+    histogramIsDue = true;
+    outside.showHistogram(fieldTitle(*mode));
+  }
+  redraw();
 }
 
 void CGravlinDoc::fillHistogram() {
-  outside.setHistogramValues(shownFieldValues(*this));
-  histogramContents = {.shape = shownFieldShape(*this),
-                       .principalCurvature = showsPrincipalCurvature(displayMode)};
+  if (formedField.outOfMemory) throw std::bad_alloc();
+  outside.setHistogramValues(formedField.values);
+  const Mode& mode = *findMode(displayMode);
+  histogramContents = {.shape = fieldOrigin(mode, *currentMesh).shape,
+                       .principalCurvature = showsPrincipalCurvature(mode)};
   tellHistogramAge();
+}
+
+void CGravlinDoc::OnDirectionMax() {
+  showMode(DirectionMax);
+}
+
+void CGravlinDoc::OnDirectionMin() {
+  showMode(DirectionMin);
+}
+
+void CGravlinDoc::OnTensorMax() {
+  showMode(TensorMax);
+}
+
+void CGravlinDoc::OnTensorMin() {
+  showMode(TensorMin);
 }
 
 void CGravlinDoc::curvatureSmoothed() {
@@ -85,44 +111,28 @@ void CGravlinDoc::curvatureSmoothed() {
   if (histogramContents->shape == currentMesh->shape) histogramContents->smoothedSince = true;
 }
 
-void CGravlinDoc::showField(DisplayMode mode) {
-  displayMode = mode;
-  outside.showHistogram(shownFieldName(mode));
-  fillHistogram();
-  redraw();
-}
-
-void CGravlinDoc::showCurvature(DisplayMode mode) {
-  if (!currentMesh) return;
-  computeCurvatureIfAbsent(*currentMesh);
-  showField(mode);
-}
-
 void CGravlinDoc::OnCurvatureMax() {
-  showCurvature(CurvatureMax);
+  showMode(CurvatureMax);
 }
 
 void CGravlinDoc::OnCurvatureMin() {
-  showCurvature(CurvatureMin);
+  showMode(CurvatureMin);
 }
 
 void CGravlinDoc::OnCurvatureMean() {
-  showCurvature(CurvatureMean);
+  showMode(CurvatureMean);
 }
 
 void CGravlinDoc::OnCurvatureGauss() {
-  showCurvature(CurvatureGauss);
+  showMode(CurvatureGauss);
 }
 
 void CGravlinDoc::OnCurvatureTotal() {
-  showCurvature(CurvatureTotal);
+  showMode(CurvatureTotal);
 }
 
 void CGravlinDoc::OnEdgeCurvature() {
-  if (!currentMesh) return;
-  currentMesh->computeFaceNormals();
-  computeEdgeCurvatures(*currentMesh);
-  showField(EdgeCurvature);
+  showMode(EdgeCurvature);
 }
 
 void CGravlinDoc::showStrokes(DisplayMode mode) {
@@ -147,20 +157,12 @@ void CGravlinDoc::OnStrokeMin() {
   showStrokes(StrokeMin);
 }
 
-void CGravlinDoc::showError(DisplayMode mode) {
-  if (!currentMesh) return;
-  displayMode = mode;
-  outside.showHistogram(shownFieldName(mode));
-  needsRecompute = true;
-  redraw();
-}
-
 void CGravlinDoc::OnShowVertexError() {
-  showError(VertexError);
+  showMode(VertexError);
 }
 
 void CGravlinDoc::OnShowFaceError() {
-  showError(FaceError);
+  showMode(FaceError);
 }
 
 }  // namespace gravlin

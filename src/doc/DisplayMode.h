@@ -2,7 +2,8 @@
 
 namespace gravlin {
 
-/// What a document's views draw. Numbers not listed draw nothing.
+/// What a document's views draw: the names of the modes that the code speaks of. All modes are in
+/// ModeTable.h; a number that is not there draws nothing.
 enum DisplayMode : int {
   SmoothShading = 1,
   FlatShading = 2,

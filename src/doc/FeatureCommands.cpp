@@ -80,7 +80,7 @@ void CGravlinDoc::showRidgeLines(const LowThresholds& low) {
   if (ridgeParameters.connect) ridgeDetector.connectLines(ridgeParameters.connectThreshold, low);
   lines.keep();
   haveLines(LinesFrom::LocalMax);
-  decimator.creaseLinks.clear();
+  creaseLinks.clear();
   displayMode = FeatureLines;
 }
 
@@ -135,10 +135,10 @@ void CGravlinDoc::detectCreases() {
   ridgeDetector.attach(currentMesh.get());
   if (parameters.thresholdMode == AngleParameters::Histogram) {
     ridgeDetector.detectCreasesByHistogram(parameters.shares());
-    decimator.creaseLinks.clear();
+    creaseLinks.clear();
   } else {
     decimator.attach(currentMesh.get());
-    decimator.detectCreasesByAngle(parameters.cosThreshold());
+    creaseLinks = decimator.detectCreasesByAngle(parameters.cosThreshold());
   }
   haveLines(linesFrom);
 }

@@ -45,7 +45,7 @@ void CGravlinDoc::OnSilhouette() {
   silhouetteLines = std::move(selected);
   lines.keep();
   haveLines(LinesFrom::LocalMax);
-  decimator.creaseLinks.clear();
+  creaseLinks.clear();
   displayMode = Silhouette;
   redraw();
 }

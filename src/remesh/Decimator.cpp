@@ -217,8 +217,8 @@ bool Decimator::collapseEdge(int i, int j, const Vec3& position) {
   return true;
 }
 
-void Decimator::detectCreasesByAngle(float cosThreshold) {
-  creaseLinks = gravlin::detectCreasesByAngle(*mesh, cosThreshold);
+std::vector<IndexList> Decimator::detectCreasesByAngle(float cosThreshold) {
+  return gravlin::detectCreasesByAngle(*mesh, cosThreshold);
 }
 
 }  // namespace gravlin

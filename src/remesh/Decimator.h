@@ -49,10 +49,9 @@ class Decimator {
   /// changed.
   bool collapseEdge(int i, int j, const Vec3& position);
 
-  /// Finds the creases of the mesh by a constant angle (CreasesByAngle.h), all of them in
-  /// `creaseLinks` too. A mesh must be attached.
-  void detectCreasesByAngle(float cosThreshold);
-  std::vector<IndexList> creaseLinks;  ///< [V] of the last detection; empty when there is none
+  /// Finds the creases of the mesh by a constant angle (CreasesByAngle.h) and returns all of them,
+  /// [V]. A mesh must be attached.
+  std::vector<IndexList> detectCreasesByAngle(float cosThreshold);
 
  private:
   TriangleMesh* mesh = nullptr;

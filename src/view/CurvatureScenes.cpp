@@ -3,9 +3,9 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <new>
 #include <utility>
 
-#include "doc/ShownField.h"
 #include "mesh/FaceGeometry.h"
 #include "view/Palette.h"
 
@@ -22,8 +22,8 @@ Scene inFrontOfSurface(Batch marks, const TriangleMesh& mesh) {
   return {{std::move(marks), whiteSurface(mesh)}};
 }
 
-FieldColours coloursOf(const CGravlinDoc& document, std::span<const double> values) {
-  return {values, document.visualizationParameters.grayScale};
+FieldColours coloursOf(const Shown& shown, std::span<const double> values) {
+  return {values, shown.grayScale};
 }
 
 // --- Directions ---
@@ -107,67 +107,56 @@ Scene strokes(const TriangleMesh& mesh, const std::vector<std::vector<FacePoint>
 
 }  // namespace
 
-Scene vertexField(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
-  const std::vector<double> values = shownFieldValues(document);
-  if (values.size() != static_cast<std::size_t>(mesh.vertexCount)) return flatSurface(mesh);
-  const FieldColours colours = coloursOf(document, values);
-  return {{scalarFaces(mesh, values, colours)}, colours};
-}
-
-Scene faceField(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
-  const std::vector<double> values = shownFieldValues(document);
-  if (values.size() != static_cast<std::size_t>(mesh.faceCount)) return flatSurface(mesh);
-  const FieldColours colours = coloursOf(document, values);
-  return {{faceScalarFaces(mesh, values, colours)}, colours};
-}
-
-Scene edgeField(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
-  if (mesh.edgeCurvatures.size() != mesh.faces.size()) return flatSurface(mesh);
-  const FieldColours colours = coloursOf(document, mesh.edgeCurvatures);
-  Scene scene = inFrontOfSurface(edgeScalarLines(mesh, mesh.edgeCurvatures, colours), mesh);
+Scene fieldOn(Site site, const Shown& shown) {
+  if (shown.fieldOutOfMemory) throw std::bad_alloc();
+  const TriangleMesh& mesh = *shown.mesh;
+  const std::span<const double> values = shown.fieldValues;
+  if (values.size() != valueCount(site, mesh)) return flatSurface(mesh);
+  const FieldColours colours = coloursOf(shown, values);
+  Scene scene;
+  if (site == Site::Vertices) scene = {{scalarFaces(mesh, values, colours)}};
+  if (site == Site::Faces) scene = {{faceScalarFaces(mesh, values, colours)}};
+  if (site == Site::Edges) scene = inFrontOfSurface(edgeScalarLines(mesh, values, colours), mesh);
   scene.scale = colours;
   return scene;
 }
 
-Scene meanEdgeCurvature(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene meanEdgeCurvature(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   const std::vector<double>& edges = mesh.edgeCurvatures;
   if (edges.size() != mesh.faces.size()) return flatSurface(mesh);
   std::vector<double> values(static_cast<std::size_t>(mesh.faceCount));
   for (std::size_t f = 0; f < values.size(); ++f) {
     values[f] = (edges[3 * f] + edges[3 * f + 1] + edges[3 * f + 2]) / 3.0;
   }
-  const FieldColours colours = coloursOf(document, values);
+  const FieldColours colours = coloursOf(shown, values);
   return {{faceScalarFaces(mesh, values, colours)}, colours};
 }
 
-Scene maxDirections(const CGravlinDoc& document) {
-  return directions(*document.currentMesh, document.currentMesh->maxDirection, red);
+Scene maxDirections(const Shown& shown) {
+  return directions(*shown.mesh, shown.mesh->maxDirection, red);
 }
 
-Scene minDirections(const CGravlinDoc& document) {
-  return directions(*document.currentMesh, document.currentMesh->minDirection, blue);
+Scene minDirections(const Shown& shown) {
+  return directions(*shown.mesh, shown.mesh->minDirection, blue);
 }
 
-Scene maxTensors(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene maxTensors(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   return tensors(mesh, mesh.maxDirection, mesh.maxCurvature);
 }
 
-Scene minTensors(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene minTensors(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   return tensors(mesh, mesh.minDirection, mesh.minCurvature);
 }
 
-Scene maxStrokes(const CGravlinDoc& document) {
-  return strokes(*document.currentMesh, document.currentMesh->strokes.maxStrokes);
+Scene maxStrokes(const Shown& shown) {
+  return strokes(*shown.mesh, shown.mesh->strokes.maxStrokes);
 }
 
-Scene minStrokes(const CGravlinDoc& document) {
-  return strokes(*document.currentMesh, document.currentMesh->strokes.minStrokes);
+Scene minStrokes(const Shown& shown) {
+  return strokes(*shown.mesh, shown.mesh->strokes.minStrokes);
 }
 
 }  // namespace gravlin

@@ -29,9 +29,9 @@ struct DrawnKind {
   }
 };
 
-std::array<DrawnKind, 2> drawnKinds(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
-  const bool grey = document.visualizationParameters.grayScale;
+std::array<DrawnKind, 2> drawnKinds(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
+  const bool grey = shown.grayScale;
   return {{{mesh.ridgeMarks, mesh.ridgeLinks, mesh.maxCurvature, mesh.maxDerivativeGradient,
             grey ? white : red},
            {mesh.valleyMarks, mesh.valleyLinks, mesh.minCurvature, mesh.minDerivativeGradient,
@@ -48,7 +48,7 @@ Batch markedPoints(const TriangleMesh& mesh, const DrawnKind& kind) {
 
 /// Calls `visit` for every linked pair once, from its smaller vertex.
 template <class Visit>
-void forEachLink(const TriangleMesh& mesh, const std::vector<IndexList>& links, Visit visit) {
+void forEachLink(const TriangleMesh& mesh, std::span<const IndexList> links, Visit visit) {
   const auto known = std::min(links.size(), static_cast<std::size_t>(mesh.vertexCount));
   for (int i = 0; i < static_cast<int>(known); ++i) {
     for (const int j : links[static_cast<std::size_t>(i)]) {
@@ -57,7 +57,7 @@ void forEachLink(const TriangleMesh& mesh, const std::vector<IndexList>& links, 
   }
 }
 
-Batch linkedLines(const TriangleMesh& mesh, const std::vector<IndexList>& links,
+Batch linkedLines(const TriangleMesh& mesh, std::span<const IndexList> links,
                   const Colour& colour) {
   Batch lines = plainBatch(Primitive::Lines, colour);
   forEachLink(mesh, links, [&](int i, int j) { addVertices(lines, mesh, {{i, j}}); });
@@ -124,9 +124,9 @@ Batch litSurface(const TriangleMesh& mesh) {
   return surface;
 }
 
-Batch surfaceBehindLines(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
-  return document.angleParameters.shadedSurface ? litSurface(mesh) : whiteSurface(mesh);
+Batch surfaceBehindLines(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
+  return shown.shadedSurface ? litSurface(mesh) : whiteSurface(mesh);
 }
 
 /// Lines in four widths; the weakest quarter of the range of magnitudes is drawn thinnest.
@@ -234,28 +234,28 @@ void addContour(Scene& scene, const TriangleMesh& mesh) {
 
 }  // namespace
 
-Scene ridgeVertices(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene ridgeVertices(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   Scene scene;
-  for (const DrawnKind& kind : drawnKinds(document)) {
+  for (const DrawnKind& kind : drawnKinds(shown)) {
     scene.batches.push_back(markedPoints(mesh, kind));
   }
   scene.batches.push_back(flatFaces(mesh));
   return scene;
 }
 
-Scene ridgeDirections(const CGravlinDoc& document) {
-  Scene scene = ridgeVertices(document);
-  for (const DrawnKind& kind : drawnKinds(document)) {
-    scene.batches.push_back(directionBars(*document.currentMesh, kind));
+Scene ridgeDirections(const Shown& shown) {
+  Scene scene = ridgeVertices(shown);
+  for (const DrawnKind& kind : drawnKinds(shown)) {
+    scene.batches.push_back(directionBars(*shown.mesh, kind));
   }
   return scene;
 }
 
-Scene ridgeMeshEdges(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene ridgeMeshEdges(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   Scene scene;
-  for (const DrawnKind& kind : drawnKinds(document)) {
+  for (const DrawnKind& kind : drawnKinds(shown)) {
     scene.batches.push_back(markedPoints(mesh, kind));
     scene.batches.push_back(edgesBetweenMarked(mesh, kind));
   }
@@ -263,37 +263,39 @@ Scene ridgeMeshEdges(const CGravlinDoc& document) {
   return scene;
 }
 
-Scene weightedRidgeLines(const CGravlinDoc& document) {
+Scene weightedRidgeLines(const Shown& shown) {
   Scene scene;
-  for (const DrawnKind& kind : drawnKinds(document)) {
-    addWeightedLines(scene, *document.currentMesh, kind);
+  for (const DrawnKind& kind : drawnKinds(shown)) {
+    addWeightedLines(scene, *shown.mesh, kind);
   }
-  scene.batches.push_back(surfaceBehindLines(document));
+  scene.batches.push_back(surfaceBehindLines(shown));
   return scene;
 }
 
-Scene featureLines(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene featureLines(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   Scene scene;
-  for (const DrawnKind& kind : drawnKinds(document)) {
+  for (const DrawnKind& kind : drawnKinds(shown)) {
     scene.batches.push_back(linkedLines(mesh, kind.links, kind.colour));
   }
-  scene.batches.push_back(surfaceBehindLines(document));
+  scene.batches.push_back(surfaceBehindLines(shown));
   return scene;
 }
 
-Scene penDrawing(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene penDrawing(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   Scene scene;
   addContour(scene, mesh);
   scene.batches.push_back(fadingStrokes(mesh));
-  scene.batches.push_back(penLines(mesh, document.silhouetteLines));
+  if (shown.silhouetteLines != nullptr) {
+    scene.batches.push_back(penLines(mesh, *shown.silhouetteLines));
+  }
   return scene;
 }
 
-Scene creaseLines(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
-  return {{linkedLines(mesh, document.decimator.creaseLinks, black), surfaceBehindLines(document)}};
+Scene creaseLines(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
+  return {{linkedLines(mesh, shown.creaseLinks, black), surfaceBehindLines(shown)}};
 }
 
 }  // namespace gravlin

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "doc/CGravlinDoc.h"
+#include "doc/Shown.h"
 #include "view/Scene.h"
 
 namespace gravlin {
@@ -9,18 +9,18 @@ namespace gravlin {
 // been built draw nothing. Ridges are red and valleys blue, in grey scale white and black.
 
 /// Mode 6: the marked vertices as points on the lit surface.
-Scene ridgeVertices(const CGravlinDoc& document);
+Scene ridgeVertices(const Shown& shown);
 /// Mode 7: mode 6 and at each marked vertex a small bar along the local direction of the line.
-Scene ridgeDirections(const CGravlinDoc& document);
+Scene ridgeDirections(const Shown& shown);
 /// Mode 8: mode 6 and the mesh edges between marked neighbours.
-Scene ridgeMeshEdges(const CGravlinDoc& document);
+Scene ridgeMeshEdges(const Shown& shown);
 /// Mode 11: mode 12 with lines the wider the stronger their curvature is.
-Scene weightedRidgeLines(const CGravlinDoc& document);
+Scene weightedRidgeLines(const Shown& shown);
 /// Mode 12: the links as lines, on the lit surface or, by the "Angle" dialog, on a white one.
-Scene featureLines(const CGravlinDoc& document);
+Scene featureLines(const Shown& shown);
 /// Mode 13: all creases of the last detection by a constant angle, in black.
-Scene creaseLines(const CGravlinDoc& document);
+Scene creaseLines(const Shown& shown);
 /// Mode 23: the contour, strong ridge and valley lines, and fading strokes on a white surface.
-Scene penDrawing(const CGravlinDoc& document);
+Scene penDrawing(const Shown& shown);
 
 }  // namespace gravlin

@@ -159,7 +159,7 @@ Picture::Picture() : context(std::make_unique<Context>()) {
 
 Picture::~Picture() = default;
 
-Image Picture::draw(const CGravlinDoc& document, ViewState& view, const DrawTarget& target) {
+Image Picture::draw(const Shown& shown, ViewState& view, const DrawTarget& target) {
   if (!context->makeCurrent()) fail("EGL has lost the context");
   const double width = std::round(target.size.width * target.pixelRatio);
   const double height = std::round(target.size.height * target.pixelRatio);
@@ -170,7 +170,7 @@ Image Picture::draw(const CGravlinDoc& document, ViewState& view, const DrawTarg
   const int columns = static_cast<int>(width);
   const int rows = static_cast<int>(height);
   context->framebuffer.bind(columns, rows);
-  context->renderer.draw(document, view, target);
+  context->renderer.draw(shown, view, target);
   return readFramebuffer(columns, rows);
 }
 

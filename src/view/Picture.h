@@ -18,9 +18,9 @@ class Picture {
   Picture(const Picture&) = delete;
   Picture& operator=(const Picture&) = delete;
 
-  /// Draws the document as a view of the target's size shows it. The image has size x pixelRatio
+  /// Draws what is shown as a view of the target's size shows it. The image has size x pixelRatio
   /// pixels. Throws std::runtime_error when the size is not positive or larger than OpenGL allows.
-  Image draw(const CGravlinDoc& document, ViewState& view, const DrawTarget& target);
+  Image draw(const Shown& shown, ViewState& view, const DrawTarget& target);
 
  private:
   struct Context;

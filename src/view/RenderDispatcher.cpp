@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "doc/ModeTable.h"
 #include "mesh/Corner.h"
 #include "view/CurvatureScenes.h"
 #include "view/FeatureScenes.h"
@@ -17,8 +18,8 @@ std::optional<int> pickedFaceOf(const TriangleMesh& mesh) {
   return there ? face : std::nullopt;
 }
 
-Scene flatSurface(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene flatSurface(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   Scene scene = {{flatFaces(mesh)}};
   if (const std::optional<int> face = pickedFaceOf(mesh)) {
     Batch corners = plainBatch(Primitive::Points, red);
@@ -28,17 +29,17 @@ Scene flatSurface(const CGravlinDoc& document) {
   return scene;
 }
 
-Scene smoothSurface(const CGravlinDoc& document) {
-  return {{smoothFaces(*document.currentMesh)}};
+Scene smoothSurface(const Shown& shown) {
+  return {{smoothFaces(*shown.mesh)}};
 }
 
-Scene wireFrame(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene wireFrame(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   return {{faceEdges(mesh, black), setBackFaces(mesh, white)}};
 }
 
-Scene nonManifoldPoints(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene nonManifoldPoints(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   const auto pointsOfKind = [&mesh](VertexKind kind, const Colour& colour) {
     Batch points = plainBatch(Primitive::Points, colour);
     const auto known = std::min(mesh.vertexKind.size(), static_cast<std::size_t>(mesh.vertexCount));
@@ -58,15 +59,15 @@ Scene nonManifoldPoints(const CGravlinDoc& document) {
            std::move(openEdges)}};
 }
 
-Scene allPoints(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene allPoints(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   Batch points = plainBatch(Primitive::Points, brown);
   for (int i = 0; i < mesh.vertexCount; ++i) addVertices(points, mesh, {{i}});
   return {{std::move(points)}};
 }
 
-Scene pickedFace(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+Scene pickedFace(const Shown& shown) {
+  const TriangleMesh& mesh = *shown.mesh;
   const std::optional<int> face = pickedFaceOf(mesh);
   if (!face) return {{flatFaces(mesh)}};
   Batch filled = plainBatch(Primitive::Triangles, red);
@@ -74,13 +75,13 @@ Scene pickedFace(const CGravlinDoc& document) {
   return {{flatFaces(mesh, *face), std::move(filled)}};
 }
 
-struct ModeRow {
+struct SceneRow {
   int mode;
-  Scene (*gather)(const CGravlinDoc& document);
+  Scene (*gather)(const Shown& shown);
 };
 
-/// What each mode shows. A mode without a row draws nothing.
-constexpr ModeRow modeTable[] = {
+/// What each mode without a field draws. Without a row here it draws nothing.
+constexpr SceneRow scenes[] = {
     {SmoothShading, smoothSurface},
     {FlatShading, flatSurface},
     {WireFrame, wireFrame},
@@ -89,35 +90,29 @@ constexpr ModeRow modeTable[] = {
     {RidgeVertices, ridgeVertices},
     {RidgeDirections, ridgeDirections},
     {RidgeMeshEdges, ridgeMeshEdges},
-    {CurvatureMax, vertexField},
     {WeightedRidgeLines, weightedRidgeLines},
     {FeatureLines, featureLines},
     {CreaseLines, creaseLines},
     {TensorMax, maxTensors},
     {TensorMin, minTensors},
     {DirectionMin, minDirections},
-    {CurvatureTotal, vertexField},
-    {CurvatureMean, vertexField},
-    {CurvatureGauss, vertexField},
-    {CurvatureMin, vertexField},
     {NonManifoldPoints, nonManifoldPoints},
-    {EdgeCurvature, edgeField},
     {Silhouette, penDrawing},
     {StrokeMax, maxStrokes},
     {StrokeMin, minStrokes},
     {Points, allPoints},
-    {VertexError, vertexField},
-    {FaceError, faceField},
     {PickedFace, pickedFace},
     {FaceValues, meanEdgeCurvature},
 };
 
 }  // namespace
 
-Scene gatherScene(const CGravlinDoc& document) {
-  const auto* row = std::ranges::find(modeTable, document.displayMode, &ModeRow::mode);
-  if (document.currentMesh == nullptr || row == std::end(modeTable)) return {};
-  return row->gather(document);
+Scene gatherScene(const Shown& shown) {
+  const Mode* mode = findMode(shown.displayMode);
+  if (shown.mesh == nullptr || mode == nullptr) return {};
+  if (mode->site != Site::None) return fieldOn(mode->site, shown);
+  const auto* row = std::ranges::find(scenes, shown.displayMode, &SceneRow::mode);
+  return row == std::end(scenes) ? Scene() : row->gather(shown);
 }
 
 }  // namespace gravlin

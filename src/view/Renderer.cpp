@@ -29,9 +29,8 @@ struct SceneKey {
   bool operator==(const SceneKey&) const = default;
 };
 
-SceneKey keyOf(const CGravlinDoc& document) {
-  return {document.currentMesh.get(), document.revision, document.displayMode,
-          document.visualizationParameters.grayScale};
+SceneKey keyOf(const Shown& shown) {
+  return {shown.mesh, shown.revision, shown.displayMode, shown.grayScale};
 }
 
 /// What decides the texts in the corner.
@@ -162,22 +161,22 @@ struct Renderer::Resources {
   Overlay legend;
   LegendKey legendKey;  ///< of what `legend` shows
 
-  void refreshScene(const CGravlinDoc& document);
+  void refreshScene(const Shown& shown);
   void drawCorner(const ViewState& view, const DrawTarget& target);
   void drawLegend(const DrawTarget& target);
 };
 
-void Renderer::Resources::refreshScene(const CGravlinDoc& document) {
-  const SceneKey key = keyOf(document);
+void Renderer::Resources::refreshScene(const Shown& shown) {
+  const SceneKey key = keyOf(shown);
   if (key == sceneKey) return;
-  const TriangleMesh* mesh = document.currentMesh.get();
+  const TriangleMesh* mesh = shown.mesh;
   usedVertices = mesh != nullptr ? mesh->countUsedVertices() : 0;
   validFaces = mesh != nullptr ? mesh->countValidFaces() : 0;
   scene.clear();
   outOfMemory = false;
   scale.reset();
   try {
-    Scene gathered = gatherScene(document);
+    Scene gathered = gatherScene(shown);
     scale = gathered.scale;
     scene.load(std::move(gathered));
   } catch (const std::bad_alloc&) {
@@ -231,9 +230,9 @@ void Renderer::initialise() {
   resources->hasVertexArrayObjects = major >= 3;
 }
 
-void Renderer::draw(const CGravlinDoc& document, ViewState& view, const DrawTarget& target) {
+void Renderer::draw(const Shown& shown, ViewState& view, const DrawTarget& target) {
   const StateGuard guard(resources->hasVertexArrayObjects);
-  resources->refreshScene(document);
+  resources->refreshScene(shown);
   view.shownVertexCount = resources->usedVertices;
   view.shownFaceCount = resources->validFaces;
 
@@ -247,7 +246,7 @@ void Renderer::draw(const CGravlinDoc& document, ViewState& view, const DrawTarg
   view.camera.loadModelView();
   resources->scene.submit({view.camera.fieldOfView, view.lineWidth * ratio});
   if (target.overlay) resources->drawCorner(view, target);
-  if (document.showsColourLegend && resources->scale) resources->drawLegend(target);
+  if (shown.colourLegend && resources->scale) resources->drawLegend(target);
   makeOpaque();
   glFlush();
 }

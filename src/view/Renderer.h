@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "doc/CGravlinDoc.h"
+#include "doc/Shown.h"
 #include "view/ViewState.h"
 
 namespace gravlin {
@@ -16,8 +16,8 @@ struct DrawTarget {
 
 /// Draws documents through an OpenGL compatibility context, in a window and into a picture alike.
 ///
-/// What a document shows is gathered once into buffer objects and kept until the document's
-/// revision, its mode or a style changes; drawing it again from another side only submits them and
+/// What is shown is gathered once into buffer objects and kept until its revision, its mode or a
+/// style changes; drawing it again from another side only submits them and
 /// allocates nothing. All OpenGL state that matters is set in every frame and given back as it was
 /// found, so others may use the same context in between.
 ///
@@ -32,9 +32,9 @@ class Renderer {
   /// To be called once, when the context has been made. Throws std::runtime_error with a sentence
   /// for the user when the context lacks what drawing needs.
   void initialise();
-  /// Clears the target and draws the document as `view` sees it. Stores the document's used
-  /// vertices and valid faces in the view's shown counts (0 without a mesh).
-  void draw(const CGravlinDoc& document, ViewState& view, const DrawTarget& target);
+  /// Clears the target and draws what is shown as `view` sees it. Stores the mesh's used vertices
+  /// and valid faces in the view's shown counts (0 without a mesh).
+  void draw(const Shown& shown, ViewState& view, const DrawTarget& target);
   /// Frees everything held in the context. Drawing again builds it anew.
   void release();
 

@@ -341,7 +341,7 @@ TEST_F(Program, RendersWhatTheDocumentOfAWindowShows) {
   doc.OnPoints();
   ViewState view;
   view.camera.setAngles({10.0F, 20.0F, 30.0F});
-  const Image expected = Picture().draw(doc, view, {.size = {300, 200}});
+  const Image expected = Picture().draw(doc.shown(), view, {.size = {300, 200}});
   const test::RunResult result =
       run("open " + mesh + " view-direction --rx 10 --ry 20 --rz 30 points render " + in("a.png") +
           " --size 300x200");

@@ -15,7 +15,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 std::string summary(const TriangleMesh& mesh) {
-  return summarize(mesh, LineOrigin::RidgesAndValleys);
+  return summarize({.mesh = &mesh}, LineOrigin::RidgesAndValleys);
 }
 
 TEST(Report, SumsUpACubeInTheUnitsOfItsFile) {
@@ -121,7 +121,7 @@ TEST(Report, CountsAndMeasuresLines) {
   link(mesh.ridgeLinks, 12, 13);
   EXPECT_THAT(summary(mesh), HasSubstr("ridge lines           2, length 1.5\n"));
   EXPECT_THAT(summary(mesh), HasSubstr("valley lines          0, length 0\n"));
-  const std::string creases = summarize(mesh, LineOrigin::Creases);
+  const std::string creases = summarize({.mesh = &mesh}, LineOrigin::Creases);
   EXPECT_THAT(creases, HasSubstr("convex creases        2, length 1.5\n"));
   EXPECT_THAT(creases, HasSubstr("concave creases       0, length 0\n"));
   EXPECT_THAT(creases, Not(HasSubstr("lines")));

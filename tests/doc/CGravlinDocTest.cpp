@@ -9,6 +9,7 @@
 #include "doc/CGravlinDoc.h"
 #include "doc/CommandTable.h"
 #include "support/Allocations.h"
+#include "support/DisplayModes.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
@@ -72,7 +73,7 @@ TEST_F(Document, RedrawRaisesTheRevisionBeforeViewsAreDrawn) {
 
 TEST_F(Document, RedrawBringsBothNormalsUpToDateBeforeViewsAreDrawnInEveryMode) {
   const TriangleMesh cube = test::cube();
-  for (int mode = 0; mode <= 31; ++mode) {
+  for (const int mode : test::everyDisplayMode()) {
     load(cube);
     doc.displayMode = mode;
     for (float& n : doc.currentMesh->faceNormals) n = 9.0F;
@@ -163,7 +164,7 @@ TEST_F(Document, UndoWhileFeatureLinesAreShownReturnsToFlatShading) {
 }
 
 TEST_F(Document, UndoKeepsEveryOtherMode) {
-  for (int mode = 0; mode <= 31; ++mode) {
+  for (const int mode : test::everyDisplayMode()) {
     if (mode == FeatureLines) continue;
     load(test::cube());
     doc.keepUndoCopy();

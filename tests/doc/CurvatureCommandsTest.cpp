@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -10,7 +12,8 @@
 #include "curvature/CurvatureTensor.h"
 #include "curvature/EdgeCurvature.h"
 #include "doc/CGravlinDoc.h"
-#include "doc/ShownField.h"
+#include "doc/ModeTable.h"
+#include "support/Allocations.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 #include "support/TemporaryFolder.h"
@@ -89,7 +92,7 @@ TEST_F(CurvatureCommands, CurvaturesShowTheHistogramOfTheirValues) {
     EXPECT_THAT(outside.calls,
                 ElementsAre("histogram " + command.name, "histogram values 96", "redraw"));
     EXPECT_EQ(outside.histogramValues, curvatureField(expected, command.field));
-    EXPECT_EQ(shownFieldValues(doc), outside.histogramValues);
+    EXPECT_TRUE(std::ranges::equal(doc.shown().fieldValues, outside.histogramValues));
   }
 }
 
@@ -443,15 +446,76 @@ TEST_F(CurvatureCommands, LeaveTheDocumentUnmodified) {
   EXPECT_EQ(mesh().vertices, vertices);
 }
 
-TEST(ShownField, IsNamelessAndEmptyWhereAModeShowsNone) {
-  test::ScriptedOutside outside;
-  CGravlinDoc doc(outside);
-  EXPECT_EQ(shownFieldName(FlatShading), "");
-  EXPECT_THAT(shownFieldValues(doc), IsEmpty());
-  doc.currentMesh = std::make_unique<TriangleMesh>(test::cube());
-  EXPECT_THAT(shownFieldValues(doc), IsEmpty());
-  doc.displayMode = CurvatureMean;
-  EXPECT_THAT(shownFieldValues(doc), IsEmpty()) << "not computed yet";
+// --- The values that views are shown ---
+
+TEST_F(CurvatureCommands, ModesWithoutAFieldShowNoValues) {
+  load(estimated(test::torus(12, 8)));
+  doc.OnCurvatureMean();
+  EXPECT_THAT(doc.shown().fieldValues, SizeIs(96));
+  doc.OnFlatShading();
+  EXPECT_THAT(doc.shown().fieldValues, IsEmpty());
+}
+
+TEST_F(CurvatureCommands, ValuesBelongToTheModeThatTheyWereFormedFor) {
+  load(estimated(test::torus(12, 8)));
+  doc.OnCurvatureMean();
+  doc.displayMode = CurvatureGauss;
+  EXPECT_THAT(doc.shown().fieldValues, IsEmpty());
+  doc.redraw();
+  const auto gauss = curvatureField(mesh(), CurvatureField::Gauss);
+  EXPECT_TRUE(std::ranges::equal(doc.shown().fieldValues, gauss));
+}
+
+TEST_F(CurvatureCommands, AllThatReadThemShareTheValuesOfOneRedraw) {
+  load(estimated(test::torus(12, 8)));
+  std::vector<const double*> seen;
+  outside.whenRedrawn = [&] {
+    for (int view = 0; view < 3; ++view) seen.push_back(doc.shown().fieldValues.data());
+  };
+  doc.OnCurvatureTotal();
+  seen.push_back(doc.shown().fieldValues.data());
+  ASSERT_THAT(seen, SizeIs(4));
+  EXPECT_NE(seen[0], nullptr);
+  EXPECT_THAT(seen, Each(Eq(seen[0])));
+}
+
+TEST_F(CurvatureCommands, WithoutMemoryForTheValuesARedrawGoesOnAndSaysSo) {
+  load(estimated(test::torus(12, 8)));
+  doc.OnCurvatureMean();
+  int drawn = 0;
+  outside.whenRedrawn = [&] {
+    ++drawn;
+    EXPECT_TRUE(doc.shown().fieldOutOfMemory);
+    EXPECT_THAT(doc.shown().fieldValues, IsEmpty());
+  };
+  {
+    const test::AllocationFailure failure(1);
+    doc.redraw();
+  }
+  EXPECT_EQ(drawn, 1);
+  outside.whenRedrawn = {};
+  doc.redraw();
+  EXPECT_FALSE(doc.shown().fieldOutOfMemory);
+  EXPECT_THAT(doc.shown().fieldValues, SizeIs(96));
+}
+
+TEST_F(CurvatureCommands, AHistogramThatFailedForMemoryIsFilledByTheNextRedraw) {
+  load(estimated(test::torus(12, 8)));
+  int failures = 0;
+  for (std::size_t refused = 1; refused <= 10; ++refused) {
+    doc.OnFlatShading();
+    outside.forget();
+    outside.histogramValues.clear();
+    try {
+      const test::AllocationFailure failure(refused);
+      doc.OnCurvatureMean();
+    } catch (const std::bad_alloc&) {
+      ++failures;
+      doc.redraw();
+    }
+    EXPECT_THAT(outside.histogramValues, SizeIs(96)) << refused;
+  }
+  EXPECT_GT(failures, 0);
 }
 
 }  // namespace

@@ -24,8 +24,8 @@ TEST(DocumentInvariants, AreMissedWhereTheyAreBroken) {
       {"the current mesh has no topology", [](auto& d) { d.currentMesh->dropDerived(); }},
       {"creaseLinks does not lead both ways between vertex 0 and vertex 1",
        [](auto& d) {
-         d.decimator.creaseLinks.resize(9);
-         d.decimator.creaseLinks[0].append(1);
+         d.creaseLinks.resize(9);
+         d.creaseLinks[0].append(1);
        }},
       {"it is known where lines come from that are not there",
        [](auto& d) { d.linesFrom = CGravlinDoc::LinesFrom::LocalMax; }},

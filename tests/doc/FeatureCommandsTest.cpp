@@ -525,7 +525,7 @@ TEST(FaceAngleCommand, TheAngleReachesTheDetector) {
         detectCreasesByAngle(byHand, static_cast<float>(-std::cos(angle * 0.017453292519943278)));
     EXPECT_EQ(desk.mesh().ridgeLinks, byHand.ridgeLinks);
     EXPECT_EQ(desk.mesh().valleyLinks, byHand.valleyLinks);
-    EXPECT_EQ(desk.doc.decimator.creaseLinks, creases);
+    EXPECT_EQ(desk.doc.creaseLinks, creases);
     EXPECT_NE(creases, before) << "each angle has creases of its own";
     before = creases;
   }
@@ -598,7 +598,7 @@ TEST(FaceAngleCommand, CreasesBelongToTheRestoredShapeAfterLocalMaxLookedAtASmoo
       desk.findCreases({{"thresholdMode", mode}});
       const auto ridges = desk.mesh().ridgeLinks;
       const auto valleys = desk.mesh().valleyLinks;
-      const auto creases = desk.doc.decimator.creaseLinks;
+      const auto creases = desk.doc.creaseLinks;
       int foundElsewhere = 0;
       desk.outside.whenRedrawn = [&] {
         if (desk.mesh().ridgeLinks != ridges) ++foundElsewhere;
@@ -608,7 +608,7 @@ TEST(FaceAngleCommand, CreasesBelongToTheRestoredShapeAfterLocalMaxLookedAtASmoo
       EXPECT_GT(foundElsewhere, 0) << "the smoothed shape has other creases";
       EXPECT_EQ(desk.mesh().ridgeLinks, ridges);
       EXPECT_EQ(desk.mesh().valleyLinks, valleys);
-      EXPECT_EQ(desk.doc.decimator.creaseLinks, creases);
+      EXPECT_EQ(desk.doc.creaseLinks, creases);
     }
   }
 }
@@ -799,9 +799,9 @@ TEST(SilhouetteCommand, KeepsCurvatureThatIsThereAndTheShape) {
 TEST(SilhouetteCommand, ForgetsTheCreasesThatItsLinesReplace) {
   Desk desk(bumpyGrid(12, 12));
   desk.findCreases({{"thresholdMode", "angle"}});
-  ASSERT_GT(linkCount(desk.doc.decimator.creaseLinks), 0);
+  ASSERT_GT(linkCount(desk.doc.creaseLinks), 0);
   desk.doc.OnSilhouette();
-  EXPECT_THAT(desk.doc.decimator.creaseLinks, IsEmpty());
+  EXPECT_THAT(desk.doc.creaseLinks, IsEmpty());
 }
 
 TEST(SilhouetteCommand, WithoutAMeshNothingHappens) {

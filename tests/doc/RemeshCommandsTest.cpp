@@ -168,7 +168,7 @@ TEST_F(RemeshCommands, SubdivisionDropsLinesAndFindsCreasesThatAreShownAgain) {
   doc.OnFlatShading();
   subdivide("Linear");
   EXPECT_EQ(countLinks(), 0);
-  EXPECT_TRUE(doc.decimator.creaseLinks.empty());
+  EXPECT_TRUE(doc.creaseLinks.empty());
 }
 
 TEST_F(RemeshCommands, ASubdivisionThatRunsOutOfMemoryLosesNothing) {

@@ -51,6 +51,12 @@ expect view/A.cpp '#include "view/windows/B.h"' \
 expect batch/A.cpp '#include "app/B.h"' 'batch/A.cpp:3: batch/ (floor 6) includes app/B.h (floor 7)'
 expect view/A.h '#include <QWidget>' \
   'view/A.h:3: view/ does without windows, but includes <QWidget>'
+expect view/A.cpp '#include "doc/Shown.h"' passes
+expect view/A.h '#include "doc/CGravlinDoc.h"' \
+  'view/A.h:3: view/ draws what doc/Shown.h holds, but includes doc/CGravlinDoc.h'
+expect view/windows/A.cpp '#include "doc/CommandTable.h"' \
+  'view/windows/A.cpp:3: view/windows/ draws what doc/Shown.h holds, but includes doc/CommandTable.h'
+expect app/A.cpp '#include "doc/CGravlinDoc.h"' passes
 expect doc/A.h '#include <QtCore/QString>' \
   'doc/A.h:3: doc/ does without windows, but includes <QtCore/QString>'
 expect batch/A.cpp '#include <QImage>' \

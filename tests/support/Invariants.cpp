@@ -327,7 +327,7 @@ void checkDocument(const CGravlinDoc& document) {
   checkMesh(mesh);
   require(mesh.vertexNeighbours.built() && mesh.faceAdjacency.size() == mesh.faces.size(),
           "the current mesh has no topology");
-  checkLinks(mesh, document.decimator.creaseLinks, "creaseLinks");
+  checkLinks(mesh, document.creaseLinks, "creaseLinks");
   const bool hasLines = mesh.ridgeLinks.size() == toIndex(mesh.vertexCount);
   const auto from = document.linesFrom;  // those of the shape are found when they are shown
   require(hasLines || from == CGravlinDoc::LinesFrom::Nothing ||

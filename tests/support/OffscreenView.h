@@ -20,7 +20,7 @@ class OffscreenView {
   void show(int displayMode);
 
   /// Draws at 300 x 300, with the counts in the corner.
-  Image draw() { return picture->draw(document, view, target); }
+  Image draw() { return picture->draw(document.shown(), view, target); }
 
   ScriptedOutside outside;
   CGravlinDoc document{outside};

@@ -34,7 +34,8 @@ class CurvatureScenes : public ::testing::Test {
   TriangleMesh& mesh() { return *document.currentMesh; }
   Scene scene(int mode) {
     document.displayMode = mode;
-    return gatherScene(document);
+    document.redraw();
+    return gatherScene(document.shown());
   }
 
   test::ScriptedOutside outside;

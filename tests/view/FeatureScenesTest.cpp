@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <map>
 
+#include "doc/CGravlinDoc.h"
 #include "features/MarkedMeshes.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
@@ -34,8 +35,8 @@ struct Lines {
     link(mesh.ridgeLinks, at(2, 1), at(3, 1));
     for (const int v : {at(1, 3), at(2, 3)}) mesh.valleyMarks[static_cast<std::size_t>(v)] = 1;
     link(mesh.valleyLinks, at(1, 3), at(2, 3));
-    document.decimator.creaseLinks.resize(mesh.ridgeLinks.size());
-    link(document.decimator.creaseLinks, at(0, 0), at(1, 0));
+    document.creaseLinks.resize(mesh.ridgeLinks.size());
+    link(document.creaseLinks, at(0, 0), at(1, 0));
     for (auto* field : {&mesh.maxDerivativeGradient, &mesh.minDerivativeGradient}) {
       for (int i = 0; i < mesh.vertexCount; ++i) field->insert(field->end(), {1.0, 0.0, 0.0});
     }
@@ -43,7 +44,7 @@ struct Lines {
 
   Scene in(DisplayMode mode) {
     document.displayMode = mode;
-    return gatherScene(document);
+    return gatherScene(document.shown());
   }
 };
 

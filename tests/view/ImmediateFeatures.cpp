@@ -232,7 +232,7 @@ bool drawFeaturesImmediately(const CGravlinDoc& document, float lineWidth) {
   glDisable(GL_LIGHTING);
   if (mode == 13) {
     glColor3f(0, 0, 0);
-    drawLinks(mesh, document.decimator.creaseLinks, {}, -1);
+    drawLinks(mesh, document.creaseLinks, {}, -1);
   }
   if (mode == 23) drawPen(document, lineWidth);
   for (const Kind& kind : kindsOf(document)) {
@@ -265,7 +265,7 @@ void findAllLines(CGravlinDoc& document) {
   TriangleMesh& mesh = *document.currentMesh;
   document.OnSilhouette();
   mesh.ridgeMarks.resize(static_cast<std::size_t>(mesh.vertexCount));
-  document.decimator.creaseLinks = mesh.ridgeLinks;
+  document.creaseLinks = mesh.ridgeLinks;
 }
 
 }  // namespace gravlin::test

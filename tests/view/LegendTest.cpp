@@ -5,8 +5,8 @@
 #include "support/ImageComparison.h"
 #include "support/OffscreenView.h"
 #include "support/TemporaryFolder.h"
-#include "view/CurvatureScenes.h"
 #include "view/Legend.h"
+#include "view/RenderDispatcher.h"
 
 namespace gravlin {
 namespace {
@@ -64,7 +64,7 @@ TEST(Legend, NamesTheSameValuesAfterTheMeshWasSaved) {
   offscreen.document.geometryChanged();
   offscreen.document.OnCurvatureMax();
   const auto texts = [&] {
-    return textsOf(legendOf(*vertexField(offscreen.document).scale, {300, 300}));
+    return textsOf(legendOf(*gatherScene(offscreen.document.shown()).scale, {300, 300}));
   };
   const std::vector<std::string> before = texts();
   const float x = offscreen.document.currentMesh->vertices[0];

@@ -14,6 +14,7 @@
 
 #include "doc/CommandTable.h"
 #include "support/Allocations.h"
+#include "support/DisplayModes.h"
 #include "support/Invariants.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
@@ -31,8 +32,6 @@ using ::testing::FloatNear;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Pointwise;
-
-constexpr int lastDisplayMode = 40;
 
 struct Shape {
   std::vector<float> vertices;
@@ -100,7 +99,7 @@ Start usedStart(const std::string& name, const TriangleMesh& mesh, bool sameCoun
   start.undo->copyGeometryFrom(sameCounts ? test::jittered(mesh, 0.01) : test::cube());
   start.displayMode = sameCounts ? static_cast<int>(CurvatureMean) : doc.displayMode;
   start.linesFrom = doc.linesFrom;
-  start.creaseLinks = doc.decimator.creaseLinks;
+  start.creaseLinks = doc.creaseLinks;
   return start;
 }
 
@@ -225,7 +224,7 @@ struct Session {
     doc.displayMode = start.displayMode;
     doc.linesFrom = start.linesFrom;
     doc.silhouetteLines = start.silhouetteLines;
-    doc.decimator.creaseLinks = start.creaseLinks;
+    doc.creaseLinks = start.creaseLinks;
     doc.smoothingParameters.iterationCount = 1;
     doc.adaptiveSmoothingParameters.outerIterations = 1;
     doc.tensorSmoothingParameters.curvatureIterations = 2;
@@ -241,7 +240,7 @@ struct Session {
   void draw() {
     if (onlyRecords) seen.insert(shapeOf(*doc.currentMesh));
     try {
-      (void)gatherScene(doc);
+      (void)gatherScene(doc.shown());
     } catch (const std::bad_alloc&) {
       // A view shows that there is no memory, and the document goes on.
     }
@@ -320,9 +319,10 @@ void expectRedraws(Session& session) {
   // Saving moves positions by a rounding or two and leaves the normals as they are.
   EXPECT_THAT(mesh.faceNormals, Pointwise(FloatNear(1e-4F), fresh.faceNormals));
   EXPECT_THAT(mesh.vertexNormals, Pointwise(FloatNear(1e-4F), fresh.vertexNormals));
-  for (int mode = 0; mode <= lastDisplayMode; ++mode) {
+  for (const int mode : test::everyDisplayMode()) {
     session.doc.displayMode = mode;
-    (void)gatherScene(session.doc);
+    session.doc.redraw();
+    (void)gatherScene(session.doc.shown());
   }
 }
 

@@ -9,6 +9,7 @@
 #include "ImmediateFeatures.h"
 #include "ImmediateMode.h"
 #include "support/Allocations.h"
+#include "support/DisplayModes.h"
 #include "support/ImageComparison.h"
 #include "support/OffscreenView.h"
 #include "view/OpenGL.h"
@@ -53,7 +54,7 @@ class RendererTest : public ::testing::Test {
 
   /// Draws with a renderer of the test's own, in the picture's context.
   void drawWith(Renderer& renderer) {
-    renderer.draw(offscreen.document, offscreen.view, offscreen.target);
+    renderer.draw(offscreen.document.shown(), offscreen.view, offscreen.target);
   }
 
   test::OffscreenView offscreen;
@@ -358,7 +359,7 @@ TEST_F(RendererTest, DrawingAnUnchangedSceneAllocatesNothing) {
   offscreen.draw();  // binds the framebuffer
   Renderer renderer;
   renderer.initialise();
-  for (int mode = 0; mode <= 31; ++mode) {
+  for (const int mode : test::everyDisplayMode()) {
     offscreen.show(mode);
     // The driver compiles what it has not met before when it first draws with it.
     for (int warmUp = 0; warmUp < 2; ++warmUp) {

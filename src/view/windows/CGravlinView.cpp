@@ -34,8 +34,8 @@ std::optional<ArrowKey> arrowOf(int key) {
 
 }  // namespace
 
-CGravlinView::CGravlinView(const CGravlinDoc& shownDocument, QWidget* parent)
-    : QOpenGLWidget(parent), document(shownDocument) {
+CGravlinView::CGravlinView(const ShownSource& source, QWidget* parent)
+    : QOpenGLWidget(parent), document(source) {
   setObjectName("CGravlinView");
   setFocusPolicy(Qt::StrongFocus);
   // The picture stays in the framebuffer, so that a held view can go on showing it.
@@ -102,7 +102,7 @@ void CGravlinView::paintGL() {
 
 void CGravlinView::draw() {
   try {
-    renderer.draw(document, state, {{width(), height()}, devicePixelRatioF()});
+    renderer.draw(document.shown(), state, {{width(), height()}, devicePixelRatioF()});
     hasPicture = true;
     hasFailed = false;
   } catch (const std::bad_alloc&) {

@@ -3,21 +3,21 @@
 #include <optional>
 #include <QOpenGLWidget>
 
-#include "doc/CGravlinDoc.h"
+#include "doc/Shown.h"
 #include "view/Renderer.h"
 #include "view/ViewState.h"
 
 namespace gravlin {
 
-/// A window that draws a document and turns mouse, wheel and arrow keys into changes of its camera.
-/// All positions are counted in the widget's own pixels; line widths, point sizes and the text in
-/// the corner grow with the screen's pixel ratio.
+/// A window that draws what a document shows and turns mouse, wheel and arrow keys into changes of
+/// its camera. All positions are counted in the widget's own pixels; line widths, point sizes and
+/// the text in the corner grow with the screen's pixel ratio.
 class CGravlinView : public QOpenGLWidget {
   Q_OBJECT
 
  public:
-  /// `shownDocument` must outlive the view.
-  explicit CGravlinView(const CGravlinDoc& shownDocument, QWidget* parent = nullptr);
+  /// `source` must outlive the view.
+  explicit CGravlinView(const ShownSource& source, QWidget* parent = nullptr);
   ~CGravlinView() override;
 
   ViewState state;  ///< after a change from outside call update() or drawNow()
@@ -53,7 +53,7 @@ class CGravlinView : public QOpenGLWidget {
   void draw();
   void fail(const QString& sentence) noexcept;
 
-  const CGravlinDoc& document;
+  const ShownSource& document;
   Renderer renderer;
   bool initialised = false;
   bool isHeld = false;
