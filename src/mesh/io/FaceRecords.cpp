@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 #include "mesh/io/Scanner.h"
 
@@ -20,15 +21,16 @@ bool isBlank(char c) {
 
 bool FaceRecords::hasMoreCorners(const FaceRecord& record) {
   if (standsOnItsLine(record)) {
-    const std::size_t words = wordsBehind(record);
-    if (words == 0) return false;
-    if (static_cast<float>(words) == record.corners - 3.0F) return true;
+    const std::size_t words = wordsOnLine(record.end);
+    if (words == 0 && !mayGoOnInNextLine(record)) return false;
+    if (words > 0 && static_cast<float>(words) == record.corners - 3.0F) return true;
   }
   if (!polygons) polygons = readAsPolygons(record);
   return *polygons;
 }
 
-// All faces of a large file may come this way, so each is looked at once, character by character.
+// All faces of a large file may come this way, so each is looked at once or twice, character by
+// character.
 
 /// Whether the record begins a line and does not go on in the next one.
 bool FaceRecords::standsOnItsLine(const FaceRecord& record) const {
@@ -39,9 +41,21 @@ bool FaceRecords::standsOnItsLine(const FaceRecord& record) const {
   return beginsLine && std::find_if(c, end, isLineEnd) == end;
 }
 
-/// How many words follow on the line.
-std::size_t FaceRecords::wordsBehind(const FaceRecord& record) const {
-  const char* c = text.data() + record.end;
+/// Whether the next line with anything on it is no record of a triangle, or as long as the missing
+/// corners.
+bool FaceRecords::mayGoOnInNextLine(const FaceRecord& record) const {
+  constexpr std::size_t wordsOfTriangle = 4;
+  const char* const end = text.data() + text.size();
+  const char* const next = std::find_if(text.data() + record.end, end,
+                                        [](char c) { return !isBlank(c) && !isLineEnd(c); });
+  const std::size_t words = wordsOnLine(static_cast<std::size_t>(next - text.data()));
+  return words > 0 &&
+         (words < wordsOfTriangle || static_cast<float>(words) == record.corners - 3.0F);
+}
+
+/// How many words follow on a line.
+std::size_t FaceRecords::wordsOnLine(std::size_t begin) const {
+  const char* c = text.data() + begin;
   const char* const end = text.data() + text.size();
   std::size_t words = 0;
   bool inWord = false;
@@ -62,7 +76,20 @@ bool FaceRecords::readAsPolygons(const FaceRecord& first) const {
       if (!corner || *corner < 0 || *corner >= vertexCount) return false;
     }
   }
-  return true;
+  return behindFaces == BehindFaces::Nothing || readMarks(scanner);
+}
+
+/// Whether the rest are marks and nothing else.
+bool FaceRecords::readMarks(Scanner& scanner) const {
+  const std::optional<int> ridges = scanner.scanInt();
+  const std::optional<int> valleys = scanner.scanInt();
+  if (!ridges || !valleys || *ridges < 0 || *valleys < 0) return false;
+  const std::int64_t marks = std::int64_t{*ridges} + *valleys;
+  for (std::int64_t k = 0; k < marks; ++k) {
+    const std::optional<int> vertex = scanner.scanInt();
+    if (!vertex || *vertex < 0 || *vertex >= vertexCount) return false;
+  }
+  return !scanner.scanInt() && scanner.atEnd();
 }
 
 }  // namespace gravlin

@@ -6,6 +6,8 @@
 
 namespace gravlin {
 
+class Scanner;
+
 /// A face of a file as far as it is read: the count of corners that it announces and three of them.
 struct FaceRecord {
   std::size_t begin = 0;  ///< in the file's text, at the blanks before the count
@@ -14,18 +16,22 @@ struct FaceRecord {
   int facesLeft = 1;      ///< of the file, this one included
 };
 
+/// What a format has behind its faces: nothing that is read, or two counts and as many vertices.
+enum class BehindFaces { Nothing, Marks };
+
 /// Finds out whether records that announce more than three corners have more: some programs write a
 /// 4 before the three corners of every triangle.
 ///
-/// What stands on the line of a record decides where that is clear: nothing more, or just the
-/// corners that are missing. Otherwise, with several records on a line or one on several, they have
-/// more if all faces that are left can be read with all the corners that they announce. Triangles
-/// cannot: that takes more numbers than there are.
+/// What stands on the line of a record decides where that is clear: nothing more, with a record or
+/// nothing at all behind, or just the corners that are missing. Otherwise, with several records on
+/// a line or one on several, they have more if all faces that are left can be read with all the
+/// corners that they announce, and what the format has behind the faces, too. Triangles cannot:
+/// that takes more numbers than there are.
 class FaceRecords {
  public:
   /// The text must be followed by one NUL that does not belong to it, and outlive this.
-  FaceRecords(std::string_view fileText, int meshVertexCount)
-      : text(fileText), vertexCount(meshVertexCount) {}
+  FaceRecords(std::string_view fileText, int meshVertexCount, BehindFaces whatIsBehindFaces)
+      : text(fileText), vertexCount(meshVertexCount), behindFaces(whatIsBehindFaces) {}
 
   /// Whether a record that announces more than three corners has more. The whole file is looked
   /// through at most once, so that all calls together take no longer than reading it again.
@@ -33,11 +39,14 @@ class FaceRecords {
 
  private:
   bool standsOnItsLine(const FaceRecord& record) const;
-  std::size_t wordsBehind(const FaceRecord& record) const;
+  bool mayGoOnInNextLine(const FaceRecord& record) const;
+  std::size_t wordsOnLine(std::size_t begin) const;
   bool readAsPolygons(const FaceRecord& first) const;
+  bool readMarks(Scanner& scanner) const;
 
   std::string_view text;
   int vertexCount;
+  BehindFaces behindFaces;
   std::optional<bool> polygons;  ///< what looking through the file gave
 };
 

@@ -73,6 +73,7 @@ class RecordReader {
     int vertices = 0;
     int faces = 0;
   };
+  void readShape(BehindFaces behind);
   Counts readCounts(int numbersPerVertex);
   void requireRoomFor(const Counts& counts, int numbersPerVertex) const;
   WrittenCount readWrittenCount(const Noun& noun);
@@ -81,7 +82,7 @@ class RecordReader {
   int readArrayCount(const Noun& noun);
   void readVertices(int count);
   void readVerticesOfFiveNumbers(int count);
-  void readFaces(int count);
+  void readFaces(int count, BehindFaces behind);
   void readMarks(const Noun& noun, int count, std::vector<int>& marks);
 
   template <class ReadRecord>
@@ -111,17 +112,15 @@ void RecordReader::readData() {
 void RecordReader::readPly() {
   const Counts counts = readCounts(5);
   readVerticesOfFiveNumbers(counts.vertices);
-  readFaces(counts.faces);
+  readFaces(counts.faces, BehindFaces::Nothing);
 }
 
 void RecordReader::readPly2() {
-  const Counts counts = readCounts(3);
-  readVertices(counts.vertices);
-  readFaces(counts.faces);
+  readShape(BehindFaces::Nothing);
 }
 
 void RecordReader::readPlyR() {
-  readPly2();
+  readShape(BehindFaces::Marks);
   const int ridgeMarkCount = readCount(ridgeMarkNoun);
   const int valleyMarkCount = readCount(valleyMarkNoun);
   readMarks(ridgeMarkNoun, ridgeMarkCount, mesh.ridgeMarks);
@@ -131,6 +130,13 @@ void RecordReader::readPlyR() {
 }
 
 // --- Parts of formats ---
+
+/// All of a ply2 file, the beginning of a plyR file.
+void RecordReader::readShape(BehindFaces behind) {
+  const Counts counts = readCounts(3);
+  readVertices(counts.vertices);
+  readFaces(counts.faces, behind);
+}
 
 RecordReader::Counts RecordReader::readCounts(int numbersPerVertex) {
   Counts counts;
@@ -216,10 +222,10 @@ void RecordReader::readVerticesOfFiveNumbers(int count) {
   });
 }
 
-void RecordReader::readFaces(int count) {
+void RecordReader::readFaces(int count, BehindFaces behind) {
   mesh.setFaceCount(count);
   int largerPolygons = 0;
-  FaceRecords records(text, mesh.vertexCount);
+  FaceRecords records(text, mesh.vertexCount, behind);
   forEachRecord(faceNoun, count, [&](int f) {
     int* c = mesh.faces.data() + 3 * toIndex(f);
     const std::size_t begin = scanner.position();

@@ -182,6 +182,8 @@ const std::vector<BrokenFile>& brokenFiles() {
        "face 1 of 2 could not be read; 1 face with unusable corners left out", 4, 1},
       {"a quadrilateral", "a.ply2", "4 1 0 0 0 1 0 0 1 1 0 0 1 0 4 0 1 2 3",
        "1 face of more than 3 corners taken as a triangle", 4, 1},
+      {"a quadrilateral on two lines", "a.ply2", "4 1\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2\n3\n",
+       "1 face of more than 3 corners taken as a triangle", 4, 1},
       {"a decimal comma", "a.data", "1 0,5 1 1", "vertex 1 of 1 could not be read", 1, 0},
       {"bytes that are no text", "a.ply2",
        std::string("\x7f"
