@@ -1,6 +1,5 @@
 #pragma once
 
-#include <csignal>
 #include <string>
 
 namespace gravlin {
@@ -21,17 +20,16 @@ class SignalRemoval {
   int place = -1;  ///< in the table that the handler reads; -1 when there was none left
 };
 
-/// Lets SIGHUP, SIGINT and SIGTERM wait until the end of the scope, so that no such signal comes
-/// between making a file and its SignalRemoval.
+/// Lets SIGHUP, SIGINT and SIGTERM, whichever thread of the program they reach, wait until the end
+/// of the scope, so that none comes between making a file and its SignalRemoval. Scopes may lie in
+/// each other and overlap on several threads; the last one's end counts. A signal that the program
+/// ignores or handles itself stays as it is.
 class HeldSignals {
  public:
   HeldSignals();
   ~HeldSignals();
   HeldSignals(const HeldSignals&) = delete;
   HeldSignals& operator=(const HeldSignals&) = delete;
-
- private:
-  sigset_t before = {};
 };
 
 }  // namespace gravlin

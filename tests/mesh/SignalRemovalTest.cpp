@@ -1,7 +1,11 @@
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
+#include <pthread.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -105,6 +109,31 @@ TEST(SignalRemoval, MoreFilesThanTheTableHoldsDoNoHarm) {
   EXPECT_EQ(after.sa_handler, SIG_DFL);
 }
 
+/// A thread that does nothing but take the signal that is sent to it, and goes on until it is over.
+class OtherThread {
+ public:
+  ~OtherThread() {
+    over = true;
+    thread.join();
+  }
+  /// Returns when the signal's handler has.
+  void take(int signal) {
+    pthread_kill(thread.native_handle(), signal);
+    const int before = rounds;
+    while (rounds < before + 3) std::this_thread::yield();
+  }
+
+ private:
+  std::atomic<bool> over = false;
+  std::atomic<int> rounds = 0;
+  std::thread thread{[this] {
+    while (!over) {
+      ++rounds;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  }};
+};
+
 TEST(HeldSignals, ASignalWaitsForTheEndOfTheScope) {
   const TemporaryFolder folder;
   EXPECT_EXIT(
@@ -120,6 +149,78 @@ TEST(HeldSignals, ASignalWaitsForTheEndOfTheScope) {
       },
       KilledBySignal(SIGTERM), "");
   EXPECT_EQ(folder.entryCount(), 2);
+}
+
+TEST(HeldSignals, ASignalWaitsWhicheverThreadItReaches) {
+  for (const int signal : endings) {
+    const TemporaryFolder folder;
+    EXPECT_EXIT(
+        {
+          OtherThread other;
+          {
+            const HeldSignals held;
+            other.take(signal);
+            makeFile(folder.file("reached"));
+          }
+          makeFile(folder.file("not reached"));
+        },
+        KilledBySignal(signal), "");
+    EXPECT_EQ(folder.entryCount(), 1);
+  }
+}
+
+TEST(HeldSignals, AFileMadeMeanwhileGoesWithTheSignal) {
+  const TemporaryFolder folder;
+  EXPECT_EXIT(
+      {
+        OtherThread other;
+        std::unique_ptr<SignalRemoval> removal;
+        {
+          const HeldSignals held;
+          makeFile(folder.file("a"));
+          other.take(SIGTERM);
+          removal = std::make_unique<SignalRemoval>(folder.file("a"));
+        }
+        makeFile(folder.file("not reached"));
+      },
+      KilledBySignal(SIGTERM), "");
+  EXPECT_EQ(folder.entryCount(), 0);
+}
+
+TEST(HeldSignals, TheLastOfSeveralThreadsLetsTheSignalThrough) {
+  const TemporaryFolder folder;
+  EXPECT_EXIT(
+      {
+        auto first = std::make_unique<HeldSignals>();
+        std::thread([&] {
+          const HeldSignals second;
+          raise(SIGTERM);
+          first.reset();
+          makeFile(folder.file("reached"));
+        }).join();
+        makeFile(folder.file("not reached"));
+      },
+      KilledBySignal(SIGTERM), "");
+  EXPECT_EQ(folder.entryCount(), 1);
+}
+
+TEST(HeldSignals, HandlersAreAsTheyWereAndASignalThatIsIgnoredStaysIgnored) {
+  { const HeldSignals held; }
+  for (const int signal : endings) {
+    struct sigaction after = {};
+    sigaction(signal, nullptr, &after);
+    EXPECT_EQ(after.sa_handler, SIG_DFL);
+  }
+  EXPECT_EXIT(
+      {
+        std::signal(SIGHUP, SIG_IGN);
+        {
+          const HeldSignals held;
+          raise(SIGHUP);
+        }
+        _exit(3);
+      },
+      ExitedWithCode(3), "");
 }
 
 TEST(SafeFile, ASignalLeavesTheOldFileAndNothingElse) {
@@ -152,6 +253,34 @@ TEST(SafeFile, ASignalAfterCommitLeavesTheNewFile) {
       KilledBySignal(SIGTERM), "");
   EXPECT_EQ(contentOf(path), "new");
   EXPECT_EQ(folder.entryCount(), 1);
+}
+
+// Files come and go while the signal is on its way to another thread.
+TEST(SafeFile, ASignalToAnotherThreadLeavesNothingAtAnyMoment) {
+  constexpr int moments = 40;
+  for (int moment = 0; moment < moments; ++moment) {
+    const TemporaryFolder folder;
+    const std::string path = folder.write("a", "old");
+    EXPECT_EXIT(
+        {
+          sigset_t set = {};
+          sigemptyset(&set);
+          sigaddset(&set, SIGTERM);
+          std::thread([moment] {
+            std::this_thread::sleep_for(std::chrono::microseconds(17 * moment));
+            kill(getpid(), SIGTERM);
+            pause();
+          }).detach();
+          pthread_sigmask(SIG_BLOCK, &set, nullptr);  // so that it takes the other thread
+          for (;;) {
+            SafeFile file(path);
+            std::fputs("new", file.stream());
+          }
+        },
+        KilledBySignal(SIGTERM), "");
+    EXPECT_EQ(contentOf(path), "old");
+    ASSERT_EQ(folder.entryCount(), 1) << "moment " << moment;
+  }
 }
 
 }  // namespace
