@@ -5,7 +5,6 @@
 #include "doc/CGravlinDoc.h"
 #include "features/LineExport.h"
 #include "mesh/io/MeshFile.h"
-#include "mesh/MeshMeasures.h"
 #include "mesh/SafeFile.h"
 
 namespace gravlin {
@@ -37,7 +36,7 @@ bool CGravlinDoc::exportLines(const std::string& filePath) {
   const std::string extension = extensionOf(filePath);
   // A picture has the lines that the view shows; a pen drawing leaves the weak ones out.
   const bool penDrawing = extension == "svg" && displayMode == Silhouette;
-  const std::vector<ExportedLine> lines =
+  const auto [lines, broken] =
       penDrawing ? linesToExport(mesh, silhouetteLines) : linesToExport(mesh, lineOrigin());
   std::string text;
   if (extension == "obj") {
@@ -59,14 +58,13 @@ bool CGravlinDoc::exportLines(const std::string& filePath) {
                         ".");
     return false;
   }
-  const std::string broken =
-      countNonFiniteVertices(mesh) == 0 ? "" : " Positions that are not finite are left out.";
+  const std::string remark = broken ? " Positions that are not finite are left out." : "";
   if (lines.empty()) {
-    tell("No lines were found on this mesh; " + filePath + " holds none." + broken);
+    tell("No lines were found on this mesh; " + filePath + " holds none." + remark);
     return true;
   }
   const std::string count = std::to_string(lines.size()) + (lines.size() == 1 ? " line" : " lines");
-  tell(count + " written to " + filePath + "." + broken);
+  tell(count + " written to " + filePath + "." + remark);
   return true;
 }
 

@@ -102,31 +102,42 @@ double meanCurvatureAlong(const TriangleMesh& mesh, const Polyline& line,
   return unit == 0.0 ? 0.0 : inMemory / unit;
 }
 
-void addLines(const TriangleMesh& mesh, std::vector<Polyline> polylines, int kind,
-              const std::vector<double>& curvature, std::vector<ExportedLine>& lines) {
-  for (Polyline& polyline : polylines) {
+/// The lines of one kind.
+struct Lines {
+  int kind;
+  std::vector<Polyline> polylines;
+  const std::vector<double>& curvature;
+};
+
+void addLines(const TriangleMesh& mesh, Lines added, LinesToExport& destination) {
+  for (Polyline& polyline : added.polylines) {
+    const std::size_t length = polyline.vertices.size();
+    std::size_t kept = 0;
     for (Polyline& part : finiteParts(mesh, std::move(polyline))) {
-      const double mean = meanCurvatureAlong(mesh, part, curvature);
-      lines.push_back({kindNames[static_cast<std::size_t>(kind)], kind, std::move(part), mean});
+      kept += part.vertices.size();
+      const double mean = meanCurvatureAlong(mesh, part, added.curvature);
+      destination.lines.push_back(
+          {kindNames[static_cast<std::size_t>(added.kind)], added.kind, std::move(part), mean});
     }
+    destination.broken |= kept < length;
   }
 }
 
 }  // namespace
 
-std::vector<ExportedLine> linesToExport(const TriangleMesh& mesh, LineOrigin origin) {
+LinesToExport linesToExport(const TriangleMesh& mesh, LineOrigin origin) {
   const int firstKind = origin == LineOrigin::RidgesAndValleys ? 0 : 2;
-  std::vector<ExportedLine> lines;
-  addLines(mesh, chainLinks(mesh.ridgeLinks), firstKind, mesh.maxCurvature, lines);
-  addLines(mesh, chainLinks(mesh.valleyLinks), firstKind + 1, mesh.minCurvature, lines);
-  return lines;
+  LinesToExport all;
+  addLines(mesh, {firstKind, chainLinks(mesh.ridgeLinks), mesh.maxCurvature}, all);
+  addLines(mesh, {firstKind + 1, chainLinks(mesh.valleyLinks), mesh.minCurvature}, all);
+  return all;
 }
 
-std::vector<ExportedLine> linesToExport(const TriangleMesh& mesh, const SilhouetteLines& drawing) {
-  std::vector<ExportedLine> lines;
-  addLines(mesh, drawing.ridges, 0, mesh.maxCurvature, lines);
-  addLines(mesh, drawing.valleys, 1, mesh.minCurvature, lines);
-  return lines;
+LinesToExport linesToExport(const TriangleMesh& mesh, const SilhouetteLines& drawing) {
+  LinesToExport all;
+  addLines(mesh, {0, drawing.ridges, mesh.maxCurvature}, all);
+  addLines(mesh, {1, drawing.valleys, mesh.minCurvature}, all);
+  return all;
 }
 
 std::string linesAsObj(const TriangleMesh& mesh, const std::vector<ExportedLine>& lines) {

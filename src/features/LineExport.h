@@ -18,6 +18,14 @@ struct ExportedLine {
       meanCurvature;  ///< of the line's own principal curvature, 1/length in file units; 0 unknown
 };
 
+/// The lines of a mesh as far as a file can hold them.
+struct LinesToExport {
+  std::vector<ExportedLine> lines;
+  /// Whether lines met positions that are not finite, in memory or in the file's units. There they
+  /// are broken, and parts of one vertex are left out.
+  bool broken = false;
+};
+
 /// How a view draws lines.
 struct LineStyle {
   bool grayScale = false;   ///< white and black in place of colours
@@ -33,13 +41,11 @@ struct LinesToDraw {
 /// What the links of a mesh stand for.
 enum class LineOrigin { RidgesAndValleys, Creases };
 
-/// The chained ridge lines, then the chained valley lines of a mesh. Where a position is not
-/// finite, in memory or in the file's units, a line is broken, and parts of one vertex are left
-/// out.
-std::vector<ExportedLine> linesToExport(const TriangleMesh& mesh, LineOrigin origin);
+/// The chained ridge lines, then the chained valley lines of a mesh.
+LinesToExport linesToExport(const TriangleMesh& mesh, LineOrigin origin);
 
-/// The lines of a pen drawing, ridges first, broken in the same way.
-std::vector<ExportedLine> linesToExport(const TriangleMesh& mesh, const SilhouetteLines& drawing);
+/// The lines of a pen drawing, ridges first.
+LinesToExport linesToExport(const TriangleMesh& mesh, const SilhouetteLines& drawing);
 
 /// The lines as Wavefront text: one "v" record per line vertex, one "l" record per line, a group
 /// per kind. A closed line repeats its first vertex. Positions in the file's units.

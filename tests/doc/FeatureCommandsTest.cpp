@@ -656,6 +656,30 @@ TEST(ExportLinesCommand, WhenNoneWereFoundTheFileHasNoneAndTheStatusSaysSo) {
   }
 }
 
+TEST(ExportLinesCommand, PositionsThatAreLeftOutAreToldOfWhenLinesMeetThem) {
+  const TemporaryFolder folder;
+  const std::string path = folder.file("lines.obj");
+  const std::string remark = "Positions that are not finite are left out.";
+  TriangleMesh mesh = bumpyGrid(12, 12);
+  Desk desk(mesh);
+  desk.findCreases({{"thresholdMode", "angle"}, {"angle", "1"}});
+  const auto& links = desk.mesh().ridgeLinks;
+  const auto isOnLine = [&](std::size_t v) {
+    return !links[v].empty() || !desk.mesh().valleyLinks[v].empty();
+  };
+  const auto breakVertex = [&](bool onLine) {
+    std::size_t v = 0;
+    while (isOnLine(v) != onLine) ++v;
+    desk.mesh().vertices[3 * v] = std::numeric_limits<float>::infinity();
+  };
+  breakVertex(false);
+  EXPECT_TRUE(desk.doc.exportLines(path));
+  EXPECT_THAT(desk.outside.statuses.back(), Not(::testing::HasSubstr(remark)));
+  breakVertex(true);
+  EXPECT_TRUE(desk.doc.exportLines(path));
+  EXPECT_THAT(desk.outside.statuses.back(), ::testing::EndsWith(remark));
+}
+
 TEST(ExportLinesCommand, LinesThatWentWithTheirMeshGetAMessageUntilSomeAreLookedForAgain) {
   const TemporaryFolder folder;
   const std::string path = folder.file("lost-lines.obj");
@@ -722,7 +746,7 @@ TEST(ExportLinesCommand, APictureOfAPenDrawingHasOnlyTheLinesThatItShows) {
   desk.doc.OnSilhouette();
   const SilhouetteLines& shown = desk.doc.silhouetteLines;
   const std::size_t strong = shown.ridges.size() + shown.valleys.size();
-  const std::size_t all = linesToExport(desk.mesh(), LineOrigin::RidgesAndValleys).size();
+  const std::size_t all = linesToExport(desk.mesh(), LineOrigin::RidgesAndValleys).lines.size();
   ASSERT_LT(strong, all);
   EXPECT_EQ(exportedAs(desk, ".svg"), "pen drawing of " + std::to_string(strong) + " lines");
   std::stringstream obj(exportedAs(desk, ".obj"));

@@ -25,14 +25,14 @@ TriangleMesh squareWithLines() {
 
 TEST(LineExport, ObjHasFileUnitsOneRecordPerLineAndClosedLoops) {
   const TriangleMesh mesh = squareWithLines();
-  EXPECT_EQ(linesAsObj(mesh, linesToExport(mesh, LineOrigin::RidgesAndValleys)),
+  EXPECT_EQ(linesAsObj(mesh, linesToExport(mesh, LineOrigin::RidgesAndValleys).lines),
             "v 10 0 0\nv 10.5 0 0\nv 10.5 0.5 0\nv 10 0.5 0\n"
             "g ridge\nl 1 2 3 4 1\ng valley\nl 1 3\n");
 }
 
 TEST(LineExport, VtkTellsKindAndMeanCurvatureInFileUnits) {
   const TriangleMesh mesh = squareWithLines();
-  EXPECT_EQ(linesAsVtk(mesh, linesToExport(mesh, LineOrigin::RidgesAndValleys)),
+  EXPECT_EQ(linesAsVtk(mesh, linesToExport(mesh, LineOrigin::RidgesAndValleys).lines),
             "# vtk DataFile Version 3.0\nFeature lines\nASCII\nDATASET POLYDATA\n"
             "POINTS 4 float\n10 0 0\n10.5 0 0\n10.5 0.5 0\n10 0.5 0\n"
             "LINES 2 9\n5 0 1 2 3 0\n2 0 2\n"
@@ -42,15 +42,15 @@ TEST(LineExport, VtkTellsKindAndMeanCurvatureInFileUnits) {
 
 TEST(LineExport, MeanCurvatureKeepsTheScaleThatItWasEstimatedAt) {
   TriangleMesh mesh = squareWithLines();
-  const double before = linesToExport(mesh, LineOrigin::RidgesAndValleys)[0].meanCurvature;
+  const double before = linesToExport(mesh, LineOrigin::RidgesAndValleys).lines[0].meanCurvature;
   EXPECT_EQ(before, 3.0 / 0.5);
   mesh.extentTolerance = 0.125;  // scaled anew: four times as large in memory
-  EXPECT_EQ(linesToExport(mesh, LineOrigin::RidgesAndValleys)[0].meanCurvature, before);
+  EXPECT_EQ(linesToExport(mesh, LineOrigin::RidgesAndValleys).lines[0].meanCurvature, before);
 }
 
 TEST(LineExport, LinesOfTheCreaseDetectionAreConvexAndConcaveCreases) {
   const TriangleMesh mesh = squareWithLines();
-  const auto lines = linesToExport(mesh, LineOrigin::Creases);
+  const auto lines = linesToExport(mesh, LineOrigin::Creases).lines;
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_EQ(lines[0].kind, "convex_crease");
   EXPECT_EQ(lines[1].kind, "concave_crease");
@@ -74,7 +74,8 @@ TEST(LineExport, LinesBreakAtPositionsThatAreNotFinite) {
   mesh.vertices[3 * 7 + 2] = -std::numeric_limits<float>::infinity();  // leaves vertex 6 alone
   mesh.vertices[27] = std::numeric_limits<float>::max();  // of vertex 9, finite in memory only
   mesh.extentTolerance = 2.0;
-  const auto lines = linesToExport(mesh, LineOrigin::RidgesAndValleys);
+  const auto [lines, broken] = linesToExport(mesh, LineOrigin::RidgesAndValleys);
+  EXPECT_TRUE(broken);
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_EQ(lines[0].line, (Polyline{{3, 4, 5, 0, 1}, false}));
   EXPECT_EQ(lines[1].line, (Polyline{{10, 11}, false}));
@@ -83,10 +84,24 @@ TEST(LineExport, LinesBreakAtPositionsThatAreNotFinite) {
     EXPECT_EQ(text.find("inf"), std::string::npos) << text;
   }
   const SilhouetteLines drawing = {{{{0, 1, 2, 3}, false}}, {{{6, 7, 8}, true}}};
-  const auto penned = linesToExport(mesh, drawing);
+  const auto penned = linesToExport(mesh, drawing).lines;
   ASSERT_EQ(penned.size(), 2U);
   EXPECT_EQ(penned[0].line, (Polyline{{0, 1}, false}));
   EXPECT_EQ(penned[1].line, (Polyline{{8, 6}, false})) << "across the former end";
+}
+
+// An end that is lost, a line that is lost altogether, and vertices that no line runs through.
+TEST(LineExport, LinesAreBrokenOnlyWhereTheyMeetPositionsThatAreNotFinite) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const auto isBroken = [nan](int brokenVertex, const SilhouetteLines& drawing) {
+    TriangleMesh mesh = test::bumpyGrid(3, 3);
+    mesh.extentTolerance = 1.0;
+    mesh.vertices[3 * static_cast<std::size_t>(brokenVertex) + 1] = nan;
+    return linesToExport(mesh, drawing).broken;
+  };
+  const SilhouetteLines drawing = {{{{0, 1, 2}, false}}, {{{4, 5}, false}, {{6, 7, 8}, true}}};
+  EXPECT_FALSE(isBroken(3, drawing));
+  for (const int v : {0, 1, 2, 4, 5, 6, 7, 8}) EXPECT_TRUE(isBroken(v, drawing)) << v;
 }
 
 TEST(LineExport, WithoutLinesTheFilesAreEmptyButValid) {

@@ -73,7 +73,7 @@ TEST(LongLine, PassesThroughEveryStage) {
     ASSERT_EQ(mesh.position(v), (Vec3{static_cast<double>(c), 1.0, 0.0})) << "straight already";
   }
 
-  const auto lines = linesToExport(mesh, LineOrigin::RidgesAndValleys);
+  const auto lines = linesToExport(mesh, LineOrigin::RidgesAndValleys).lines;
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_EQ(lines[0].line.vertices.size(), static_cast<std::size_t>(ridgeVertices));
   const std::string obj = linesAsObj(mesh, lines);
