@@ -221,6 +221,21 @@ bool showsOwnMode(const DumpSubject& subject) {
   return subject.document.displayMode >= firstOwnMode;
 }
 
+/// A length of 1 in memory, when the field was found, in the file's units.
+template <auto field, auto origin>
+void writeUnit(JsonWriter& json, const DumpSubject& subject) {
+  const TriangleMesh* mesh = subject.document.currentMesh.get();
+  if (mesh == nullptr || (mesh->*field).empty()) return json.null();
+  json.value((mesh->*origin).unit);
+}
+
+template <auto field, auto origin>
+bool hasItsOwnUnit(const DumpSubject& subject) {
+  const TriangleMesh* mesh = subject.document.currentMesh.get();
+  if (mesh == nullptr || (mesh->*field).empty()) return false;
+  return (mesh->*origin).unit != mesh->extentTolerance;
+}
+
 constexpr SubjectField subjectFields[] = {
     {"displayMode",
      [](JsonWriter& json, const DumpSubject& s) { json.value(s.document.displayMode); }},
@@ -229,6 +244,10 @@ constexpr SubjectField subjectFields[] = {
     {"histogram", writeHistogram},
     {"view", writeView},
     {"shownField", writeShownField, showsOwnMode},
+    {"curvatureUnit", writeUnit<&Mesh::maxCurvature, &Mesh::curvatureOrigin>,
+     hasItsOwnUnit<&Mesh::maxCurvature, &Mesh::curvatureOrigin>},
+    {"edgeCurvatureUnit", writeUnit<&Mesh::edgeCurvatures, &Mesh::edgeCurvatureOrigin>,
+     hasItsOwnUnit<&Mesh::edgeCurvatures, &Mesh::edgeCurvatureOrigin>},
 };
 
 std::vector<std::string> namesIn(std::string_view list) {

@@ -26,8 +26,10 @@ struct DumpSubject {
 };
 
 /// Writes one JSON object with the named fields, or with all of them when none is named; the field
-/// that is shown then only in a mode with a number from `firstOwnMode` on. Positions are the
-/// normalised ones; what has not been built is null. A name that is unknown is left out.
+/// that is shown then only in a mode with a number from `firstOwnMode` on, and the units of
+/// curvatures where they differ from `extentTolerance`. Positions are the normalised ones, and
+/// curvatures belong to the positions when they were found: divided by their unit they are in the
+/// file's units. What has not been built is null. A name that is unknown is left out.
 void dump(const DumpSubject& subject, const std::vector<std::string>& fields, std::FILE* stream);
 
 }  // namespace gravlin

@@ -93,6 +93,38 @@ TEST_F(Dump, HoldsCurvatureLinesAndStrokesWhenTheyAreThere) {
   EXPECT_EQ(all["hasUndo"], true);
 }
 
+// A sphere of radius 3 about (1, 2, 3), 20 units large in memory, that comes down to half of that;
+// saving measures it anew.
+TEST_F(Dump, TellsWithWhichUnitCurvaturesAreThoseOfTheFile) {
+  const test::TemporaryFolder folder;
+  TriangleMesh sphere = test::icosphere(3, 3.0);
+  for (std::size_t c = 0; c < sphere.vertices.size(); ++c) {
+    sphere.vertices[c] += static_cast<float>(c % 3 + 1);
+  }
+  sphere.normalize();
+  sphere.computeNormals();
+  load(std::move(sphere));
+  const std::vector<std::string> names = {"curvatureUnit", "edgeCurvatureUnit"};
+  for (const std::string& name : names) EXPECT_TRUE(dumped(names)[name].is_null());
+  doc.OnCurvatureMax();
+  doc.OnEdgeCurvature();
+  for (const std::string& name : names) {
+    EXPECT_EQ(dumped(names)[name], dumped()["extentTolerance"]);
+    EXPECT_FALSE(dumped().contains(name)) << "there is one unit for all";
+  }
+  doc.keepUndoCopy();
+  for (float& x : doc.currentMesh->vertices) x *= 0.5F;
+  doc.geometryChanged();
+  ASSERT_TRUE(doc.saveFile(folder.file("half.ply2")));
+  const json all = dumped();
+  const double unit = all["curvatureUnit"];
+  EXPECT_NEAR(unit, 0.05 * 6.0, 1e-6);
+  EXPECT_EQ(all["edgeCurvatureUnit"], all["curvatureUnit"]);  // there, since it is another one
+  EXPECT_NEAR(all["extentTolerance"], 0.05 * 3.0, 1e-6);
+  // 1/3 up to the error of the estimate.
+  EXPECT_NEAR(std::abs(all["maxCurvature"][17].get<double>()) / unit, 1.0 / 3.0, 0.02);
+}
+
 TEST_F(Dump, WritesOnlyTheFieldsThatAreNamed) {
   load(test::cube());
   const json some = dumped({"faceCount", "view"});
@@ -127,9 +159,10 @@ TEST_F(Dump, KeepsPositionsThatAreNotFiniteReadable) {
 TEST_F(Dump, IsNullThroughoutWithoutAMeshAndTellsTheViewAllTheSame) {
   const json all = dumped();
   for (const std::string_view name : dumpFieldNames()) {
-    if (name == "shownField") continue;  // written when it is asked for
     const bool known = name == "displayMode" || name == "hasUndo" || name == "view";
-    EXPECT_EQ(all[std::string(name)].is_null(), !known) << name;
+    const bool onlyWhenNamed = name == "shownField" || name.ends_with("Unit");
+    EXPECT_EQ(all.contains(name), !onlyWhenNamed) << name;
+    EXPECT_EQ(dumped({std::string(name)})[std::string(name)].is_null(), !known) << name;
   }
   for (const char* name :
        {"angleX", "angleY", "angleZ", "fieldOfView", "translation", "lightingMode", "lineWidth",
