@@ -25,8 +25,9 @@ class CurvatureTensorSmoother {
   /// any distance and any sigma. A sum of zero keeps the old direction.
   ///
   /// After the last iteration the direction of the larger curvature in absolute value (the minimum
-  /// in a tie) is normalised and the other rebuilt as right-handed with the normal; both become 0
-  /// where the trusted one is 0.
+  /// in a tie) is normalised and the other rebuilt as its cross product with the normal, which
+  /// makes them right-handed, and that one shorter than 1 where the first leans out of the tangent
+  /// plane; both become 0 where the trusted one is 0.
   void smoothDirections(int iterations, float sigma);
 
   /// The iteration of smoothDirections on `maxDerivativeGradient` and `minDerivativeGradient`,

@@ -88,14 +88,17 @@ void CGravlinDoc::numberShape() {
 }
 
 void CGravlinDoc::tellHistogramAge() {
-  if (!histogramContents) return;
-  if (!currentMesh || histogramContents->shape != currentMesh->shape) {
-    outside.setHistogramAge(HistogramAge::EarlierShape);
-  } else {
-    outside.setHistogramAge(histogramContents->smoothedSince
-                                ? HistogramAge::BeforeCurvatureSmoothing
-                                : HistogramAge::Current);
-  }
+  if (histogramContents) outside.setHistogramAge(ageOf(*histogramContents));
+}
+
+HistogramAge CGravlinDoc::ageOf(const HistogramContents& contents) const {
+  const FieldOrigin& then = contents.origin;
+  if (!currentMesh || then.shape != currentMesh->shape) return HistogramAge::EarlierShape;
+  const FieldOrigin& now = currentMesh->curvatureOrigin;
+  const bool concernsIt = contents.principalCurvature && now.shape == then.shape;
+  if (!concernsIt || now.smoothing == then.smoothing) return HistogramAge::Current;
+  return now.smoothing != 0 ? HistogramAge::BeforeCurvatureSmoothing
+                            : HistogramAge::BeforeNewEstimate;
 }
 
 void CGravlinDoc::haveLines(LinesFrom origin) {

@@ -43,6 +43,8 @@ struct MeshOrigin {
   /// How far positions in memory may lie from those of the file, in its units, by what `normalize`
   /// has lost since; see PositionLoss.h. What commands change on purpose is no part of it.
   double positionLoss = 0.0;
+  /// The same since the shape was last written to any file, or read.
+  double lossSinceSaving = 0.0;
 };
 
 /// One open document: the current mesh, one undo copy, the values that the dialogs remember, and a
@@ -175,8 +177,8 @@ class CGravlinDoc final : public ShownSource {
   /// Asks before a file with content becomes empty because nothing writes its extension, and before
   /// the file last opened or saved is replaced by one whose positions lie more than 1e-5 of the
   /// mesh's extent from those stored: those of the present shape, exactly as they are in memory,
-  /// plus what `meshOrigin.positionLoss` says of them. Where a file becomes empty the result is
-  /// false.
+  /// plus what `meshOrigin` says that they lost since that file was read or written. Where a file
+  /// becomes empty the result is false.
   bool saveFile(const std::string& filePath);
   /// Why something that is no mesh may not be written under this name, as a sentence: the mesh was
   /// opened from or saved to the file that is there. Empty when it may.
@@ -229,17 +231,15 @@ class CGravlinDoc final : public ShownSource {
   void haveLines(LinesFrom origin);
   /// Gives the shape of the current mesh, which may be a new one, its number.
   void numberShape();
-  /// Notes that the current mesh's curvature values have been smoothed.
-  void curvatureSmoothed();
   /// Has the histogram window tell how old its values are.
   void tellHistogramAge();
   /// Whether the name leads to the file last opened or saved, and that is not empty.
   bool holdsItsMesh(const std::string& filePath) const;
   /// Why saving under this name would lose what only the file there holds; empty when it would not.
   std::string lossBySaving(const std::string& filePath) const;
-  /// How far a file would lie from the positions stored, and why, as a part of a sentence; empty
-  /// when it is not worth a word.
-  std::string shiftBySaving() const;
+  /// How far a file of this name would lie from the positions stored, and why, as a part of a
+  /// sentence; empty when it is not worth a word.
+  std::string shiftBySaving(const std::string& target) const;
   bool saveNothing(const std::string& filePath);
   void noteSaved(const SaveResult& saved, const std::string& shift);
   bool hasMeshToSave();  ///< shows a message when there is none
@@ -264,14 +264,15 @@ class CGravlinDoc final : public ShownSource {
   void showStrokes(DisplayMode mode);
 
   Outside& outside;
-  std::uint64_t shapes = 0;  ///< how many shapes have a number
+  std::uint64_t shapes = 0;      ///< how many shapes have a number
+  std::uint64_t smoothings = 0;  ///< how many smoothings of curvature values have one
   /// What the values in the histogram window are of; nothing before it has any.
   struct HistogramContents {
-    std::uint64_t shape;
-    bool principalCurvature;     ///< a field made from the principal curvatures
-    bool smoothedSince = false;  ///< these have been smoothed since
+    FieldOrigin origin;
+    bool principalCurvature;  ///< a field made from the principal curvatures
   };
   std::optional<HistogramContents> histogramContents;
+  HistogramAge ageOf(const HistogramContents& contents) const;
   bool histogramIsDue = false;  ///< the next redraw gives the histogram window its values
   /// The values of the field that the last redraw showed.
   struct FormedField {

@@ -43,7 +43,7 @@ void CGravlinDoc::OnSmoothingCurvatureTensor() {
   };
   phase(showsMax ? CurvatureMax : CurvatureMin, parameters.curvatureIterations, [&](int n) {
     curvatureTensorSmoother.smoothCurvatureValues(n, parameters.curvatureThreshold);
-    if (n > 0) curvatureSmoothed();
+    if (n > 0) currentMesh->curvatureOrigin.smoothing = ++smoothings;
   });
   phase(showsMax ? DirectionMax : DirectionMin, parameters.directionIterations,
         [&](int n) { curvatureTensorSmoother.smoothDirections(n, parameters.directionThreshold); });
@@ -85,7 +85,7 @@ void CGravlinDoc::fillHistogram() {
   if (formedField.outOfMemory) throw std::bad_alloc();
   outside.setHistogramValues(formedField.values);
   const Mode& mode = *findMode(displayMode);
-  histogramContents = {.shape = fieldOrigin(mode, *currentMesh).shape,
+  histogramContents = {.origin = fieldOrigin(mode, *currentMesh),
                        .principalCurvature = showsPrincipalCurvature(mode)};
   tellHistogramAge();
 }
@@ -104,11 +104,6 @@ void CGravlinDoc::OnTensorMax() {
 
 void CGravlinDoc::OnTensorMin() {
   showMode(TensorMin);
-}
-
-void CGravlinDoc::curvatureSmoothed() {
-  if (!histogramContents || !histogramContents->principalCurvature) return;
-  if (histogramContents->shape == currentMesh->shape) histogramContents->smoothedSince = true;
 }
 
 void CGravlinDoc::OnCurvatureMax() {

@@ -109,6 +109,7 @@ void CGravlinDoc::OnEdgeDetectionLocalMax() {
   ridgeDetector.fillGaps();
   if (parameters.extractOn == RidgeParameters::OnFace) {
     marks.keep();
+    tellHistogramAge();  // nothing is drawn that would have it told
     return unsmoothed.forget();
   }
 

@@ -46,7 +46,10 @@ bool CGravlinDoc::openFile(const std::string& filePath) {
   }
   // All names before the mesh: it must never stand under the name of another file.
   std::string newPath = filePath;
-  MeshOrigin origin = {filePath, opened.extent, opened.positionLoss};
+  MeshOrigin origin = {.path = filePath,
+                       .extent = opened.extent,
+                       .positionLoss = opened.positionLoss,
+                       .lossSinceSaving = opened.positionLoss};
   opened.mesh->shape = ++shapes;
   replaceMesh(std::move(opened.mesh));
   linesAreLost = false;  // they were of another mesh
@@ -105,11 +108,13 @@ std::string CGravlinDoc::lossBySaving(const std::string& filePath) const {
   return "not all of it could be read, and what is missing in the mesh would be lost";
 }
 
-std::string CGravlinDoc::shiftBySaving() const {
+std::string CGravlinDoc::shiftBySaving(const std::string& target) const {
   constexpr double negligible = 1e-5;  // of the extent
   const std::optional<WritingLoss> writing = lossByWriting(*currentMesh);
   if (!writing) return {};
-  const double shift = meshOrigin.positionLoss + writing->largest;
+  const bool isSavedAgain = isSameFile(target, path) && !isSameFile(target, meshOrigin.path);
+  const double before = isSavedAgain ? meshOrigin.lossSinceSaving : meshOrigin.positionLoss;
+  const double shift = before + writing->largest;
   if (!(shift > negligible * writing->extent)) return {};
   std::string text = "by up to " + lossText(shift);
   if (writing->extent > 0.0) {
@@ -117,7 +122,7 @@ std::string CGravlinDoc::shiftBySaving() const {
   }
   // Half of the last decimal, and a little for the rounding before.
   constexpr double lossOfDecimals = 0.6e-6;
-  if (meshOrigin.positionLoss > writing->largest) return text + ", since its box was not measured";
+  if (before > writing->largest) return text + ", since its box was not measured";
   if (writing->largest < lossOfDecimals) return text + ", since files hold six decimals";
   return text + ", since numbers have seven digits and it lies far from the origin";
 }
@@ -139,6 +144,7 @@ bool CGravlinDoc::saveNothing(const std::string& filePath) {
     return false;
   }
   meshOrigin.positionLoss += saved.positionLoss;
+  meshOrigin.lossSinceSaving += saved.positionLoss;
   redraw();
   const std::string outcome = filePath + " is empty: Save writes no ." + extension +
                               " files. The mesh is not saved; choose a" + nameToSave;
@@ -160,7 +166,7 @@ bool CGravlinDoc::saveFile(const std::string& filePath) {
     return false;
   }
   if (!hasWriter(extensionOf(target))) return saveNothing(target);
-  const std::string shift = shiftBySaving();
+  const std::string shift = shiftBySaving(target);
   if (!shift.empty() && holdsItsMesh(target) &&
       !outside.confirm({.text = "Saving over " + fileNameOf(target) + " moves its vertices " +
                                 shift + ". Another name keeps the file as it is.",
@@ -185,6 +191,7 @@ void CGravlinDoc::noteSaved(const SaveResult& saved, const std::string& shift) {
     meshOrigin.positionLoss = 0.0;
   }
   meshOrigin.positionLoss += saved.positionLoss;
+  meshOrigin.lossSinceSaving = saved.positionLoss;
   const bool holdsMesh = saved.notice.empty();
   if (holdsMesh) {
     modified = false;

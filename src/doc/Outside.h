@@ -18,6 +18,7 @@ enum class FileDialog { Open, Save, Export };
 enum class HistogramAge {
   Current,
   BeforeCurvatureSmoothing,  ///< of its shape, but its curvature has been smoothed since
+  BeforeNewEstimate,         ///< of its shape, smoothed, and its curvature is estimated anew since
   EarlierShape               ///< of a shape that is no longer there
 };
 

@@ -29,10 +29,12 @@ struct Strokes {
   std::vector<std::vector<FacePoint>> minStrokes;  ///< [strokeCount], none of them empty
 };
 
-/// The shape that a field was found on.
+/// The shape that a field was found on, and what has become of it.
 struct FieldOrigin {
   std::uint64_t shape = 0;  ///< the mesh's `shape` then
   double unit = 0.0;        ///< its `extentTolerance` then: a length of 1 in units of the file
+  /// 0 for values as they were found. Whoever smooths them gives every smoothing its own number.
+  std::uint64_t smoothing = 0;
 };
 
 /// An indexed triangle set with everything derived from it that commands and drawing read.
@@ -73,11 +75,13 @@ class TriangleMesh {
 
   // --- Curvature ---
   std::vector<double> maxCurvature, minCurvature;  ///< [V] principal curvatures, 1/length
-  std::vector<double> maxDirection, minDirection;  ///< [3V] unit; right-handed with the normal
-  std::vector<double> maxDerivativeGradient;       ///< [3V] unit direction in which a ridge runs
-  std::vector<double> minDerivativeGradient;       ///< [3V] unit direction in which a valley runs
-  FieldOrigin curvatureOrigin;                     ///< of the principal curvatures
-  std::vector<double> edgeCurvatures;              ///< [3F] numbered as faceAdjacency
+  /// [3V] Right-handed with the normal. Unit, or 0 where there are none. Of a smoothed pair the one
+  /// that is rebuilt as a cross product is shorter where the other leans out of the tangent plane.
+  std::vector<double> maxDirection, minDirection;
+  std::vector<double> maxDerivativeGradient;  ///< [3V] unit direction in which a ridge runs
+  std::vector<double> minDerivativeGradient;  ///< [3V] unit direction in which a valley runs
+  FieldOrigin curvatureOrigin;                ///< of the principal curvatures
+  std::vector<double> edgeCurvatures;         ///< [3F] numbered as faceAdjacency
   FieldOrigin edgeCurvatureOrigin;
   std::vector<int> coherentFaces;  ///< [F] 1 where maxDirection turns slowly
 

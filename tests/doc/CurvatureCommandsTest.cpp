@@ -167,6 +167,42 @@ TEST_F(CurvatureCommands, AHistogramOfBeforeCurvatureTensorSaysSo) {
   }
 }
 
+TEST_F(CurvatureCommands, AHistogramIsOfTheCurvatureAgainWhenItIsEstimatedAsBefore) {
+  const auto estimateAnew = [this] {
+    outside.dialogAnswers = {test::okWith({{"extractOn", "edge"}, {"smoothTensor", "0"}})};
+    doc.OnEdgeDetectionLocalMax();
+  };
+  load(test::torus(12, 8));
+  doc.OnCurvatureMax();
+  const std::vector<double> estimated = outside.histogramValues;
+  outside.dialogAnswers = {test::ok()};
+  doc.OnSmoothingCurvatureTensor();
+  EXPECT_EQ(outside.histogramAge, HistogramAge::BeforeCurvatureSmoothing);
+  estimateAnew();
+  EXPECT_EQ(mesh().maxCurvature, estimated);
+  EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+  // The other way round the histogram has smoothed values.
+  outside.dialogAnswers = {test::ok()};
+  doc.OnSmoothingCurvatureTensor();
+  doc.OnCurvatureMax();
+  ASSERT_NE(outside.histogramValues, estimated);
+  EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+  estimateAnew();
+  EXPECT_EQ(outside.histogramAge, HistogramAge::BeforeNewEstimate);
+  doc.OnCurvatureMax();
+  EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+}
+
+TEST_F(CurvatureCommands, AnEstimateThatLeavesThePictureAsItIsTellsTheHistogramAllTheSame) {
+  load(test::torus(12, 8));
+  doc.OnCurvatureMax();
+  outside.dialogAnswers = {test::ok()};
+  doc.OnSmoothingCurvatureTensor();
+  outside.dialogAnswers = {test::okWith({{"extractOn", "face"}, {"smoothTensor", "0"}})};
+  doc.OnEdgeDetectionLocalMax();
+  EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
+}
+
 TEST_F(CurvatureCommands, CurvatureTensorConcernsNoHistogramOfAnotherField) {
   load(test::torus(12, 8));
   for (const auto& [handler, iterations] :

@@ -309,10 +309,44 @@ TEST_F(FileCommands, SavingElsewhereTellsInOneSentenceHowFarVerticesMove) {
   EXPECT_THAT(outside.statuses[0], StartsWith("Saved " + folder.file("copy.ply2") +
                                               "; its vertices are off by up to 0.0"));
   EXPECT_FALSE(doc.modified);
-  // That file is now the one last saved.
+}
+
+/// Its x lies beyond where the search for the box ends, so their bounds stay where it starts.
+constexpr const char* beyond =
+    "4 2\n3000000.25 0 0\n3000002.5 2 0\n3000001.75 0 1\n3000004 1 0\n3 0 1 2\n3 1 2 3\n";
+
+TEST_F(FileCommands, SavingAgainOverWhatWasSavedAsksOnlyForWhatIsLostSince) {
+  const std::string copy = folder.file("copy.ply2");
+  open(folder.write("beyond.ply2", beyond));
+  ASSERT_GT(doc.meshOrigin.positionLoss, 0.01);
+  EXPECT_TRUE(doc.saveFile(copy));
+  EXPECT_THAT(outside.statuses.back(), HasSubstr("off by up to 0."));
+  const std::string content = test::contentOf(copy);
+  EXPECT_TRUE(doc.saveFile(copy));
+  EXPECT_EQ(outside.statuses.back(), "Saved copy.ply2.");
+  EXPECT_EQ(test::contentOf(copy), content);
+  // What Undo brings back was written there, too.
+  moveVertexZero(doc.currentMesh->vertices[0]);
+  doc.OnEditUndo();
+  EXPECT_TRUE(doc.saveFile(copy));
+  EXPECT_EQ(test::contentOf(copy), content);
+  // The opened file has what was lost before.
   outside.confirmAnswers = {false};
-  EXPECT_FALSE(doc.saveFile(folder.file("copy.ply2")));
+  EXPECT_FALSE(doc.saveFile(folder.file("beyond.ply2")));
   EXPECT_TRUE(outside.finished());
+}
+
+TEST_F(FileCommands, SavingAgainAsksWhenTheLastSaveItselfMovedTheVertices) {
+  const std::string copy = folder.file("copy.ply2");
+  open(folder.write("rising.ply2", rising));
+  EXPECT_TRUE(doc.saveFile(copy));
+  const std::string content = test::contentOf(copy);
+  const double lost = doc.meshOrigin.lossSinceSaving;
+  outside.confirmAnswers = {lost <= 0.28e-5};  // asked only when it lost more than it may
+  const bool saved = doc.saveFile(copy);
+  EXPECT_EQ(saved, outside.confirmAnswers.size() == 1);
+  EXPECT_EQ(lost, -1) << content << doc.saveFile(folder.file("third.ply2"))
+                      << test::contentOf(folder.file("third.ply2"));
 }
 
 // A hundredth of a unit across, with digits behind the sixth decimal; and a shape smoothed a

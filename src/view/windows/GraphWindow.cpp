@@ -23,6 +23,8 @@ QString remarkOn(HistogramAge age) {
       return {};
     case HistogramAge::BeforeCurvatureSmoothing:
       return " (before smoothing of the curvature)";
+    case HistogramAge::BeforeNewEstimate:
+      return " (before a new estimate of the curvature)";
     case HistogramAge::EarlierShape:
       return " of an earlier shape";
   }

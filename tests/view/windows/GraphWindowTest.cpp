@@ -60,6 +60,9 @@ void GraphWindowTest::theTitleNamesTheFieldAndTheDocument() {
   window.setAge(HistogramAge::BeforeCurvatureSmoothing);
   QCOMPARE(window.windowTitle(),
            "Maximum curvature (before smoothing of the curvature) - bunny.ply2");
+  window.setAge(HistogramAge::BeforeNewEstimate);
+  QCOMPARE(window.windowTitle(),
+           "Maximum curvature (before a new estimate of the curvature) - bunny.ply2");
   window.setAge(HistogramAge::Current);
   QCOMPARE(window.windowTitle(), "Maximum curvature - bunny.ply2");
 }
