@@ -177,8 +177,9 @@ class CGravlinDoc final : public ShownSource {
   /// Asks before a file with content becomes empty because nothing writes its extension, and before
   /// the file last opened or saved is replaced by one whose positions lie more than 1e-5 of the
   /// mesh's extent from those stored: those of the present shape, exactly as they are in memory,
-  /// plus what `meshOrigin` says that they lost since that file was read or written. Where a file
-  /// becomes empty the result is false.
+  /// plus what `meshOrigin` says that they lost since that file was read or written. What a file
+  /// has already counts only as far as it would change. Where a file becomes empty the result is
+  /// false.
   bool saveFile(const std::string& filePath);
   /// Why something that is no mesh may not be written under this name, as a sentence: the mesh was
   /// opened from or saved to the file that is there. Empty when it may.
@@ -284,6 +285,12 @@ class CGravlinDoc final : public ShownSource {
   bool tellsOfShape = false;  ///< the status bar has a sentence that ends with the shape
   /// The mode whose picture the sentence in the status bar is about; it ends with that picture.
   std::optional<int> toldMode;
+  /// What `path` holds since it was last saved.
+  struct SavedShape {
+    std::uint64_t shape;     ///< its number
+    double lossByRewriting;  ///< how far vertices move in the file when it is written once more
+  };
+  std::optional<SavedShape> savedShape;
   MeshOrigin undoOrigin;       ///< of the undo copy
   bool undoIsModified = true;  ///< what `modified` becomes when the undo copy comes back
 };

@@ -55,6 +55,7 @@ bool CGravlinDoc::openFile(const std::string& filePath) {
   linesAreLost = false;  // they were of another mesh
   path = std::move(newPath);
   meshOrigin = std::move(origin);
+  savedShape.reset();
   modified = false;
   undoIsModified = true;   // what is kept for undo belongs to another file
   needsRecompute = false;  // both normals came with the mesh
@@ -110,10 +111,15 @@ std::string CGravlinDoc::lossBySaving(const std::string& filePath) const {
 
 std::string CGravlinDoc::shiftBySaving(const std::string& target) const {
   constexpr double negligible = 1e-5;  // of the extent
-  const std::optional<WritingLoss> writing = lossByWriting(*currentMesh);
+  std::optional<WritingLoss> writing = lossByWriting(*currentMesh);
   if (!writing) return {};
-  const bool isSavedAgain = isSameFile(target, path) && !isSameFile(target, meshOrigin.path);
-  const double before = isSavedAgain ? meshOrigin.lossSinceSaving : meshOrigin.positionLoss;
+  double before = meshOrigin.positionLoss;
+  if (isSameFile(target, path) && savedShape && savedShape->shape == currentMesh->shape) {
+    before = savedShape->lossByRewriting;
+    writing->largest = 0.0;  // the file has it already
+  } else if (isSameFile(target, path) && !isSameFile(target, meshOrigin.path)) {
+    before = meshOrigin.lossSinceSaving;
+  }
   const double shift = before + writing->largest;
   if (!(shift > negligible * writing->extent)) return {};
   std::string text = "by up to " + lossText(shift);
@@ -143,8 +149,9 @@ bool CGravlinDoc::saveNothing(const std::string& filePath) {
     outside.showMessage(saved.error);
     return false;
   }
-  meshOrigin.positionLoss += saved.positionLoss;
-  meshOrigin.lossSinceSaving += saved.positionLoss;
+  meshOrigin.positionLoss += saved.loss.stored;
+  meshOrigin.lossSinceSaving += saved.loss.stored;
+  if (savedShape) savedShape->lossByRewriting += saved.loss.rewritten;
   redraw();
   const std::string outcome = filePath + " is empty: Save writes no ." + extension +
                               " files. The mesh is not saved; choose a" + nameToSave;
@@ -190,8 +197,9 @@ void CGravlinDoc::noteSaved(const SaveResult& saved, const std::string& shift) {
     meshOrigin.extent = ReadExtent::Whole;  // it has nothing any more but this mesh
     meshOrigin.positionLoss = 0.0;
   }
-  meshOrigin.positionLoss += saved.positionLoss;
-  meshOrigin.lossSinceSaving = saved.positionLoss;
+  meshOrigin.positionLoss += saved.loss.stored;
+  meshOrigin.lossSinceSaving = saved.loss.stored;
+  savedShape = {.shape = currentMesh->shape, .lossByRewriting = saved.loss.rewritten};
   const bool holdsMesh = saved.notice.empty();
   if (holdsMesh) {
     modified = false;

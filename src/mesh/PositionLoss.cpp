@@ -66,25 +66,28 @@ std::array<bool, 3> axesWithoutBox(const TriangleMesh& mesh) {
           boxIsMissed(mesh.vertices, 2)};
 }
 
-double normalizeMeasuringLoss(TriangleMesh& mesh) {
+NormalizingLoss normalizeMeasuringLoss(TriangleMesh& mesh) {
   const std::array<bool, 3> missed = axesWithoutBox(mesh);
   if (!missed[0] && !missed[1] && !missed[2]) {
     mesh.normalize();
-    return 0.0;
+    return {};
   }
   const std::vector<float> before = mesh.vertices;
   mesh.normalize();
   const WayToFile toFile(mesh);
-  double largest = 0.0;
+  NormalizingLoss loss;
   for (int i = 0; i < mesh.vertexCount; ++i) {
     const std::array<double, 3> back = toFile(mesh.position(i));
     for (std::size_t axis = 0; axis < 3; ++axis) {
-      const auto x = static_cast<double>(before[3 * static_cast<std::size_t>(i) + axis]);
-      const double loss = std::abs(back[axis] - x);
-      if (std::isfinite(loss)) largest = std::max(largest, loss);
+      const float x = before[3 * static_cast<std::size_t>(i) + axis];
+      const double stored = std::abs(back[axis] - static_cast<double>(x));
+      if (!std::isfinite(stored)) continue;
+      const double rewritten = std::abs(readBack(static_cast<float>(back[axis])) - readBack(x));
+      loss.stored = std::max(loss.stored, stored);
+      loss.rewritten = std::max(loss.rewritten, rewritten);
     }
   }
-  return largest;
+  return loss;
 }
 
 std::optional<WritingLoss> lossByWriting(const TriangleMesh& mesh) {

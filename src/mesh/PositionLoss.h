@@ -18,11 +18,17 @@ namespace gravlin {
 /// vertex to vertex or lie beyond. Fewer than two vertices have no box that could be missed.
 std::array<bool, 3> axesWithoutBox(const TriangleMesh& mesh);
 
-/// Calls `normalize` and returns the largest |c + p t - x| over all coordinates that are finite.
-/// Where the box is found that is less than 6e-8 of its extent, for p is at most 20 then and its
-/// rounding half of 2^-19; 0 is returned, and nothing is allocated. With a bound far away p may
-/// have no digits left for the shape.
-double normalizeMeasuringLoss(TriangleMesh& mesh);
+/// What `normalize` takes from positions x: the largest of each over all coordinates that are
+/// finite.
+struct NormalizingLoss {
+  double stored = 0.0;     ///< |c + p t - x|
+  double rewritten = 0.0;  ///< |v - w| for what reads back of the text of c + p t and of that of x
+};
+
+/// Calls `normalize` and returns its loss. Where the box is found that is less than 6e-8 of its
+/// extent, for p is at most 20 then and its rounding half of 2^-19; 0 is returned, and nothing is
+/// allocated. With a bound far away p may have no digits left for the shape.
+NormalizingLoss normalizeMeasuringLoss(TriangleMesh& mesh);
 
 /// What the text of a mesh takes from its positions.
 struct WritingLoss {

@@ -204,11 +204,11 @@ TEST_F(CurvatureCommands, AnEstimateThatLeavesThePictureAsItIsTellsTheHistogramA
 }
 
 TEST_F(CurvatureCommands, CurvatureTensorConcernsNoHistogramOfAnotherField) {
-  load(test::torus(12, 8));
   for (const auto& [handler, iterations] :
        {std::pair<Handler, const char*>{&CGravlinDoc::OnEdgeCurvature, "3"},
         {&CGravlinDoc::OnShowVertexError, "3"},
         {&CGravlinDoc::OnCurvatureMax, "0"}}) {
+    load(test::torus(12, 8));
     (doc.*handler)();
     outside.dialogAnswers = {test::okWith({{"curvatureIterations", iterations}})};
     doc.OnSmoothingCurvatureTensor();

@@ -11,7 +11,6 @@
 
 #include "mesh/io/MeshReader.h"
 #include "mesh/io/MeshWriter.h"
-#include "mesh/PositionLoss.h"
 #include "mesh/SafeFile.h"
 
 namespace gravlin {
@@ -90,7 +89,7 @@ class PlaceGuard {
 /// What writing found.
 struct Written {
   std::string oddities;  ///< as of writeMesh
-  double positionLoss = 0.0;
+  NormalizingLoss loss;
 };
 
 Written save(const std::string& path, TriangleMesh& mesh) {
@@ -100,7 +99,7 @@ Written save(const std::string& path, TriangleMesh& mesh) {
   mesh.denormalize();
   Written written;
   written.oddities = writeMesh({file.stream(), path, extensionOf(path)}, mesh);
-  written.positionLoss = normalizeMeasuringLoss(mesh);
+  written.loss = normalizeMeasuringLoss(mesh);
   if (!file.commit()) throw std::runtime_error(file.error());
   guard.release();
   return written;
@@ -152,7 +151,7 @@ SaveResult saveMeshFile(const std::string& path, TriangleMesh& mesh) {
   });
   result.error = sentence("Cannot save ", result.path, reason);
   result.notice = sentence("Saved ", result.path, written.oddities);
-  result.positionLoss = written.positionLoss;
+  result.loss = written.loss;
   return result;
 }
 

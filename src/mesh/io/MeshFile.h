@@ -5,6 +5,7 @@
 #include <string>
 
 #include "mesh/io/ReadReport.h"
+#include "mesh/PositionLoss.h"
 #include "mesh/TriangleMesh.h"
 
 namespace gravlin {
@@ -48,7 +49,7 @@ struct SaveResult {
   std::string path;    ///< the file that was meant: the path given, with ".ply2" where it was added
   std::string error;   ///< the sentence to show on failure, else empty
   std::string notice;  ///< why the file does not hold the mesh, in one sentence, or empty
-  double positionLoss = 0.0;  ///< what bringing the mesh back from the file's units lost
+  NormalizingLoss loss;  ///< by bringing the mesh back from the file's units
 };
 
 /// Where a mesh goes that is to be saved under a name: without an extension it gets ".ply2".

@@ -54,7 +54,7 @@ ReadReport readMesh(const MeshFile& file, TriangleMesh& mesh) {
     add(counted(nonFinite, vertexNoun) + " with a coordinate that is no finite number");
   }
   const std::array<bool, 3> withoutBox = axesWithoutBox(mesh);
-  report.positionLoss = normalizeMeasuringLoss(mesh);
+  report.positionLoss = normalizeMeasuringLoss(mesh).stored;
   if (report.oddities.empty() && !hasFiniteShape(mesh)) {
     add("the mesh cannot be scaled to the view, since all of it is at one place or its size is no "
         "finite number");

@@ -18,7 +18,7 @@ enum class ReadExtent {
 struct ReadReport {
   std::string oddities;  ///< "the file ended in face 3 of 8"; empty when nothing was odd
   ReadExtent extent = ReadExtent::Whole;
-  double positionLoss = 0.0;  ///< as normalizeMeasuringLoss returns it
+  double positionLoss = 0.0;  ///< by normalizing, see PositionLoss.h
   bool hasReader = true;      ///< whether files of this extension are read at all
 };
 
