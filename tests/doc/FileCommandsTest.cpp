@@ -348,6 +348,18 @@ TEST_F(FileCommands, SavingAgainAsksWhenTheFileWouldChange) {
   EXPECT_TRUE(outside.finished());
 }
 
+// Two of its x come together in the copy, and with that its box is found.
+TEST_F(FileCommands, WhatWasLostBeforeAFileWasSavedIsNoneOfItsLosses) {
+  const std::string copy = folder.file("copy.ply2");
+  open(folder.write("rising.ply2",
+                    "4 2\n0.13 0 0\n0.24 2 0\n0.25 0 1\n0.41 1 0\n3 0 1 2\n3 1 2 3\n"));
+  EXPECT_TRUE(doc.saveFile(copy));
+  ASSERT_EQ(doc.meshOrigin.lossSinceSaving, 0.0);
+  moveVertexZero(doc.currentMesh->vertices[0] + 0.37F);
+  EXPECT_TRUE(doc.saveFile(copy));
+  EXPECT_EQ(outside.statuses.back(), "Saved copy.ply2.");
+}
+
 TEST_F(FileCommands, SavingAnotherShapeOverWhatWasSavedAsksAsBefore) {
   const std::string copy = folder.file("copy.ply2");
   open(folder.write("beyond.ply2", beyond));

@@ -41,16 +41,13 @@ bool FaceRecords::standsOnItsLine(const FaceRecord& record) const {
   return beginsLine && std::find_if(c, end, isLineEnd) == end;
 }
 
-/// Whether the next line with anything on it is no record of a triangle, or as long as the missing
-/// corners.
+/// Whether the next line with anything on it has no more than the missing corners.
 bool FaceRecords::mayGoOnInNextLine(const FaceRecord& record) const {
-  constexpr std::size_t wordsOfTriangle = 4;
   const char* const end = text.data() + text.size();
   const char* const next = std::find_if(text.data() + record.end, end,
                                         [](char c) { return !isBlank(c) && !isLineEnd(c); });
   const std::size_t words = wordsOnLine(static_cast<std::size_t>(next - text.data()));
-  return words > 0 &&
-         (words < wordsOfTriangle || static_cast<float>(words) == record.corners - 3.0F);
+  return words > 0 && static_cast<float>(words) <= record.corners - 3.0F;
 }
 
 /// How many words follow on a line.

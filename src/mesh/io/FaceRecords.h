@@ -22,9 +22,9 @@ enum class BehindFaces { Nothing, Marks };
 /// Finds out whether records that announce more than three corners have more: some programs write a
 /// 4 before the three corners of every triangle.
 ///
-/// What stands on the line of a record decides where that is clear: nothing more, with a record or
-/// nothing at all behind, or just the corners that are missing. Otherwise, with several records on
-/// a line or one on several, they have more if all faces that are left can be read with all the
+/// What stands on the line of a record decides where that is clear: nothing more, while the next
+/// line has too much for the missing corners, or just these. Otherwise, with several records on a
+/// line or one on several, they have more if all faces that are left can be read with all the
 /// corners that they announce, and what the format has behind the faces, too. Triangles cannot:
 /// that takes more numbers than there are.
 class FaceRecords {

@@ -53,6 +53,7 @@ TEST(FaceRecords, CornersOnTheNextLineBelongToThePolygon) {
   EXPECT_EQ(first("\n6 0 1 2\n3 4 5\n", 1), "0");
   EXPECT_EQ(first("\n7 0 1 2\n3 4 5 6\n3 6 7 8\n", 2), "0") << "as many as a triangle has";
   EXPECT_EQ(first("\n8 0 1 2\n3 4 5\n6 7\n", 1), "0") << "on two further lines";
+  EXPECT_EQ(first("\n9 0 1 2\n3 4 5 6\n7 8\n", 1), "0");
 }
 
 TEST(FaceRecords, WhatFollowsTrianglesIsNoneOfTheirCorners) {
