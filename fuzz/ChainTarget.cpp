@@ -21,6 +21,7 @@
 #include "mesh/io/MeshReader.h"
 #include "numeric/Index.h"
 #include "numeric/TextSink.h"
+#include "support/DocumentAccess.h"
 #include "support/Invariants.h"
 #include "support/Meshes.h"
 #include "support/TemporaryFolder.h"
@@ -185,7 +186,7 @@ class Chain {
     return *std::find_if(steps.begin(), steps.end(), [&](const Step& s) { return s.name == name; });
   }
 
-  const TriangleMesh* mesh() const { return session.document.currentMesh.get(); }
+  const TriangleMesh* mesh() const { return session.document.mesh(); }
 
   void keepCountsLow(const Step& step) {
     if (!step.form) return;
@@ -275,7 +276,7 @@ class Chain {
     const int used = mesh()->countUsedVertices();
     const int valid = mesh()->countValidFaces();
     const std::string path = folder.file("end.ply2");
-    const SaveResult saved = saveMeshFile(path, *session.document.currentMesh);
+    const SaveResult saved = saveMeshFile(path, test::meshOf(session.document));
     demand(saved.error.empty(), "a mesh can be saved: " + saved.error);
     const OpenResult back = openMeshFile(path);
     demand(back.mesh != nullptr, "what was saved can be opened: " + back.error);

@@ -38,7 +38,7 @@ QString recentText(int place, const QString& path, const QFontMetrics& metrics) 
 QString statusOf(const OpenDocument* document) {
   if (document == nullptr) return "Choose File > New or File > Open, or drop a file on the window.";
   if (!document->outside.status.isEmpty()) return document->outside.status;
-  if (!document->document.currentMesh) return "Choose File > Open, or drop a file on the window.";
+  if (!document->document.mesh()) return "Choose File > Open, or drop a file on the window.";
   return "Drag to turn, drag with the right button to zoom, double-click to pick a face.";
 }
 

@@ -85,7 +85,7 @@ void BatchOutside::hideProgress() {
 
 void BatchOutside::redraw() {
   // A view that paints takes the counts of the mesh that it paints.
-  const TriangleMesh* mesh = document == nullptr ? nullptr : document->currentMesh.get();
+  const TriangleMesh* mesh = document == nullptr ? nullptr : document->mesh();
   if (mesh == nullptr) {
     setShownCounts(0, 0);
   } else {

@@ -224,14 +224,14 @@ bool showsOwnMode(const DumpSubject& subject) {
 /// A length of 1 in memory, when the field was found, in the file's units.
 template <auto field, auto origin>
 void writeUnit(JsonWriter& json, const DumpSubject& subject) {
-  const TriangleMesh* mesh = subject.document.currentMesh.get();
+  const TriangleMesh* mesh = subject.document.mesh();
   if (mesh == nullptr || (mesh->*field).empty()) return json.null();
   json.value((mesh->*origin).unit);
 }
 
 template <auto field, auto origin>
 bool hasItsOwnUnit(const DumpSubject& subject) {
-  const TriangleMesh* mesh = subject.document.currentMesh.get();
+  const TriangleMesh* mesh = subject.document.mesh();
   if (mesh == nullptr || (mesh->*field).empty()) return false;
   return (mesh->*origin).unit != mesh->extentTolerance;
 }
@@ -335,7 +335,7 @@ void dump(const DumpSubject& subject, const std::vector<std::string>& fields, st
     return fields.empty() || std::find(fields.begin(), fields.end(), name) != fields.end();
   };
   JsonWriter json(stream);
-  const TriangleMesh* mesh = subject.document.currentMesh.get();
+  const TriangleMesh* mesh = subject.document.mesh();
   json.beginObject();
   for (const MeshField& field : meshFields) {
     if (!wanted(field.name)) continue;

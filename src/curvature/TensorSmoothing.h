@@ -7,8 +7,8 @@ namespace gravlin {
 /// Diffuses the curvature fields of one mesh in place. Every iteration computes all new values from
 /// those at its start. The geometry stays as it is.
 ///
-/// Requires rings, vertex normals and the fields that an operation names. Iteration counts below 1
-/// do nothing.
+/// Requires a mesh with rings, vertex normals and the fields that an operation names. Iteration
+/// counts below 1 do nothing.
 class CurvatureTensorSmoother {
  public:
   TriangleMesh* mesh = nullptr;  ///< the document's current mesh

@@ -33,7 +33,6 @@ void CGravlinDoc::OnSmoothingShapeAdaptive() {
   const AdaptiveSmoothingParameters& parameters = adaptiveSmoothingParameters;
   const bool median = parameters.averagingKind == AdaptiveSmoothingParameters::MedianAveraging;
   const AdaptiveSmoothingOptions options = parameters.options();
-  meshSmoother.attach(currentMesh.get());
   const auto run = [&](int iterations) {
     if (median) {
       meshSmoother.medianSmoothing(iterations, options);

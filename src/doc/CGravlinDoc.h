@@ -36,6 +36,10 @@
 
 namespace gravlin {
 
+namespace test {
+struct DocumentAccess;  // tests put meshes of their own into documents
+}
+
 /// The file that a shape was read from, and what is missing of it since.
 struct MeshOrigin {
   std::string path;                       ///< empty for a mesh without a file
@@ -50,6 +54,10 @@ struct MeshOrigin {
 /// One open document: the current mesh, one undo copy, the values that the dialogs remember, and a
 /// handler for every menu command. Knows nothing of windows; see Outside.
 ///
+/// A command that works on the mesh asks first whether there is one, and does nothing without;
+/// those that would write a file say so. Everything behind that question, here and on the floors
+/// below, requires a mesh.
+///
 /// A command ends with `redraw`, which first brings the derived data of the display mode up to
 /// date, so results never depend on when or whether a window paints.
 class CGravlinDoc final : public ShownSource {
@@ -59,7 +67,8 @@ class CGravlinDoc final : public ShownSource {
   CGravlinDoc(const CGravlinDoc&) = delete;
   CGravlinDoc& operator=(const CGravlinDoc&) = delete;
 
-  std::unique_ptr<TriangleMesh> currentMesh;  ///< null until a file is opened
+  /// The current mesh; null until a file is opened. Only commands change it.
+  const TriangleMesh* mesh() const { return currentMesh.get(); }
   std::unique_ptr<TriangleMesh> undoMesh;  ///< geometry before the last undoable command, or null
   int displayMode = FlatShading;           ///< a DisplayMode
   bool needsRecompute = false;             ///< derived data is stale; redraw clears it
@@ -85,7 +94,8 @@ class CGravlinDoc final : public ShownSource {
   SubdivisionParameters subdivisionParameters;
   DecimationParameters decimationParameters;
 
-  MeshSmoother meshSmoother;  ///< commands attach it to the current mesh
+  // These work on the current mesh; `replaceMesh` alone attaches it.
+  MeshSmoother meshSmoother;
   CurvatureTensorSmoother curvatureTensorSmoother;
   MeshSubdivider meshSubdivider;
   Decimator decimator;
@@ -223,6 +233,9 @@ class CGravlinDoc final : public ShownSource {
   Shown shown() const override;
 
  private:
+  friend struct test::DocumentAccess;
+
+  std::unique_ptr<TriangleMesh> currentMesh;
   /// The one place where the current mesh is exchanged: whatever works on it is attached anew. The
   /// caller tells the age of the histogram. Returns the mesh that was there.
   std::unique_ptr<TriangleMesh> replaceMesh(std::unique_ptr<TriangleMesh> mesh) noexcept;

@@ -25,7 +25,6 @@ void CGravlinDoc::OnSmoothingCurvatureTensor() {
   TensorSmoothingParameters& parameters = tensorSmoothingParameters;
   if (!currentMesh || !outside.showDialog(parameters.form())) return;
   computeCurvatureTensor(*currentMesh);
-  curvatureTensorSmoother.mesh = currentMesh.get();
 
   const bool showsMax = parameters.displayChoice == 0;
   const auto phase = [&](DisplayMode shown, int iterations,

@@ -88,8 +88,6 @@ void CGravlinDoc::OnEdgeDetectionLocalMax() {
   const RidgeParameters& parameters = ridgeParameters;
   if (!currentMesh || !outside.showDialog(ridgeParameters.form())) return;
   TriangleMesh& mesh = *currentMesh;
-  ridgeDetector.attach(&mesh);
-  ridgeLineSmoother.attach(&mesh);
 
   // Pre-smoothing draws the smoothed shape, and with it finds creases on show again there.
   const bool creasesFollow = displayMode == FeatureLines && linesFrom == LinesFrom::FaceAngle;
@@ -133,12 +131,10 @@ void CGravlinDoc::OnEdgeDetectionLocalMax() {
 
 void CGravlinDoc::detectCreases() {
   const AngleParameters& parameters = angleParameters;
-  ridgeDetector.attach(currentMesh.get());
   if (parameters.thresholdMode == AngleParameters::Histogram) {
     ridgeDetector.detectCreasesByHistogram(parameters.shares());
     creaseLinks.clear();
   } else {
-    decimator.attach(currentMesh.get());
     creaseLinks = decimator.detectCreasesByAngle(parameters.cosThreshold());
   }
   haveLines(linesFrom);

@@ -29,7 +29,6 @@ void CGravlinDoc::OnSubdivision() {
   if (!currentMesh || !outside.showDialog(subdivisionParameters.form())) return;
   try {
     KeptShape before = geometryCopy();
-    meshSubdivider.attach(currentMesh.get());
     meshSubdivider.refine(subdivisionParameters.scheme());
     keepUndoCopy(std::move(before));
   } catch (const std::length_error&) {
@@ -53,7 +52,6 @@ void CGravlinDoc::OnSimplification() {
   KeptShape before;
   DecimationResult result;
   try {
-    decimator.attach(currentMesh.get());
     DecimatedMesh decimated = decimator.decimatedCopy(decimationParameters.reductionRate);
     simplified = compacted(decimated.mesh);
     result = decimated.result;

@@ -26,7 +26,6 @@ void CGravlinDoc::OnSilhouette() {
   if (mesh.maxCurvature.size() != static_cast<std::size_t>(mesh.vertexCount)) {
     computeCurvatureTensor(mesh);
   }
-  ridgeDetector.attach(&mesh);
   generateStrokes(mesh, seeds);
   markCoherentFaces(mesh, tensorSmoothingParameters.directionThreshold);
 
@@ -38,7 +37,6 @@ void CGravlinDoc::OnSilhouette() {
   ridgeDetector.buildLineGraph();
 
   computeCurvatureDerivatives(mesh);
-  curvatureTensorSmoother.mesh = &mesh;
   curvatureTensorSmoother.smoothDerivativeGradients(gradientIterations, gradientSigma);
   SilhouetteLines selected = selectSilhouetteLines(mesh, {leastLineStrength, low});
   markCoherentFaces(mesh, tensorSmoothingParameters.directionThreshold);

@@ -68,7 +68,6 @@ void CGravlinDoc::smoothShape(const Chunks& explicitChunks) {
   if (!method) return;
   TriangleMesh& mesh = *currentMesh;
   VolumeKeeper volume(mesh, parameters.preserveVolume);
-  meshSmoother.attach(&mesh);
   const Flow flow = meshSmoother.flow(*method, parameters.stepSize);
   const Chunks chunks = chunksFor(*method, explicitChunks, parameters.iterationCount);
   for (int chunk = 0; chunk < chunks.count; ++chunk) {
@@ -87,7 +86,6 @@ void CGravlinDoc::smoothShape(const Chunks& explicitChunks) {
 void CGravlinDoc::OnSmoothingNoise() {
   if (!currentMesh || !outside.showDialog(noiseParameters.form())) return;
   if (!keepUndoCopy()) return;
-  meshSmoother.attach(currentMesh.get());
   meshSmoother.addNoise(noiseParameters.noiseSize);
   geometryChanged();
   show(FlatShading);

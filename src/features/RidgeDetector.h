@@ -10,7 +10,7 @@
 namespace gravlin {
 
 /// The stages of ridge and valley detection on a document's current mesh, in the order in which
-/// they are usually run; each is described where it is implemented.
+/// they are usually run; each is described where it is implemented. Every stage requires a mesh.
 class RidgeDetector {
  public:
   void attach(TriangleMesh* triangleMesh) { mesh = triangleMesh; }

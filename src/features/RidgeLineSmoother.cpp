@@ -83,7 +83,6 @@ void fairBand(TriangleMesh& mesh, const std::vector<int>& level, double step,
 }  // namespace
 
 void RidgeLineSmoother::smooth(int iterations, float step) {
-  if (mesh == nullptr) return;
   const std::vector<IndexList> links = linksOfBothKinds(*mesh);
   const std::vector<int> level = ringsFromLines(*mesh, links);
   const bool anyLine = std::find(level.begin(), level.end(), onLine) != level.end();

@@ -4,7 +4,7 @@
 
 namespace gravlin {
 
-/// Straightens ridge and valley lines and fairs the band of surface beside them.
+/// Straightens ridge and valley lines and fairs the band of surface beside them. Requires a mesh.
 class RidgeLineSmoother {
  public:
   void attach(TriangleMesh* triangleMesh) { mesh = triangleMesh; }

@@ -191,7 +191,6 @@ void takeShape(TriangleMesh& mesh, TriangleMesh& shape) {
 }  // namespace
 
 DecimationResult Decimator::decimate(float rate) {
-  if (mesh == nullptr) return {};
   DecimatedMesh decimated = decimatedCopy(rate);
   takeShape(*mesh, decimated.mesh);
   return decimated.result;
@@ -209,7 +208,7 @@ DecimatedMesh Decimator::decimatedCopy(float rate) {
 
 bool Decimator::collapseEdge(int i, int j, const Vec3& position) {
   const auto isVertex = [&](int v) { return v >= 0 && v < mesh->vertexCount; };
-  if (mesh == nullptr || !isVertex(i) || !isVertex(j) || i == j) return false;
+  if (!isVertex(i) || !isVertex(j) || i == j) return false;
   CollapsibleMesh surface(*mesh);
   if (!surface.collapse(i, j, roundedToSingle(position))) return false;
   TriangleMesh collapsed = shapeOf(surface, *mesh);

@@ -21,15 +21,15 @@ struct DecimatedMesh {
 
 /// Reduces the document's current mesh by collapsing edges, cheapest first: an edge's cost is the
 /// least value of the summed error quadrics of its two ends (see vertexQuadrics), and it collapses
-/// into the point where that value is taken. Without a mesh nothing happens.
+/// into the point where that value is taken. Every operation requires a mesh.
 ///
 /// Edges are pairs (i, j) with i > j at first, and i is the end that survives the edge's collapse.
 /// When j vanishes into i, other edges that had j have i in the same place of their pair: (m, j)
 /// becomes (m, i), which m survives, and (j, m) becomes (i, m).
 class Decimator {
  public:
-  /// Points to the mesh that the operations work on from now on; null for none. The mesh is not
-  /// owned. Requires buildAdjacency and buildFaceAdjacency.
+  /// Points to the mesh that the operations work on from now on; null for none, and then none may
+  /// be called. The mesh is not owned. Requires buildAdjacency and buildFaceAdjacency.
   void attach(TriangleMesh* current) { mesh = current; }
 
   /// Collapses edges until no more than (1 - rate) times the number of used vertices, with the
@@ -39,8 +39,8 @@ class Decimator {
   /// is refused (std::bad_alloc) the mesh is as it was.
   DecimationResult decimate(float rate);
 
-  /// The outcome of `decimate` as a mesh of its own; of the attached one, which must be there, only
-  /// the face normals change.
+  /// The outcome of `decimate` as a mesh of its own; of the attached one only the face normals
+  /// change.
   DecimatedMesh decimatedCopy(float rate);
 
   /// Collapses edge i-j into vertex i placed at `position`, rounded to single precision, if it
@@ -50,7 +50,7 @@ class Decimator {
   bool collapseEdge(int i, int j, const Vec3& position);
 
   /// Finds the creases of the mesh by a constant angle (CreasesByAngle.h) and returns all of them,
-  /// [V]. A mesh must be attached.
+  /// [V].
   std::vector<IndexList> detectCreasesByAngle(float cosThreshold);
 
  private:

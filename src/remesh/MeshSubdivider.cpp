@@ -18,15 +18,15 @@ void MeshSubdivider::refine(SubdivisionScheme scheme) {
 }
 
 void MeshSubdivider::loopSubdivision() {
-  if (mesh != nullptr) *mesh = gravlin::loopSubdivision(*mesh);
+  *mesh = gravlin::loopSubdivision(*mesh);
 }
 
 void MeshSubdivider::butterflySubdivision() {
-  if (mesh != nullptr) *mesh = gravlin::butterflySubdivision(*mesh);
+  *mesh = gravlin::butterflySubdivision(*mesh);
 }
 
 void MeshSubdivider::linearSubdivision() {
-  if (mesh != nullptr) *mesh = gravlin::linearSubdivision(*mesh);
+  *mesh = gravlin::linearSubdivision(*mesh);
 }
 
 }  // namespace gravlin

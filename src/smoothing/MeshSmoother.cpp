@@ -29,7 +29,6 @@ Flow stepsOf(TriangleMesh& mesh, float step) {
 }  // namespace
 
 Flow MeshSmoother::flow(SmoothingMethod method, float step) {
-  if (mesh == nullptr) return [](int) {};
   TriangleMesh& moved = *mesh;
   const auto taubin = [&moved, step](TaubinWeighting weighting) {
     return [&moved, step, weighting](int n) {
@@ -62,73 +61,73 @@ Flow MeshSmoother::flow(SmoothingMethod method, float step) {
 // --- Explicit flows ---
 
 void MeshSmoother::laplacianFlow(int iterations, float step) {
-  if (mesh != nullptr) gravlin::laplacianFlow(*mesh, {iterations, step});
+  gravlin::laplacianFlow(*mesh, {iterations, step});
 }
 
 void MeshSmoother::meanCurvatureFlow(int iterations, float step) {
-  if (mesh != nullptr) gravlin::meanCurvatureFlow(*mesh, {iterations, step});
+  gravlin::meanCurvatureFlow(*mesh, {iterations, step});
 }
 
 void MeshSmoother::medianCurvatureFlow(int iterations, float step) {
-  if (mesh != nullptr) gravlin::medianCurvatureFlow(*mesh, {iterations, step});
+  gravlin::medianCurvatureFlow(*mesh, {iterations, step});
 }
 
 void MeshSmoother::taubinSmoothing(int iterations, float lambda, float k, int weighting) {
-  if (mesh != nullptr) gravlin::taubinSmoothing(*mesh, {iterations, lambda, k, weighting});
+  gravlin::taubinSmoothing(*mesh, {iterations, lambda, k, weighting});
 }
 
 void MeshSmoother::bilaplacianFlow(int iterations, float step) {
-  if (mesh != nullptr) gravlin::bilaplacianFlow(*mesh, {iterations, step});
+  gravlin::bilaplacianFlow(*mesh, {iterations, step});
 }
 
 // --- Implicit flows ---
 
 ImplicitStep MeshSmoother::implicitLaplacianFlow(float step) {
-  return mesh == nullptr ? ImplicitStep{} : ImplicitLaplacianFlow(*mesh, step).step();
+  return ImplicitLaplacianFlow(*mesh, step).step();
 }
 
 ImplicitStep MeshSmoother::implicitMeanCurvatureFlow(float step) {
-  return mesh == nullptr ? ImplicitStep{} : ImplicitMeanCurvatureFlow(*mesh, step).step();
+  return ImplicitMeanCurvatureFlow(*mesh, step).step();
 }
 
 // --- Adaptive smoothing ---
 
 void MeshSmoother::adaptiveSmoothing(int iterations, const AdaptiveSmoothingOptions& options) {
-  if (mesh != nullptr) gravlin::adaptiveSmoothing(*mesh, iterations, options);
+  gravlin::adaptiveSmoothing(*mesh, iterations, options);
 }
 
 void MeshSmoother::medianSmoothing(int iterations, const AdaptiveSmoothingOptions& options) {
-  if (mesh != nullptr) gravlin::medianSmoothing(*mesh, iterations, options);
+  gravlin::medianSmoothing(*mesh, iterations, options);
 }
 
 void MeshSmoother::averageNormalsWeighted(const NormalWeight& weight) {
-  if (mesh != nullptr) gravlin::averageNormalsWeighted(*mesh, weight);
+  gravlin::averageNormalsWeighted(*mesh, weight);
 }
 
 void MeshSmoother::averageNormalsVertexWeighted(const NormalWeight& weight, double meetAtVertex) {
-  if (mesh != nullptr) gravlin::averageNormalsVertexWeighted(*mesh, weight, meetAtVertex);
+  gravlin::averageNormalsVertexWeighted(*mesh, weight, meetAtVertex);
 }
 
 void MeshSmoother::averageNormalsMedian(const MedianFilter& filter) {
-  if (mesh != nullptr) gravlin::averageNormalsMedian(*mesh, filter);
+  gravlin::averageNormalsMedian(*mesh, filter);
 }
 
 void MeshSmoother::integrateDistance(double step) {
-  if (mesh != nullptr) gravlin::integrateDistance(*mesh, step);
+  gravlin::integrateDistance(*mesh, step);
 }
 
 void MeshSmoother::integrateDerivative(double step) {
-  if (mesh != nullptr) gravlin::integrateDerivative(*mesh, step);
+  gravlin::integrateDerivative(*mesh, step);
 }
 
 void MeshSmoother::integrateDerivativeByArea(double step, double factor) {
-  if (mesh != nullptr) gravlin::integrateDerivativeByArea(*mesh, step, factor);
+  gravlin::integrateDerivativeByArea(*mesh, step, factor);
 }
 
 // --- Noise ---
 
 void MeshSmoother::addNoise(float size) {
-  if (mesh != nullptr) gravlin::addNoise(*mesh, size);
+  gravlin::addNoise(*mesh, size);
 }
 
 }  // namespace gravlin

@@ -34,12 +34,12 @@ using Flow = std::function<void(int iterations)>;
 
 /// Everything that moves the vertices of the document's current mesh and leaves its faces alone.
 /// Each operation is a free function on a TriangleMesh in a file of its own; this object only
-/// forwards to them, so that a document has one thing to attach its mesh to. Without a mesh an
-/// operation does nothing.
+/// forwards to them, so that a document has one thing to attach its mesh to. Every operation
+/// requires a mesh.
 class MeshSmoother {
  public:
-  /// Points to the mesh that the operations work on from now on; null for none. The mesh is not
-  /// owned.
+  /// Points to the mesh that the operations work on from now on; null for none, and then none may
+  /// be called. The mesh is not owned.
   void attach(TriangleMesh* current) { mesh = current; }
 
   /// The flow of a method with this time step, or lambda of the Taubin methods, whose k is 0.1. The

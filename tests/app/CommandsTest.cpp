@@ -11,6 +11,7 @@
 #include "app/CommandLock.h"
 #include "app/Program.h"
 #include "support/Allocations.h"
+#include "support/DocumentAccess.h"
 
 namespace gravlin {
 namespace {
@@ -47,7 +48,7 @@ void CommandsTest::noOtherCommandCanBeChosenMeanwhile() {
     QVERIFY(!program.action("fileExit").isEnabled());
     program.opened().run([&](CGravlinDoc& /*again*/) { ran = true; });
     program.frame().openFile(program.file("s.ply2", squareText));
-    QCOMPARE(document.currentMesh->faceCount, 4);
+    QCOMPARE(document.mesh()->faceCount, 4);
   });
   QVERIFY(!ran);
   QVERIFY(program.step("points").isEnabled());
@@ -108,7 +109,7 @@ void CommandsTest::dialogsOfACommandGetTheirInput() {
 
 /// Makes the mesh a little smaller and has it drawn, as an animated command does.
 void animate(CGravlinDoc& document) {
-  for (float& coordinate : document.currentMesh->vertices) coordinate *= 0.99F;
+  for (float& coordinate : test::meshOf(document).vertices) coordinate *= 0.99F;
   document.needsRecompute = true;
   document.redraw();
 }
@@ -161,10 +162,10 @@ void CommandsTest::paintingDuringACommandShowsTheLastPicture() {
   QImage during;
   program.opened().run([&](CGravlinDoc& document) {
     document.displayMode = Points;
-    document.currentMesh->vertices.clear();  // what a command has on the bench is no sight
+    test::meshOf(document).vertices.clear();  // what a command has on the bench is no sight
     view.repaint();
     during = view.grabFramebuffer();
-    document.currentMesh = nullptr;
+    test::dropMesh(document);
   });
   QCOMPARE(during, before);
   QTRY_VERIFY(view.grabFramebuffer() != before);
@@ -199,16 +200,16 @@ QString messageOf(Program& program, const std::function<void(CGravlinDoc&)>& com
 void CommandsTest::aCommandWithoutMemoryEndsInAMessage() {
   Program program;
   program.open("t.ply2", tetrahedronText);
-  const auto vertices = program.document().currentMesh->vertices;
+  const auto vertices = program.document().mesh()->vertices;
   const QString text = messageOf(program, [](CGravlinDoc& document) {
     document.keepUndoCopy();
-    document.currentMesh->vertices[0] = 5;
+    test::meshOf(document).vertices[0] = 5;
     throw std::bad_alloc();
   });
   QVERIFY2(text.contains("memory"), qPrintable(text));
   QVERIFY(program.step("undo").isEnabled());
   program.step("undo").trigger();
-  QVERIFY(program.document().currentMesh->vertices == vertices);
+  QVERIFY(program.document().mesh()->vertices == vertices);
 }
 
 void CommandsTest::aFailureBehindTheFailureEndsNothing() {

@@ -9,6 +9,7 @@
 #include <QPlainTextEdit>
 
 #include "app/Program.h"
+#include "support/DocumentAccess.h"
 
 namespace gravlin {
 namespace {
@@ -60,7 +61,7 @@ class DocumentsTest : public QObject {
 void change(Program& program) {
   program.opened().run([](CGravlinDoc& document) {
     document.keepUndoCopy();
-    document.currentMesh->vertices[0] += 1.0F;
+    test::meshOf(document).vertices[0] += 1.0F;
     document.geometryChanged();
     document.redraw();
   });
@@ -80,7 +81,7 @@ void drop(CMainFrame& frame, const QList<QUrl>& urls) {
 
 void DocumentsTest::theProgramStartsWithAnEmptyDocument() {
   Program program;
-  QVERIFY(!program.document().currentMesh);
+  QVERIFY(!program.document().mesh());
   QCOMPARE(program.opened().title(), "Gravl1");
   QCOMPARE(program.frame().activeFrame()->title(), "Gravl1");
   QVERIFY(program.frame().windowTitle().startsWith("Gravlin"));
@@ -90,10 +91,10 @@ void DocumentsTest::filesOfTheCommandLineAreOpened() {
   Program program;
   program.start({program.file("t.ply2", tetrahedronText), program.file("s.ply2", squareText)});
   QCOMPARE(program.opened().title(), "s.ply2");
-  QCOMPARE(program.document().currentMesh->faceCount, 2);
+  QCOMPARE(program.document().mesh()->faceCount, 2);
   program.action("fileClose").trigger();
   QTRY_COMPARE(program.opened().title(), "t.ply2");
-  QCOMPARE(program.document().currentMesh->faceCount, 4);
+  QCOMPARE(program.document().mesh()->faceCount, 4);
   program.action("fileClose").trigger();
   QTRY_COMPARE(program.frame().activeDocument(), nullptr);
 }
@@ -106,13 +107,13 @@ void DocumentsTest::openLoadsIntoTheActiveDocument() {
   program.step("open").trigger();
   QVERIFY(choose.answered());
   QCOMPARE(&program.document(), document);
-  QCOMPARE(program.document().currentMesh->faceCount, 4);
+  QCOMPARE(program.document().mesh()->faceCount, 4);
   QCOMPARE(program.document().displayMode, int(FlatShading));
   QCOMPARE(program.frame().activeFrame()->title(), "t.ply2");
   NextDialog cancel("openFile", [](QDialog& dialog) { dialog.reject(); });
   program.step("open").trigger();
   QVERIFY(cancel.answered());
-  QCOMPARE(program.document().currentMesh->faceCount, 4);
+  QCOMPARE(program.document().mesh()->faceCount, 4);
 }
 
 void DocumentsTest::openWithoutADocumentMakesOne() {
@@ -142,7 +143,7 @@ void DocumentsTest::aFileThatCannotBeOpenedLeavesTheDocumentAsItWas() {
   QVERIFY(message.answered());
   QVERIFY2(text.contains("missing.ply2"), qPrintable(text));
   QCOMPARE(program.opened().title(), "t.ply2");
-  QCOMPARE(program.document().currentMesh->faceCount, 4);
+  QCOMPARE(program.document().mesh()->faceCount, 4);
 }
 
 void DocumentsTest::newDocumentsAreNumberedUntilTheyHaveAFile() {
@@ -245,18 +246,18 @@ void DocumentsTest::cascadeAndTileArrangeTheWindows() {
 void DocumentsTest::undoBelongsToItsDocument() {
   Program program;
   program.open("t.ply2", tetrahedronText);
-  const auto before = program.document().currentMesh->vertices;
+  const auto before = program.document().mesh()->vertices;
   change(program);
-  QVERIFY(program.document().currentMesh->vertices != before);
+  QVERIFY(program.document().mesh()->vertices != before);
   program.action("fileNew").trigger();
   QVERIFY(!program.step("undo").isEnabled());
   program.step("undo").trigger();
   program.action("fileClose").trigger();
   QTRY_COMPARE(program.opened().title(), "t.ply2");
   QVERIFY(program.step("undo").isEnabled());
-  QVERIFY(program.document().currentMesh->vertices != before);
+  QVERIFY(program.document().mesh()->vertices != before);
   QTest::keyClick(program.frame().windowHandle(), Qt::Key_Z, Qt::ControlModifier);
-  QVERIFY(program.document().currentMesh->vertices == before);
+  QVERIFY(program.document().mesh()->vertices == before);
 }
 
 void DocumentsTest::undoTwiceTheSecondDoesNothing() {
@@ -268,11 +269,11 @@ void DocumentsTest::undoTwiceTheSecondDoesNothing() {
   program.step("undo").trigger();
   QVERIFY(!program.step("undo").isEnabled());
   const auto revision = program.document().revision;
-  const auto vertices = program.document().currentMesh->vertices;
+  const auto vertices = program.document().mesh()->vertices;
   program.step("undo").trigger();
   program.opened().run(&CGravlinDoc::OnEditUndo);
   QCOMPARE(program.document().revision, revision);
-  QVERIFY(program.document().currentMesh->vertices == vertices);
+  QVERIFY(program.document().mesh()->vertices == vertices);
 }
 
 void DocumentsTest::saveAsksForAFileLikeSaveAs() {
@@ -546,15 +547,15 @@ void DocumentsTest::aFileDoesNotReplaceChangesUnasked() {
   NextDialog cancel("saveChanges", [](QDialog& box) { press(box, QMessageBox::Cancel); });
   program.frame().openFile(other);
   QVERIFY(cancel.answered());
-  QCOMPARE(program.document().currentMesh->faceCount, 4);
+  QCOMPARE(program.document().mesh()->faceCount, 4);
   NextDialog cancelAgain("saveChanges", [](QDialog& box) { press(box, QMessageBox::Cancel); });
   program.step("open").trigger();
   QVERIFY(cancelAgain.answered());
-  QCOMPARE(program.document().currentMesh->faceCount, 4);
+  QCOMPARE(program.document().mesh()->faceCount, 4);
   NextDialog discard("saveChanges", [](QDialog& box) { press(box, QMessageBox::Discard); });
   program.frame().openFile(other);
   QVERIFY(discard.answered());
-  QCOMPARE(program.document().currentMesh->faceCount, 2);
+  QCOMPARE(program.document().mesh()->faceCount, 2);
   QVERIFY(!program.document().modified);
 }
 
@@ -635,7 +636,7 @@ void DocumentsTest::aDroppedFileIsOpened() {
   const QString path = program.file("t.ply2", tetrahedronText);
   drop(program.frame(), {QUrl("https://example.org/x.ply2")});
   QCoreApplication::processEvents();
-  QVERIFY(!program.document().currentMesh);
+  QVERIFY(!program.document().mesh());
   drop(program.frame(), {QUrl::fromLocalFile(path)});
   QTRY_COMPARE(program.opened().title(), "t.ply2");
   QCOMPARE(program.frame().findChildren<CChildFrame*>().size(), 1);

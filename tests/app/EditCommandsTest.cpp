@@ -18,27 +18,27 @@ class EditCommandsTest : public QObject {
 void EditCommandsTest::subdivisionIsUndone() {
   Program program;
   program.open("t.ply2", tetrahedronText);
-  const TriangleMesh before = *program.document().currentMesh;
+  const TriangleMesh before = *program.document().mesh();
   NextDialog dialog("CSubdivisionDlg", pressOk);
   program.step("subdivision").trigger();
   QVERIFY(dialog.answered());
-  QCOMPARE(program.document().currentMesh->faceCount, 16);
+  QCOMPARE(program.document().mesh()->faceCount, 16);
   program.step("undo").trigger();
-  QVERIFY(program.document().currentMesh->faces == before.faces);
-  QVERIFY(program.document().currentMesh->vertices == before.vertices);
+  QVERIFY(program.document().mesh()->faces == before.faces);
+  QVERIFY(program.document().mesh()->vertices == before.vertices);
 }
 
 void EditCommandsTest::simplificationIsUndone() {
   Program program;
   openGourd(program);
-  const TriangleMesh before = *program.document().currentMesh;
+  const TriangleMesh before = *program.document().mesh();
   NextDialog dialog("CDecimationDlg", fillIn({{"reductionRate", "0.75"}}));
   program.step("simplification").trigger();
   QVERIFY(dialog.answered());
-  QCOMPARE(program.document().currentMesh->vertexCount, before.vertexCount / 4);
+  QCOMPARE(program.document().mesh()->vertexCount, before.vertexCount / 4);
   program.step("undo").trigger();
-  QVERIFY(program.document().currentMesh->faces == before.faces);
-  QVERIFY(program.document().currentMesh->vertices == before.vertices);
+  QVERIFY(program.document().mesh()->faces == before.faces);
+  QVERIFY(program.document().mesh()->vertices == before.vertices);
 }
 
 }  // namespace

@@ -65,7 +65,7 @@ void FeatureLinesTest::everyRadioButtonRunsWithEveryPreSmoothing() {
   QFETCH(int, extractOn);
   Program program;
   openGourd(program);
-  const auto positions = program.document().currentMesh->vertices;
+  const auto positions = program.document().mesh()->vertices;
   const char* nested = preSmoothing == 1 ? "CSmoothingDlg" : "CAdaptiveSmoothingDlg";
   const char* count = preSmoothing == 1 ? "iterationCount" : "outerIterations";
   NextDialog smoothing(nested, fillIn({{count, "1"}}));
@@ -87,7 +87,7 @@ void FeatureLinesTest::everyRadioButtonRunsWithEveryPreSmoothing() {
   QCOMPARE(chosen.extractOn, extractOn);
   const int shown = extractOn == RidgeParameters::OnEdge ? FeatureLines : RidgeVertices;
   QCOMPARE(program.document().displayMode, shown);
-  const TriangleMesh& mesh = *program.document().currentMesh;
+  const TriangleMesh& mesh = *program.document().mesh();
   QVERIFY(mesh.vertices == positions);
   QVERIFY(std::count(mesh.ridgeMarks.begin(), mesh.ridgeMarks.end(), 1) > 0);
   QCOMPARE(mesh.ridgeLinks.empty(), extractOn != RidgeParameters::OnEdge);
@@ -146,7 +146,7 @@ void FeatureLinesTest::aCancelChangesNothing() {
   QCOMPARE(program.document().ridgeParameters.preSmoothing, 0);
   QVERIFY(!program.document().angleParameters.preSmoothing);
   QCOMPARE(program.document().displayMode, static_cast<int>(FlatShading));
-  QVERIFY(program.document().currentMesh->ridgeMarks.empty());
+  QVERIFY(program.document().mesh()->ridgeMarks.empty());
 }
 
 void FeatureLinesTest::eachNestedDialogCanBeCancelledByItself_data() {
@@ -165,7 +165,7 @@ void FeatureLinesTest::eachNestedDialogCanBeCancelledByItself() {
   const auto marksOf = [&](bool asksForAll) {
     Program program;
     openGourd(program);
-    const auto positions = program.document().currentMesh->vertices;
+    const auto positions = program.document().mesh()->vertices;
     NextDialog smoothing("CSmoothingDlg", [&](QDialog& dialog) {
       type(control<QLineEdit>(dialog, "iterationCount"), "5");
       click(dialog, smooths ? "ok" : "cancel");
@@ -179,9 +179,9 @@ void FeatureLinesTest::eachNestedDialogCanBeCancelledByItself() {
     if (!asked) qFatal("Local Max did not ask");
     if (smoothing.answered() != (asksForAll || smooths)) qFatal("wrong smoothing dialog");
     if (tensor.answered() != (asksForAll || smoothsTensor)) qFatal("wrong tensor dialog");
-    if (program.document().currentMesh->vertices != positions) qFatal("positions changed");
+    if (program.document().mesh()->vertices != positions) qFatal("positions changed");
     if (program.document().displayMode != RidgeVertices) qFatal("wrong picture");
-    return program.document().currentMesh->ridgeMarks;
+    return program.document().mesh()->ridgeMarks;
   };
   QVERIFY(marksOf(true) == marksOf(false));
 }
@@ -195,13 +195,13 @@ void FeatureLinesTest::theBoxesOfTheLaterStagesAreObeyed() {
   }));
   QCOMPARE(program.document().displayMode, static_cast<int>(RidgeDirections));
 
-  const auto positions = program.document().currentMesh->vertices;
+  const auto positions = program.document().mesh()->vertices;
   QVERIFY(localMax(program, [](QDialog& dialog) {
     click(dialog, "extractOn_1");
     click(dialog, "smoothRidgeEdges");
     type(control<QLineEdit>(dialog, "ridgeSmoothIterations"), "2");
   }));
-  QVERIFY(program.document().currentMesh->vertices != positions);
+  QVERIFY(program.document().mesh()->vertices != positions);
 }
 
 // At this threshold joins are found, so that both answers give lines of their own.
@@ -216,7 +216,7 @@ void FeatureLinesTest::gapsAreClosedOnlyWhereTheBoxIsTicked() {
       if (box.isChecked() != ticked) click(dialog, "connect");
       type(control<QLineEdit>(dialog, "connectThreshold"), "1000000");
     }));
-    const TriangleMesh& mesh = *program.document().currentMesh;
+    const TriangleMesh& mesh = *program.document().mesh();
     TriangleMesh apart = mesh;
     computeCurvatureTensor(apart);
     extractExtrema(apart);
@@ -243,7 +243,7 @@ void FeatureLinesTest::bothKindsOfCreaseThresholdRun() {
   program.step("face-angle").trigger();
   QVERIFY(byAngle.answered());
   QCOMPARE(program.document().displayMode, static_cast<int>(FeatureLines));
-  QCOMPARE(program.document().currentMesh->ridgeLinks[0].size(), 3);
+  QCOMPARE(program.document().mesh()->ridgeLinks[0].size(), 3);
 
   openGourd(program);
   NextDialog byShare("CAngleDlg", [](QDialog& dialog) {
@@ -254,7 +254,7 @@ void FeatureLinesTest::bothKindsOfCreaseThresholdRun() {
   program.step("face-angle").trigger();
   QVERIFY(byShare.answered());
   QVERIFY(!program.document().angleParameters.shadedSurface);
-  const auto& links = program.document().currentMesh->ridgeLinks;
+  const auto& links = program.document().mesh()->ridgeLinks;
   QVERIFY(std::any_of(links.begin(), links.end(), [](const auto& list) { return !list.empty(); }));
 }
 
@@ -263,7 +263,7 @@ void FeatureLinesTest::faceAngleAsksForItsPreSmoothing() {
   for (const char* button : {"ok", "cancel"}) {
     Program program;
     openGourd(program);
-    const auto positions = program.document().currentMesh->vertices;
+    const auto positions = program.document().mesh()->vertices;
     NextDialog smoothing("CAdaptiveSmoothingDlg", [&](QDialog& dialog) {
       type(control<QLineEdit>(dialog, "outerIterations"), "1");
       click(dialog, button);
@@ -275,8 +275,8 @@ void FeatureLinesTest::faceAngleAsksForItsPreSmoothing() {
     program.step("face-angle").trigger();
     QVERIFY(angle.answered() && smoothing.answered());
     QCOMPARE(program.document().displayMode, static_cast<int>(FeatureLines));
-    QVERIFY(program.document().currentMesh->vertices == positions);
-    found.push_back(program.document().currentMesh->ridgeLinks);
+    QVERIFY(program.document().mesh()->vertices == positions);
+    found.push_back(program.document().mesh()->ridgeLinks);
   }
   QVERIFY(found[0] != found[1]);
 }

@@ -177,7 +177,7 @@ void NavigationTest::aDoubleClickBesideTheMeshDoesNothing() {
   QCOMPARE(program.status(), status);
   Program empty;
   QTest::mouseDClick(&empty.view(), Qt::LeftButton, {}, middleOf(empty.view()));
-  QVERIFY(!empty.document().currentMesh);
+  QVERIFY(!empty.document().mesh());
 }
 
 void NavigationTest::pickingFollowsTurningAndMoving() {

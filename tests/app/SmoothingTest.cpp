@@ -99,25 +99,25 @@ const SmoothingDialog& noise = smoothingDialogs[2];
 void SmoothingTest::smoothingRunsWithWhatIsTypedAndIsUndone() {
   Program program;
   openGourd(program);
-  const auto before = program.document().currentMesh->vertices;
+  const auto before = program.document().mesh()->vertices;
   QVERIFY(run(program, shape,
               {{"method", "Taubin Smoothing (k=0.1)"}, {"iterationCount", "3"}, {"animate", "0"}}));
-  QVERIFY(program.document().currentMesh->vertices != before);
+  QVERIFY(program.document().mesh()->vertices != before);
   program.step("undo").trigger();
-  QVERIFY(program.document().currentMesh->vertices == before);
+  QVERIFY(program.document().mesh()->vertices == before);
 }
 
 void SmoothingTest::noiseAndAdaptiveSmoothingRunFromTheirDialogs() {
   Program program;
   openGourd(program);
-  const auto smooth = program.document().currentMesh->vertices;
+  const auto smooth = program.document().mesh()->vertices;
   QVERIFY(run(program, noise, {{"noiseSize", "0.1"}}));
-  const auto noisy = program.document().currentMesh->vertices;
+  const auto noisy = program.document().mesh()->vertices;
   QVERIFY(noisy != smooth);
   QVERIFY(run(program, adaptive, {{"outerIterations", "1"}}));
-  QVERIFY(program.document().currentMesh->vertices != noisy);
+  QVERIFY(program.document().mesh()->vertices != noisy);
   program.step("undo").trigger();
-  QVERIFY(program.document().currentMesh->vertices == noisy);
+  QVERIFY(program.document().mesh()->vertices == noisy);
 }
 
 // --- What the dialogs keep, and what they leave alone ---
@@ -152,7 +152,7 @@ void SmoothingTest::cancelChangesNothing() {
     Program program;
     program.open("t.ply2", tetrahedronText);
     const CGravlinDoc& document = program.document();
-    const auto vertices = document.currentMesh->vertices;
+    const auto vertices = document.mesh()->vertices;
     const auto revision = document.revision;
     const int mode = document.displayMode;
     Texts first;
@@ -163,7 +163,7 @@ void SmoothingTest::cancelChangesNothing() {
                    enterAll(command.texts, "cancel")(dialog);
                  }),
              command.name);
-    QVERIFY(document.currentMesh->vertices == vertices);
+    QVERIFY(document.mesh()->vertices == vertices);
     QCOMPARE(document.revision, revision);
     QCOMPARE(document.displayMode, mode);
     QVERIFY(!document.modified && !program.frame().activeFrame()->isWindowModified());
@@ -193,17 +193,17 @@ void SmoothingTest::aTypedMethodThatThereIsNotMovesNothingAndCanBeUndone() {
   Program program;
   program.open("t.ply2", tetrahedronText);
   const CGravlinDoc& document = program.document();
-  const auto before = document.currentMesh->vertices;
+  const auto before = document.mesh()->vertices;
   QVERIFY(run(program, noise, pressOk));
-  const auto noisy = document.currentMesh->vertices;
+  const auto noisy = document.mesh()->vertices;
   const auto revision = document.revision;
   QVERIFY(run(program, shape, {{"method", "laplacian flow"}}));
   QCOMPARE(document.smoothingParameters.method, std::string("laplacian flow"));
-  QVERIFY(document.currentMesh->vertices == noisy);
+  QVERIFY(document.mesh()->vertices == noisy);
   QCOMPARE(document.revision, revision + 1);
   // What the noise left for undo has been replaced.
   program.step("undo").trigger();
-  QVERIFY(document.currentMesh->vertices == noisy);
+  QVERIFY(document.mesh()->vertices == noisy);
   QVERIFY(noisy != before && !program.step("undo").isEnabled());
 }
 
@@ -248,10 +248,10 @@ void SmoothingTest::noiseOfAnyFiniteSizeIsAccepted() {
   for (const float size : {-0.25F, -1e20F, 1e20F}) {
     Program program;
     program.open("t.ply2", tetrahedronText);
-    const auto before = program.document().currentMesh->vertices;
+    const auto before = program.document().mesh()->vertices;
     QVERIFY(run(program, noise, {{"noiseSize", QString::number(size)}}));
     QCOMPARE(program.document().noiseParameters.noiseSize, size);
-    QVERIFY(program.document().currentMesh->vertices != before);
+    QVERIFY(program.document().mesh()->vertices != before);
   }
 }
 

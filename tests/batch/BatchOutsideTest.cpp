@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "batch/BatchOutside.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
@@ -98,11 +99,11 @@ TEST_F(BatchWorld, DrawsLinesForTheSizeOfTheView) {
 TEST_F(BatchWorld, RedrawCountsTheMeshOnShow) {
   CGravlinDoc document(outside);
   outside.attach(&document);
-  document.currentMesh = std::make_unique<TriangleMesh>(test::cube());
+  test::setMesh(document, test::cube());
   document.redraw();
   EXPECT_EQ(view.shownVertexCount, 8);
   EXPECT_EQ(view.shownFaceCount, 12);
-  document.currentMesh = nullptr;
+  test::dropMesh(document);
   document.redraw();
   EXPECT_EQ(view.shownVertexCount, 0);
 }

@@ -7,6 +7,7 @@
 
 #include "batch/BatchRun.h"
 #include "batch/Dump.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 
@@ -18,9 +19,7 @@ using ::testing::HasSubstr;
 
 class Dump : public ::testing::Test {
  protected:
-  void load(TriangleMesh mesh) {
-    doc.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
-  }
+  void load(TriangleMesh mesh) { test::setMesh(doc, std::move(mesh)); }
   json dumped(const std::vector<std::string>& fields = {}) {
     const test::TemporaryFolder folder;
     const std::string path = folder.file("dump.json");
@@ -73,7 +72,7 @@ TEST_F(Dump, WritesNullForWhatHasNotBeenBuilt) {
 
 TEST_F(Dump, HoldsCurvatureLinesAndStrokesWhenTheyAreThere) {
   load(test::twoTriangles());
-  TriangleMesh& mesh = *doc.currentMesh;
+  TriangleMesh& mesh = test::meshOf(doc);
   mesh.maxCurvature = {0.1, 0.2, 1.0 / 3.0, 4.0};
   mesh.ridgeMarks = {0, 1, 1, 0};
   mesh.ridgeLinks.resize(4);
@@ -114,7 +113,7 @@ TEST_F(Dump, TellsWithWhichUnitCurvaturesAreThoseOfTheFile) {
   }
   doc.OnFlatShading();  // where a change of shape leaves both as they are
   doc.keepUndoCopy();
-  for (float& x : doc.currentMesh->vertices) x *= 0.5F;
+  for (float& x : test::meshOf(doc).vertices) x *= 0.5F;
   doc.geometryChanged();
   ASSERT_TRUE(doc.saveFile(folder.file("half.ply2")));
   const json all = dumped();
@@ -151,7 +150,7 @@ TEST_F(Dump, HoldsTheHistogramForAWindowOfThreeHundredAndThirtyPixels) {
 
 TEST_F(Dump, KeepsPositionsThatAreNotFiniteReadable) {
   load(test::withNan());
-  doc.currentMesh->vertices[0] = -std::numeric_limits<float>::infinity();
+  test::meshOf(doc).vertices[0] = -std::numeric_limits<float>::infinity();
   const json all = dumped({"vertices"});
   EXPECT_EQ(all["vertices"][0], "-inf");
   EXPECT_EQ(all["vertices"][7], "nan");

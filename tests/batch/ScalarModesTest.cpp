@@ -18,6 +18,7 @@
 #include "batch/BatchRun.h"
 #include "doc/CommandTable.h"
 #include "doc/ModeTable.h"
+#include "support/DocumentAccess.h"
 #include "support/ImageComparison.h"
 #include "support/Meshes.h"
 #include "support/OffscreenView.h"
@@ -51,7 +52,7 @@ const Command* commandOf(const Mode& mode) {
     if (row.handler == nullptr || row.form != nullptr || row.file || row.step.empty()) continue;
     test::ScriptedOutside outside;
     CGravlinDoc document(outside);
-    document.currentMesh = std::make_unique<TriangleMesh>(test::bumpyGrid(3, 3));
+    test::setMesh(document, test::bumpyGrid(3, 3));
     (document.*row.handler)();
     if (document.displayMode == mode.number) return &row;
   }
@@ -165,12 +166,12 @@ class ScalarModes : public ::testing::TestWithParam<ScalarMode> {
 
   /// A document with a mesh of which every vertex has moved since the undo copy.
   void load(const TriangleMesh& mesh) {
-    document.currentMesh = std::make_unique<TriangleMesh>(mesh);
+    test::setMesh(document, mesh);
     move(0.05);
   }
   void move(double most) {
     document.keepUndoCopy();
-    TriangleMesh& mesh = *document.currentMesh;
+    TriangleMesh& mesh = test::meshOf(document);
     for (int i = 0; i < mesh.vertexCount; ++i) {
       mesh.setPosition(i, mesh.position(i) +
                               most * Vec3{std::sin(3.0 * i), std::sin(5.0 * i), std::cos(7.0 * i)});
@@ -216,7 +217,7 @@ TEST_P(ScalarModes, AreDrawnWithEveryValueInItsColourOfTheScale) {
     EXPECT_FALSE(batch.lit);
     ASSERT_EQ(batch.colours.size(), batch.positions.size());
 
-    const auto known = valuesByPlace(*document.currentMesh, mode().site, values());
+    const auto known = valuesByPlace(*document.mesh(), mode().site, values());
     const Statistics field = statisticsOf(values());
     std::set<Place> drawn;
     for (std::size_t k = 0; k + n <= batch.vertexCount(); k += n) {
@@ -255,11 +256,11 @@ TEST_P(ScalarModes, AreOfTheShapeAsItIsNow) {
 
   test::ScriptedOutside other;
   CGravlinDoc fresh(other);
-  fresh.currentMesh = std::make_unique<TriangleMesh>(*document.currentMesh);
-  fresh.currentMesh->dropDerived();
-  fresh.currentMesh->buildAdjacency();
-  fresh.currentMesh->buildFaceAdjacency();
-  fresh.currentMesh->computeNormals();
+  test::setMesh(fresh, *document.mesh());
+  test::meshOf(fresh).dropDerived();
+  test::meshOf(fresh).buildAdjacency();
+  test::meshOf(fresh).buildFaceAdjacency();
+  test::meshOf(fresh).computeNormals();
   fresh.undoMesh = std::make_unique<TriangleMesh>();
   fresh.undoMesh->copyGeometryFrom(*document.undoMesh);
   (fresh.*command().handler)();
@@ -269,7 +270,7 @@ TEST_P(ScalarModes, AreOfTheShapeAsItIsNow) {
 TEST_P(ScalarModes, TakeAnyMesh) {
   for (const test::NamedMesh& hostile : test::hostileMeshes()) {
     SCOPED_TRACE(hostile.name);
-    document.currentMesh = std::make_unique<TriangleMesh>(hostile.mesh);
+    test::setMesh(document, hostile.mesh);
     show();
     EXPECT_EQ(document.displayMode, mode().number);
     EXPECT_THAT(values(), SizeIs(placesOf(mode().site, hostile.mesh)));
@@ -299,8 +300,8 @@ TEST_P(ScalarModes, ArePicturesInColoursOrInGreyWithOrWithoutALegend) {
   offscreen.show(test::bumpySphere(), FlatShading);
   CGravlinDoc& shown = offscreen.document;
   shown.keepUndoCopy();
-  for (int i = 0; i < shown.currentMesh->vertexCount; ++i) {
-    shown.currentMesh->setPosition(i, (1.0 + 0.02 * std::sin(i)) * shown.currentMesh->position(i));
+  for (int i = 0; i < shown.mesh()->vertexCount; ++i) {
+    test::meshOf(shown).setPosition(i, (1.0 + 0.02 * std::sin(i)) * shown.mesh()->position(i));
   }
   shown.geometryChanged();
   shown.redraw();

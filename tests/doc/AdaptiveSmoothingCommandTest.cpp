@@ -9,6 +9,7 @@
 #include "doc/Messages.h"
 #include "smoothing/AdaptiveSmoothing.h"
 #include "support/Allocations.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 
@@ -21,7 +22,7 @@ using ::testing::IsEmpty;
 
 class AdaptiveSmoothingCommand : public ::testing::Test {
  protected:
-  AdaptiveSmoothingCommand() { doc.currentMesh = std::make_unique<TriangleMesh>(before); }
+  AdaptiveSmoothingCommand() { test::setMesh(doc, before); }
 
   void run(std::vector<std::pair<std::string, std::string>> texts) {
     outside.dialogAnswers = {test::okWith(std::move(texts))};
@@ -48,8 +49,8 @@ class AdaptiveSmoothingCommand : public ::testing::Test {
 
 TEST_F(AdaptiveSmoothingCommand, RunsElevenOuterIterationsWithTheDefaults) {
   run({});
-  EXPECT_EQ(doc.currentMesh->vertices, afterMedian(11));
-  EXPECT_NE(doc.currentMesh->vertices, afterMedian(10));
+  EXPECT_EQ(doc.mesh()->vertices, afterMedian(11));
+  EXPECT_NE(doc.mesh()->vertices, afterMedian(10));
   EXPECT_EQ(outside.count("show progress 0..10 by 1"), 1);
   EXPECT_EQ(outside.count("step progress"), 10);
   EXPECT_EQ(outside.count("redraw"), 11) << "ten of the animation and the last";
@@ -67,10 +68,10 @@ TEST_F(AdaptiveSmoothingCommand, MedianEndsWithOneMoreWholeChunk) {
        {Case{"7", "0", "1", 8, 7}, Case{"25", "0", "1", 26, 12}, Case{"10", "1", "3", 12, 3},
         Case{"4", "1", "9", 9, 0}, Case{"5", "1", "0", 6, 5}, Case{"0", "1", "1", 1, 0}}) {
     SCOPED_TRACE(c.count);
-    doc.currentMesh = std::make_unique<TriangleMesh>(before);
+    test::setMesh(doc, before);
     outside.forget();
     run({{"outerIterations", c.count}, {"animate", c.animate}, {"animateEvery", c.every}});
-    EXPECT_EQ(doc.currentMesh->vertices, afterMedian(c.iterations));
+    EXPECT_EQ(doc.mesh()->vertices, afterMedian(c.iterations));
     EXPECT_EQ(outside.count("step progress"), c.chunks);
     EXPECT_EQ(outside.count("redraw"), (c.animate[0] == '1' ? c.chunks : 0) + 1);
   }
@@ -86,12 +87,12 @@ TEST_F(AdaptiveSmoothingCommand, WeightFunctionEndsWithWhatIsLeft) {
   for (const Case& c : {Case{"7", "0", "1", 7}, Case{"25", "0", "1", 25}, Case{"10", "1", "3", 10},
                         Case{"4", "1", "9", 4}, Case{"-3", "1", "2", 0}}) {
     SCOPED_TRACE(c.count);
-    doc.currentMesh = std::make_unique<TriangleMesh>(before);
+    test::setMesh(doc, before);
     run({{"outerIterations", c.count},
          {"animate", c.animate},
          {"animateEvery", c.every},
          {"averagingKind", "weight"}});
-    EXPECT_EQ(doc.currentMesh->vertices, afterWeighted(c.iterations));
+    EXPECT_EQ(doc.mesh()->vertices, afterWeighted(c.iterations));
   }
 }
 
@@ -105,11 +106,11 @@ TEST_F(AdaptiveSmoothingCommand, ShowsProgressFromDialogToTailAndRedrawsLast) {
 TEST_F(AdaptiveSmoothingCommand, EveryRedrawShowsNormalsOfThePositions) {
   int drawn = 0;
   outside.whenRedrawn = [&] {
-    TriangleMesh fresh = *doc.currentMesh;
+    TriangleMesh fresh = *doc.mesh();
     fresh.computeFaceNormals();
     fresh.computeVertexNormals();
-    EXPECT_EQ(doc.currentMesh->faceNormals, fresh.faceNormals);
-    EXPECT_EQ(doc.currentMesh->vertexNormals, fresh.vertexNormals);
+    EXPECT_EQ(doc.mesh()->faceNormals, fresh.faceNormals);
+    EXPECT_EQ(doc.mesh()->vertexNormals, fresh.vertexNormals);
     ++drawn;
   };
   run({{"outerIterations", "3"}});
@@ -120,8 +121,8 @@ TEST_F(AdaptiveSmoothingCommand, UndoBringsTheShapeBackToTheBit) {
   run({});
   EXPECT_TRUE(doc.modified);
   doc.OnEditUndo();
-  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
-  EXPECT_EQ(doc.currentMesh->faces, before.faces);
+  EXPECT_EQ(doc.mesh()->vertices, before.vertices);
+  EXPECT_EQ(doc.mesh()->faces, before.faces);
   EXPECT_FALSE(doc.modified);
 }
 
@@ -129,22 +130,22 @@ TEST_F(AdaptiveSmoothingCommand, EveryRunReplacesTheUndoCopy) {
   doc.undoMesh = std::make_unique<TriangleMesh>(test::cube());
   run({{"outerIterations", "1"}});
   EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
-  const std::vector<float> smoother = doc.currentMesh->vertices;
+  const std::vector<float> smoother = doc.mesh()->vertices;
   run({{"averagingKind", "weight"}});
   EXPECT_EQ(doc.undoMesh->vertices, smoother);
-  EXPECT_NE(doc.currentMesh->vertices, smoother);
+  EXPECT_NE(doc.mesh()->vertices, smoother);
 }
 
 TEST_F(AdaptiveSmoothingCommand, CancelLeavesValuesShapeAndUndoAlone) {
   outside.dialogAnswers = {test::cancel()};
   doc.OnSmoothingShapeAdaptive();
-  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+  EXPECT_EQ(doc.mesh()->vertices, before.vertices);
   EXPECT_EQ(doc.undoMesh, nullptr);
   EXPECT_THAT(outside.calls, ElementsAre("dialog CAdaptiveSmoothingDlg"));
 }
 
 TEST_F(AdaptiveSmoothingCommand, WithoutAMeshNothingIsAsked) {
-  doc.currentMesh = nullptr;
+  test::dropMesh(doc);
   doc.OnSmoothingShapeAdaptive();
   EXPECT_THAT(outside.calls, IsEmpty());
 }
@@ -179,10 +180,10 @@ TEST_F(AdaptiveSmoothingCommand, RefusesAVertexOfTooManyFacesAndLosesNothing) {
   run({{"outerIterations", "1"}});
   const std::vector<float> kept = doc.undoMesh->vertices;
   const TriangleMesh hub = test::makeMesh(points, faces);
-  doc.currentMesh = std::make_unique<TriangleMesh>(hub);
+  test::setMesh(doc, hub);
   run({});
   EXPECT_THAT(outside.messages, ElementsAre(HasSubstr("too many faces meet at one vertex")));
-  EXPECT_EQ(doc.currentMesh->vertices, hub.vertices);
+  EXPECT_EQ(doc.mesh()->vertices, hub.vertices);
   EXPECT_EQ(doc.undoMesh->vertices, kept);
 }
 
@@ -197,14 +198,14 @@ TEST_F(AdaptiveSmoothingCommand, TellsWhenMemoryEndsOnTheWayAndKeepsWhatIsDone) 
               ElementsAre("dialog CAdaptiveSmoothingDlg", "show progress 0..9 by 3",
                           "step progress", "redraw", "hide progress",
                           std::string("message ") + outOfMemoryWhileSmoothing, "redraw"));
-  EXPECT_EQ(doc.currentMesh->vertices, afterMedian(3));
+  EXPECT_EQ(doc.mesh()->vertices, afterMedian(3));
   doc.OnEditUndo();
-  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+  EXPECT_EQ(doc.mesh()->vertices, before.vertices);
 }
 
 TEST_F(AdaptiveSmoothingCommand, WithoutMemoryForItsListsTellsItAndLosesNothing) {
   const TriangleMesh sphere = test::icosphere(3);  // 1280 faces, so their rows take 5124 bytes
-  doc.currentMesh = std::make_unique<TriangleMesh>(sphere);
+  test::setMesh(doc, sphere);
   doc.undoMesh = std::make_unique<TriangleMesh>(before);
   std::optional<test::AllocationLimit> limit;
   outside.dialogAnswers = {[&](const Form&) {
@@ -216,7 +217,7 @@ TEST_F(AdaptiveSmoothingCommand, WithoutMemoryForItsListsTellsItAndLosesNothing)
   EXPECT_THAT(outside.calls,
               ElementsAre("dialog CAdaptiveSmoothingDlg",
                           "message There is not enough memory to smooth this mesh adaptively."));
-  EXPECT_EQ(doc.currentMesh->vertices, sphere.vertices);
+  EXPECT_EQ(doc.mesh()->vertices, sphere.vertices);
   EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
   EXPECT_FALSE(doc.modified);
 }

@@ -10,6 +10,7 @@
 #include "doc/CommandTable.h"
 #include "support/Allocations.h"
 #include "support/DisplayModes.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
@@ -24,14 +25,12 @@ using ::testing::SizeIs;
 
 class Document : public ::testing::Test {
  protected:
-  void load(TriangleMesh mesh) {
-    doc.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
-  }
+  void load(TriangleMesh mesh) { test::setMesh(doc, std::move(mesh)); }
 
   /// What every undoable command does around its work.
   void moveVertexZero(float x) {
     doc.keepUndoCopy();
-    doc.currentMesh->vertices[0] = x;
+    test::meshOf(doc).vertices[0] = x;
     doc.geometryChanged();
     doc.redraw();
   }
@@ -41,7 +40,7 @@ class Document : public ::testing::Test {
 };
 
 TEST_F(Document, IsNewWithoutAMeshAndUnmodified) {
-  EXPECT_EQ(doc.currentMesh, nullptr);
+  EXPECT_EQ(doc.mesh(), nullptr);
   EXPECT_EQ(doc.undoMesh, nullptr);
   EXPECT_FALSE(doc.needsRecompute);
   EXPECT_FALSE(doc.modified);
@@ -52,11 +51,11 @@ TEST_F(Document, AShapeThatDidNotChangeKeepsItsNumberWithPositionsThatAreNone) {
   const float none = std::numeric_limits<float>::quiet_NaN();
   load(test::octahedron());
   moveVertexZero(none);
-  const auto shape = doc.currentMesh->shape;
+  const auto shape = doc.mesh()->shape;
   moveVertexZero(none);
-  EXPECT_EQ(doc.currentMesh->shape, shape);
+  EXPECT_EQ(doc.mesh()->shape, shape);
   moveVertexZero(1.0F);
-  EXPECT_NE(doc.currentMesh->shape, shape);
+  EXPECT_NE(doc.mesh()->shape, shape);
 }
 
 // --- Redraw ---
@@ -76,15 +75,15 @@ TEST_F(Document, RedrawBringsBothNormalsUpToDateBeforeViewsAreDrawnInEveryMode) 
   for (const int mode : test::everyDisplayMode()) {
     load(cube);
     doc.displayMode = mode;
-    for (float& n : doc.currentMesh->faceNormals) n = 9.0F;
-    doc.currentMesh->vertexNormals.clear();
+    for (float& n : test::meshOf(doc).faceNormals) n = 9.0F;
+    test::meshOf(doc).vertexNormals.clear();
     doc.needsRecompute = true;
     int drawn = 0;
     outside.whenRedrawn = [&] {
       ++drawn;
       EXPECT_FALSE(doc.needsRecompute);
-      EXPECT_EQ(doc.currentMesh->faceNormals, cube.faceNormals);
-      EXPECT_EQ(doc.currentMesh->vertexNormals, cube.vertexNormals);
+      EXPECT_EQ(doc.mesh()->faceNormals, cube.faceNormals);
+      EXPECT_EQ(doc.mesh()->vertexNormals, cube.vertexNormals);
     };
     doc.redraw();
     EXPECT_EQ(drawn, 1);
@@ -93,9 +92,9 @@ TEST_F(Document, RedrawBringsBothNormalsUpToDateBeforeViewsAreDrawnInEveryMode) 
 
 TEST_F(Document, RedrawLeavesDerivedDataAloneWhenNothingIsStale) {
   load(test::cube());
-  doc.currentMesh->faceNormals[0] = 9.0F;
+  test::meshOf(doc).faceNormals[0] = 9.0F;
   doc.redraw();
-  EXPECT_EQ(doc.currentMesh->faceNormals[0], 9.0F);
+  EXPECT_EQ(doc.mesh()->faceNormals[0], 9.0F);
 }
 
 TEST_F(Document, RedrawClearsTheFlagAlsoWithoutAMesh) {
@@ -112,27 +111,27 @@ TEST_F(Document, UndoBringsTheGeometryBackBitForBitWithFreshTopologyAndNormals) 
   load(before);
   moveVertexZero(0.123F);
   doc.OnEditUndo();
-  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
-  EXPECT_EQ(doc.currentMesh->faces, before.faces);
-  EXPECT_EQ(doc.currentMesh->boxMax, before.boxMax);
-  EXPECT_EQ(doc.currentMesh->boxMin, before.boxMin);
-  EXPECT_EQ(doc.currentMesh->extentTolerance, before.extentTolerance);
-  EXPECT_EQ(doc.currentMesh->vertexNeighbours.items, before.vertexNeighbours.items);
-  EXPECT_EQ(doc.currentMesh->faceAdjacency, before.faceAdjacency);
-  EXPECT_EQ(doc.currentMesh->faceNormals, before.faceNormals);
-  EXPECT_EQ(doc.currentMesh->vertexNormals, before.vertexNormals);
+  EXPECT_EQ(doc.mesh()->vertices, before.vertices);
+  EXPECT_EQ(doc.mesh()->faces, before.faces);
+  EXPECT_EQ(doc.mesh()->boxMax, before.boxMax);
+  EXPECT_EQ(doc.mesh()->boxMin, before.boxMin);
+  EXPECT_EQ(doc.mesh()->extentTolerance, before.extentTolerance);
+  EXPECT_EQ(doc.mesh()->vertexNeighbours.items, before.vertexNeighbours.items);
+  EXPECT_EQ(doc.mesh()->faceAdjacency, before.faceAdjacency);
+  EXPECT_EQ(doc.mesh()->faceNormals, before.faceNormals);
+  EXPECT_EQ(doc.mesh()->vertexNormals, before.vertexNormals);
 }
 
 TEST_F(Document, UndoLeavesCurvatureMarksAndPickedFaceAbsent) {
   load(test::icosphere(1));
   doc.keepUndoCopy();
-  doc.currentMesh->maxCurvature.assign(42, 1.0);
-  doc.currentMesh->ridgeMarks.assign(42, 1);
-  doc.currentMesh->pickedFace = 3;
+  test::meshOf(doc).maxCurvature.assign(42, 1.0);
+  test::meshOf(doc).ridgeMarks.assign(42, 1);
+  test::meshOf(doc).pickedFace = 3;
   doc.OnEditUndo();
-  EXPECT_THAT(doc.currentMesh->maxCurvature, IsEmpty());
-  EXPECT_THAT(doc.currentMesh->ridgeMarks, IsEmpty());
-  EXPECT_EQ(doc.currentMesh->pickedFace, std::nullopt);
+  EXPECT_THAT(doc.mesh()->maxCurvature, IsEmpty());
+  EXPECT_THAT(doc.mesh()->ridgeMarks, IsEmpty());
+  EXPECT_EQ(doc.mesh()->pickedFace, std::nullopt);
 }
 
 TEST_F(Document, UndoTwiceInARowDoesNothingTheSecondTime) {
@@ -143,7 +142,7 @@ TEST_F(Document, UndoTwiceInARowDoesNothingTheSecondTime) {
   outside.forget();
   doc.OnEditUndo();
   EXPECT_THAT(outside.calls, IsEmpty());
-  EXPECT_EQ(doc.currentMesh->vertices[0], -1.0F);
+  EXPECT_EQ(doc.mesh()->vertices[0], -1.0F);
 }
 
 TEST_F(Document, UndoKeepsOneStepOnly) {
@@ -151,7 +150,7 @@ TEST_F(Document, UndoKeepsOneStepOnly) {
   moveVertexZero(0.5F);
   moveVertexZero(0.25F);
   doc.OnEditUndo();
-  EXPECT_EQ(doc.currentMesh->vertices[0], 0.5F);
+  EXPECT_EQ(doc.mesh()->vertices[0], 0.5F);
   EXPECT_EQ(doc.undoMesh, nullptr);
 }
 
@@ -176,11 +175,11 @@ TEST_F(Document, UndoKeepsEveryOtherMode) {
 
 TEST_F(Document, TheUndoCopyHoldsGeometryOnly) {
   load(test::icosphere(1));
-  doc.currentMesh->maxCurvature.assign(42, 1.0);
+  test::meshOf(doc).maxCurvature.assign(42, 1.0);
   doc.keepUndoCopy();
   ASSERT_NE(doc.undoMesh, nullptr);
-  EXPECT_EQ(doc.undoMesh->vertices, doc.currentMesh->vertices);
-  EXPECT_EQ(doc.undoMesh->faces, doc.currentMesh->faces);
+  EXPECT_EQ(doc.undoMesh->vertices, doc.mesh()->vertices);
+  EXPECT_EQ(doc.undoMesh->faces, doc.mesh()->faces);
   EXPECT_THAT(doc.undoMesh->maxCurvature, IsEmpty());
   EXPECT_THAT(doc.undoMesh->vertexNormals, IsEmpty());
   EXPECT_FALSE(doc.undoMesh->vertexNeighbours.built());
@@ -191,12 +190,12 @@ TEST_F(Document, UndoBringsAHostileMeshBackBitForBitWithItsTopology) {
     SCOPED_TRACE(hostile.name);
     load(hostile.mesh);
     doc.keepUndoCopy();
-    std::ranges::fill(doc.currentMesh->vertices, 7.0F);
+    std::ranges::fill(test::meshOf(doc).vertices, 7.0F);
     doc.OnEditUndo();
-    EXPECT_TRUE(test::sameVertices(*doc.currentMesh, hostile.mesh));
-    EXPECT_EQ(doc.currentMesh->faces, hostile.mesh.faces);
-    EXPECT_EQ(doc.currentMesh->vertexKind, hostile.mesh.vertexKind);
-    EXPECT_EQ(doc.currentMesh->faceAdjacency, hostile.mesh.faceAdjacency);
+    EXPECT_TRUE(test::sameVertices(*doc.mesh(), hostile.mesh));
+    EXPECT_EQ(doc.mesh()->faces, hostile.mesh.faces);
+    EXPECT_EQ(doc.mesh()->vertexKind, hostile.mesh.vertexKind);
+    EXPECT_EQ(doc.mesh()->faceAdjacency, hostile.mesh.faceAdjacency);
     EXPECT_EQ(doc.undoMesh, nullptr);
   }
 }
@@ -254,9 +253,9 @@ TEST_F(Document, SaysNothingWhilePositionsAreFinite) {
 
 TEST_F(Document, PickingShowsTheFaceAndTellsAboutIt) {
   load(test::twoTriangles());
-  doc.currentMesh->extentTolerance = 2.0;  // one unit in memory is two in the file
+  test::meshOf(doc).extentTolerance = 2.0;  // one unit in memory is two in the file
   EXPECT_TRUE(doc.pickFace(Ray{{0.25, 0.75, 5.0}, {0.0, 0.0, -1.0}}));
-  EXPECT_EQ(doc.currentMesh->pickedFace, 1);
+  EXPECT_EQ(doc.mesh()->pickedFace, 1);
   EXPECT_EQ(doc.displayMode, PickedFace);
   EXPECT_THAT(outside.calls,
               ElementsAre("status Face 1: corners 0, 2, 3; area 2; normal (0, 0, 1)", "redraw"));
@@ -266,7 +265,7 @@ TEST_F(Document, PickingBesideTheMeshDoesNothing) {
   load(test::twoTriangles());
   doc.displayMode = WireFrame;
   EXPECT_FALSE(doc.pickFace(Ray{{2.0, 2.0, 5.0}, {0.0, 0.0, -1.0}}));
-  EXPECT_EQ(doc.currentMesh->pickedFace, std::nullopt);
+  EXPECT_EQ(doc.mesh()->pickedFace, std::nullopt);
   EXPECT_EQ(doc.displayMode, WireFrame);
   EXPECT_THAT(outside.calls, IsEmpty());
 }
@@ -280,7 +279,7 @@ TEST_F(Document, PickingAgainReplacesTheMark) {
   load(test::twoTriangles());
   doc.pickFace(0);
   doc.pickFace(1);
-  EXPECT_EQ(doc.currentMesh->pickedFace, 1);
+  EXPECT_EQ(doc.mesh()->pickedFace, 1);
 }
 
 TEST_F(Document, TheSentenceAboutAFaceGoesWhenAnotherPictureIsShown) {
@@ -370,7 +369,7 @@ TEST_F(Document, ACommandThatChangesNothingLeavesEverythingOfThisShape) {
   outside.dialogAnswers = {test::okWith({{"noiseSize", "0"}})};
   doc.OnSmoothingNoise();
   EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
-  EXPECT_EQ(doc.currentMesh->curvatureOrigin.shape, doc.currentMesh->shape);
+  EXPECT_EQ(doc.mesh()->curvatureOrigin.shape, doc.mesh()->shape);
   outside.dialogAnswers = {test::okWith({{"noiseSize", "0.1"}})};
   doc.OnSmoothingNoise();
   EXPECT_EQ(outside.histogramAge, HistogramAge::EarlierShape);
@@ -409,7 +408,7 @@ TEST_F(Document, ARedrawThatFailsBehindACommandLosesNothing) {
     load(test::bumpyGrid(6, 6));
     doc.modified = false;
     doc.undoMesh = nullptr;
-    const std::vector<float> before = doc.currentMesh->vertices;
+    const std::vector<float> before = doc.mesh()->vertices;
     outside.dialogAnswers = {test::ok()};
     outside.whenRedrawn = [] { throw std::bad_alloc(); };
     try {
@@ -419,12 +418,12 @@ TEST_F(Document, ARedrawThatFailsBehindACommandLosesNothing) {
     }
     outside.whenRedrawn = nullptr;
     EXPECT_TRUE(doc.modified);
-    EXPECT_NE(doc.currentMesh->vertices, before);
+    EXPECT_NE(doc.mesh()->vertices, before);
     doc.redraw();
     EXPECT_FALSE(doc.needsRecompute);
-    EXPECT_EQ(doc.currentMesh->faceNormals.size(), doc.currentMesh->faces.size());
+    EXPECT_EQ(doc.mesh()->faceNormals.size(), doc.mesh()->faces.size());
     doc.OnEditUndo();
-    EXPECT_EQ(doc.currentMesh->vertices, before);
+    EXPECT_EQ(doc.mesh()->vertices, before);
     EXPECT_FALSE(doc.modified);
   }
 }
@@ -439,10 +438,10 @@ TEST(DocumentWithoutMemory, FindsDerivedDataAtTheNextRedrawAndHasViewsDrawAnew) 
   };
   FullOutside outside;
   CGravlinDoc doc(outside);
-  doc.currentMesh = std::make_unique<TriangleMesh>(test::bumpyGrid(6, 6));
+  test::setMesh(doc, test::bumpyGrid(6, 6));
   doc.OnCurvatureMax();
   const std::vector<double> before = outside.histogramValues;
-  doc.currentMesh->vertices[0] += 1.0F;
+  test::meshOf(doc).vertices[0] += 1.0F;
   doc.geometryChanged();
   outside.full = true;
   const auto revision = doc.revision;
@@ -459,9 +458,9 @@ TEST_F(Document, AnUndoWithoutMemoryKeepsBothShapesAndSaysSo) {
   int refusals = 0;
   for (std::size_t n = 1;; ++n) {
     load(test::cube());
-    const std::vector<float> before = doc.currentMesh->vertices;
+    const std::vector<float> before = doc.mesh()->vertices;
     moveVertexZero(0.5F);
-    const std::vector<float> after = doc.currentMesh->vertices;
+    const std::vector<float> after = doc.mesh()->vertices;
     outside.forget();
     {
       const test::AllocationFailure failure(n);
@@ -474,13 +473,13 @@ TEST_F(Document, AnUndoWithoutMemoryKeepsBothShapesAndSaysSo) {
     ASSERT_EQ(outside.messages.size(), 1U) << n;
     ++refusals;
     EXPECT_THAT(outside.messages[0], HasSubstr("memory"));
-    EXPECT_EQ(doc.currentMesh->vertices, after);
+    EXPECT_EQ(doc.mesh()->vertices, after);
     EXPECT_TRUE(doc.modified);
     ASSERT_NE(doc.undoMesh, nullptr);
     EXPECT_EQ(doc.undoMesh->vertices, before);
     EXPECT_FALSE(doc.undoMesh->vertexFaces.built()) << "what was built of it takes memory";
     doc.OnEditUndo();
-    EXPECT_EQ(doc.currentMesh->vertices, before);
+    EXPECT_EQ(doc.mesh()->vertices, before);
   }
   EXPECT_GT(refusals, 5);
 }
@@ -491,7 +490,7 @@ TEST_F(Document, WithoutMemoryForTheUndoCopyACommandIsNotRun) {
     doc.undoMesh = nullptr;
     doc.modified = false;
     if (hadCopy) doc.undoMesh = std::make_unique<TriangleMesh>(test::octahedron());
-    const std::vector<float> before = doc.currentMesh->vertices;
+    const std::vector<float> before = doc.mesh()->vertices;
     outside.forget();
     std::optional<test::AllocationFailure> failure;
     outside.dialogAnswers = {[&](const Form&) {
@@ -503,7 +502,7 @@ TEST_F(Document, WithoutMemoryForTheUndoCopyACommandIsNotRun) {
     ASSERT_EQ(outside.messages.size(), 1U);
     EXPECT_THAT(outside.messages[0], HasSubstr("The mesh stays as it is"));
     EXPECT_EQ(outside.messages[0].find("given up") != std::string::npos, hadCopy);
-    EXPECT_EQ(doc.currentMesh->vertices, before);
+    EXPECT_EQ(doc.mesh()->vertices, before);
     EXPECT_EQ(doc.undoMesh, nullptr);
     EXPECT_FALSE(findStep("undo")->hasWork(doc));
     EXPECT_FALSE(doc.modified);
@@ -513,7 +512,7 @@ TEST_F(Document, WithoutMemoryForTheUndoCopyACommandIsNotRun) {
 TEST_F(Document, AnUndoCopyOfTheSameCountsIsReplacedWithoutTakingMemory) {
   load(test::cube());
   moveVertexZero(0.5F);
-  const std::vector<float> before = doc.currentMesh->vertices;
+  const std::vector<float> before = doc.mesh()->vertices;
   const std::size_t earlier = test::allocationCount();
   EXPECT_TRUE(doc.keepUndoCopy());
   EXPECT_EQ(test::allocationCount(), earlier);
@@ -534,7 +533,7 @@ TEST_F(Document, PickingFindsTheNormalsThatARedrawDidNot) {
       redrawn = false;
     }
   }
-  ASSERT_TRUE(doc.currentMesh->faceNormals.empty());
+  ASSERT_TRUE(doc.mesh()->faceNormals.empty());
   outside.forget();
   EXPECT_TRUE(doc.pickFace(Ray{{0.25, 0.75, 5.0}, {0.0, 0.0, -1.0}}));
   EXPECT_THAT(outside.statuses, ElementsAre(HasSubstr("normal (0, 0, 1)")));
@@ -557,9 +556,9 @@ TEST_F(Document, PickingInAHostileMeshFindsAProperFaceOrNone) {
       const bool hit = doc.pickFace(Ray{{0.2, 0.2, 0.2}, direction});
       EXPECT_EQ(hit, outside.statuses.size() == 1);
       if (hit) {
-        EXPECT_TRUE(canBeHit(*doc.currentMesh, *doc.currentMesh->pickedFace));
+        EXPECT_TRUE(canBeHit(*doc.mesh(), *doc.mesh()->pickedFace));
       }
-      EXPECT_TRUE(test::sameVertices(*doc.currentMesh, hostile.mesh));
+      EXPECT_TRUE(test::sameVertices(*doc.mesh(), hostile.mesh));
       outside.forget();
     }
   }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "doc/CommandTable.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
@@ -157,7 +158,7 @@ TEST(CommandTable, EveryHandlerIsSafeWithoutAMesh) {
       outside.dialogAnswers.assign(9, answer);
       outside.fileAnswers.assign(1, std::nullopt);
       (doc.*row.handler)();
-      EXPECT_EQ(doc.currentMesh, nullptr);
+      EXPECT_EQ(doc.mesh(), nullptr);
       EXPECT_EQ(doc.undoMesh, nullptr);
       EXPECT_FALSE(doc.modified);
     }
@@ -173,13 +174,13 @@ TEST(CommandTable, CancellingTheDialogOfACommandChangesNothing) {
     test::ScriptedOutside outside;
     CGravlinDoc doc(outside);
     const TriangleMesh mesh = test::icosphere(1);
-    doc.currentMesh = std::make_unique<TriangleMesh>(mesh);
+    test::setMesh(doc, mesh);
     doc.displayMode = WireFrame;
     outside.dialogAnswers = {test::cancel()};
     outside.fileAnswers = {std::nullopt};
     (doc.*row.handler)();
-    EXPECT_EQ(doc.currentMesh->vertices, mesh.vertices);
-    EXPECT_EQ(doc.currentMesh->faces, mesh.faces);
+    EXPECT_EQ(doc.mesh()->vertices, mesh.vertices);
+    EXPECT_EQ(doc.mesh()->faces, mesh.faces);
     EXPECT_EQ(doc.displayMode == WireFrame, !choosesModeFirst);
     EXPECT_EQ(doc.undoMesh, nullptr);
     EXPECT_FALSE(doc.modified);
@@ -214,24 +215,24 @@ TEST(CommandTable, EveryHandlerLeavesAnUpToDateMeshOfAHostileOne) {
       SCOPED_TRACE(std::string(row.text) + " on " + hostile.name);
       test::ScriptedOutside outside;
       CGravlinDoc doc(outside);
-      doc.currentMesh = std::make_unique<TriangleMesh>(hostile.mesh);
+      test::setMesh(doc, hostile.mesh);
       outside.dialogAnswers.assign(9, test::ok());
       outside.fileAnswers.assign(1, std::nullopt);
       (doc.*row.handler)();
-      ASSERT_NE(doc.currentMesh, nullptr);
+      ASSERT_NE(doc.mesh(), nullptr);
       EXPECT_FALSE(doc.needsRecompute && outside.count("redraw") > 0);
-      expectUpToDate(*doc.currentMesh);
+      expectUpToDate(*doc.mesh());
       EXPECT_EQ(doc.undoMesh != nullptr, changesShape(row));
       EXPECT_EQ(doc.modified, changesShape(row));
       if (test::isFinite(hostile.mesh)) {
-        EXPECT_TRUE(test::isFinite(*doc.currentMesh));
+        EXPECT_TRUE(test::isFinite(*doc.mesh()));
       }
       if (changesShape(row)) {
         EXPECT_TRUE(test::sameVertices(*doc.undoMesh, hostile.mesh));
         EXPECT_EQ(doc.undoMesh->faces, hostile.mesh.faces);
       } else {
-        EXPECT_TRUE(test::sameVertices(*doc.currentMesh, hostile.mesh));
-        EXPECT_EQ(doc.currentMesh->faces, hostile.mesh.faces);
+        EXPECT_TRUE(test::sameVertices(*doc.mesh(), hostile.mesh));
+        EXPECT_EQ(doc.mesh()->faces, hostile.mesh.faces);
       }
     }
   }

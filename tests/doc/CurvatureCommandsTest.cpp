@@ -14,6 +14,7 @@
 #include "doc/CGravlinDoc.h"
 #include "doc/ModeTable.h"
 #include "support/Allocations.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 #include "support/TemporaryFolder.h"
@@ -31,10 +32,8 @@ using Handler = void (CGravlinDoc::*)();
 
 class CurvatureCommands : public ::testing::Test {
  protected:
-  void load(TriangleMesh mesh) {
-    doc.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
-  }
-  TriangleMesh& mesh() { return *doc.currentMesh; }
+  void load(TriangleMesh mesh) { test::setMesh(doc, std::move(mesh)); }
+  TriangleMesh& mesh() { return test::meshOf(doc); }
 
   test::ScriptedOutside outside;
   CGravlinDoc doc{outside};

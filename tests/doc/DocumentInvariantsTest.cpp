@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/DocumentAccess.h"
 #include "support/Invariants.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
@@ -19,9 +20,8 @@ using ::testing::IsEmpty;
 TEST(DocumentInvariants, AreMissedWhereTheyAreBroken) {
   using Damage = std::function<void(CGravlinDoc&)>;
   const std::vector<std::pair<std::string, Damage>> damages = {
-      {"face 0 repeats a corner",
-       [](auto& d) { d.currentMesh->faces[1] = d.currentMesh->faces[0]; }},
-      {"the current mesh has no topology", [](auto& d) { d.currentMesh->dropDerived(); }},
+      {"face 0 repeats a corner", [](auto& d) { test::meshOf(d).faces[1] = d.mesh()->faces[0]; }},
+      {"the current mesh has no topology", [](auto& d) { test::meshOf(d).dropDerived(); }},
       {"creaseLinks does not lead both ways between vertex 0 and vertex 1",
        [](auto& d) {
          d.creaseLinks.resize(9);
@@ -34,7 +34,7 @@ TEST(DocumentInvariants, AreMissedWhereTheyAreBroken) {
   for (const auto& [words, damage] : damages) {
     test::ScriptedOutside outside;
     CGravlinDoc document(outside);
-    document.currentMesh = std::make_unique<TriangleMesh>(test::grid(2, 2));
+    test::setMesh(document, test::grid(2, 2));
     document.keepUndoCopy();
     ASSERT_THAT(test::brokenInvariants(document), IsEmpty());
     damage(document);

@@ -14,6 +14,7 @@
 #include "doc/CGravlinDoc.h"
 #include "features/CreasesByAngle.h"
 #include "numeric/Index.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
@@ -36,12 +37,12 @@ struct Desk {
   CGravlinDoc doc{outside};
 
   explicit Desk(TriangleMesh mesh) {
-    doc.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
+    test::setMesh(doc, std::move(mesh));
     doc.redraw();
     outside.forget();
   }
 
-  TriangleMesh& mesh() { return *doc.currentMesh; }
+  TriangleMesh& mesh() { return test::meshOf(doc); }
   void answer(DialogAnswer dialogAnswer) {
     outside.dialogAnswers.push_back(std::move(dialogAnswer));
   }
@@ -729,7 +730,7 @@ TEST(ExportLinesCommand, CancelWritesNothingAndSoDoesNoMeshWithAMessage) {
   desk.doc.OnExportLines();
   EXPECT_THAT(desk.outside.statuses, IsEmpty());
   EXPECT_THAT(desk.outside.messages, IsEmpty());
-  desk.doc.currentMesh.reset();
+  test::dropMesh(desk.doc);
   desk.doc.OnExportLines();
   EXPECT_EQ(desk.outside.count("save file"), 1);
   EXPECT_EQ(desk.outside.messages.size(), 1U);

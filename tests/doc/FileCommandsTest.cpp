@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "doc/CGravlinDoc.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
@@ -35,7 +36,7 @@ class FileCommands : public ::testing::Test {
   /// What an undoable command does around its work.
   void moveVertexZero(float x) {
     doc.keepUndoCopy();
-    doc.currentMesh->vertices[0] = x;
+    test::meshOf(doc).vertices[0] = x;
     doc.geometryChanged();
     doc.redraw();
   }
@@ -52,13 +53,13 @@ TEST_F(FileCommands, OpenLoadsTheMeshAndShowsItFlatWithBothNormals) {
   outside.whenRedrawn = [&] {
     EXPECT_EQ(doc.displayMode, FlatShading);
     EXPECT_FALSE(doc.needsRecompute);
-    ASSERT_NE(doc.currentMesh, nullptr);
-    EXPECT_EQ(doc.currentMesh->faceNormals.size(), 6U);
-    EXPECT_EQ(doc.currentMesh->vertexNormals.size(), 12U);
+    ASSERT_NE(doc.mesh(), nullptr);
+    EXPECT_EQ(doc.mesh()->faceNormals.size(), 6U);
+    EXPECT_EQ(doc.mesh()->vertexNormals.size(), 12U);
   };
   open(squarePath);
   EXPECT_EQ(outside.count("redraw"), 1);
-  EXPECT_EQ(doc.currentMesh->countUsedVertices(), 4);
+  EXPECT_EQ(doc.mesh()->countUsedVertices(), 4);
   EXPECT_EQ(doc.path, squarePath);
   EXPECT_FALSE(doc.modified);
   EXPECT_EQ(doc.undoMesh, nullptr);
@@ -67,12 +68,12 @@ TEST_F(FileCommands, OpenLoadsTheMeshAndShowsItFlatWithBothNormals) {
 
 TEST_F(FileCommands, OpenReplacesTheMeshOfTheSameDocument) {
   open(squarePath);
-  doc.currentMesh->pickedFace = 1;
-  doc.currentMesh->maxCurvature.assign(4, 1.0);
+  test::meshOf(doc).pickedFace = 1;
+  test::meshOf(doc).maxCurvature.assign(4, 1.0);
   open(trianglePath);
-  EXPECT_EQ(doc.currentMesh->vertexCount, 3);
-  EXPECT_EQ(doc.currentMesh->pickedFace, std::nullopt);
-  EXPECT_THAT(doc.currentMesh->maxCurvature, IsEmpty());
+  EXPECT_EQ(doc.mesh()->vertexCount, 3);
+  EXPECT_EQ(doc.mesh()->pickedFace, std::nullopt);
+  EXPECT_THAT(doc.mesh()->maxCurvature, IsEmpty());
   EXPECT_EQ(doc.path, trianglePath);
 }
 
@@ -92,7 +93,7 @@ TEST_F(FileCommands, CancellingTheFileDialogsChangesNothing) {
   doc.OnFileOpen();
   doc.OnFileSaveAs();
   EXPECT_THAT(outside.calls, ElementsAre("open file", "save file"));
-  EXPECT_EQ(doc.currentMesh->vertexCount, 4);
+  EXPECT_EQ(doc.mesh()->vertexCount, 4);
   EXPECT_TRUE(doc.modified);
 }
 
@@ -108,7 +109,7 @@ TEST_F(FileCommands, AFileThatCannotBeOpenedLeavesEverythingAndShowsOneMessage) 
     ASSERT_EQ(outside.messages.size(), 1U) << bad;
     EXPECT_THAT(outside.messages[0], HasSubstr(bad));
     EXPECT_THAT(outside.calls, ElementsAre(StartsWith("message ")));
-    EXPECT_EQ(doc.currentMesh->vertexCount, 4);
+    EXPECT_EQ(doc.mesh()->vertexCount, 4);
     EXPECT_EQ(doc.path, squarePath);
     EXPECT_EQ(doc.displayMode, Points);
     EXPECT_TRUE(doc.modified);
@@ -139,13 +140,13 @@ TEST_F(FileCommands, AProperFileClearsTheStatusBar) {
 
 TEST_F(FileCommands, OpenKeepsTheUndoSlotSoThatUndoBringsTheEarlierFileBack) {
   open(squarePath);
-  const std::vector<float> unsmoothed = doc.currentMesh->vertices;
+  const std::vector<float> unsmoothed = doc.mesh()->vertices;
   moveVertexZero(1.0F);
   open(trianglePath);
   ASSERT_NE(doc.undoMesh, nullptr);
   doc.OnEditUndo();
-  EXPECT_EQ(doc.currentMesh->vertices, unsmoothed);
-  EXPECT_EQ(doc.currentMesh->faceCount, 2);
+  EXPECT_EQ(doc.mesh()->vertices, unsmoothed);
+  EXPECT_EQ(doc.mesh()->faceCount, 2);
   EXPECT_TRUE(doc.modified) << "what is shown is not what the opened file holds";
 }
 
@@ -326,7 +327,7 @@ TEST_F(FileCommands, SavingAgainOverWhatWasSavedAsksOnlyForWhatIsLostSince) {
   EXPECT_EQ(outside.statuses.back(), "Saved copy.ply2.");
   EXPECT_EQ(test::contentOf(copy), content);
   // What Undo brings back was written there, too.
-  moveVertexZero(doc.currentMesh->vertices[0]);
+  moveVertexZero(doc.mesh()->vertices[0]);
   doc.OnEditUndo();
   EXPECT_TRUE(doc.saveFile(copy));
   EXPECT_EQ(test::contentOf(copy), content);
@@ -355,7 +356,7 @@ TEST_F(FileCommands, WhatWasLostBeforeAFileWasSavedIsNoneOfItsLosses) {
                     "4 2\n0.13 0 0\n0.24 2 0\n0.25 0 1\n0.41 1 0\n3 0 1 2\n3 1 2 3\n"));
   EXPECT_TRUE(doc.saveFile(copy));
   ASSERT_EQ(doc.meshOrigin.lossSinceSaving, 0.0);
-  moveVertexZero(doc.currentMesh->vertices[0] + 0.37F);
+  moveVertexZero(doc.mesh()->vertices[0] + 0.37F);
   EXPECT_TRUE(doc.saveFile(copy));
   EXPECT_EQ(outside.statuses.back(), "Saved copy.ply2.");
 }
@@ -364,7 +365,7 @@ TEST_F(FileCommands, SavingAnotherShapeOverWhatWasSavedAsksAsBefore) {
   const std::string copy = folder.file("copy.ply2");
   open(folder.write("beyond.ply2", beyond));
   EXPECT_TRUE(doc.saveFile(copy));
-  const float x = doc.currentMesh->vertices[0];
+  const float x = doc.mesh()->vertices[0];
   moveVertexZero(x + 1.0F);
   outside.confirmAnswers = {true};
   EXPECT_TRUE(doc.saveFile(copy));
@@ -386,7 +387,7 @@ TEST_F(FileCommands, SavingAsksWhereDigitsAreTooFew) {
       folder.write("far.ply2", "3 1\n900002 0 0\n900000 0 1\n900001 2 0\n3 0 1 2\n");
   open(far);
   EXPECT_TRUE(doc.saveFile(far)) << "as long as it is what was read";
-  moveVertexZero(doc.currentMesh->vertices[0] - 0.2F);
+  moveVertexZero(doc.mesh()->vertices[0] - 0.2F);
   outside.confirmAnswers = {false};
   EXPECT_FALSE(doc.saveFile(far));
   EXPECT_THAT(outside.calls.back(), HasSubstr("seven digits and it lies far from the origin"));
@@ -396,7 +397,7 @@ TEST_F(FileCommands, SavingAsksWhereDigitsAreTooFew) {
 TEST_F(FileCommands, SavingAMeshOverItsFileAgainAndAgainAsksNothing) {
   open(squarePath);
   for (int k = 0; k < 5; ++k) {
-    moveVertexZero(doc.currentMesh->vertices[0] + 0.37F);
+    moveVertexZero(doc.mesh()->vertices[0] + 0.37F);
     EXPECT_TRUE(doc.saveFile(squarePath));
   }
   EXPECT_EQ(outside.statuses.back(), "Saved square.ply2.");
@@ -499,11 +500,11 @@ TEST_F(FileCommands, AnEmptyFileHasNothingToLose) {
 TEST_F(FileCommands, ASaveThatFailsShowsOneMessageAndChangesNothing) {
   open(squarePath);
   moveVertexZero(1.0F);
-  const std::vector<float> vertices = doc.currentMesh->vertices;
+  const std::vector<float> vertices = doc.mesh()->vertices;
   outside.forget();
   saveAs(folder.file("no/such/folder/out.ply2"));
   EXPECT_THAT(outside.calls, ElementsAre("save file", StartsWith("message ")));
-  EXPECT_EQ(doc.currentMesh->vertices, vertices);
+  EXPECT_EQ(doc.mesh()->vertices, vertices);
   EXPECT_EQ(doc.path, squarePath);
   EXPECT_TRUE(doc.modified);
 }
@@ -518,12 +519,12 @@ TEST_F(FileCommands, SaveWithoutAMeshTellsSoAndAsksForNoFile) {
 }
 
 TEST_F(FileCommands, SaveThenOpenGivesTheSameMesh) {
-  doc.currentMesh = std::make_unique<TriangleMesh>(test::bumpyGrid(4, 3));
-  const TriangleMesh before = *doc.currentMesh;
+  test::setMesh(doc, test::bumpyGrid(4, 3));
+  const TriangleMesh before = *doc.mesh();
   saveAs(folder.file("grid.ply2"));
   open(folder.file("grid.ply2"));
-  EXPECT_EQ(doc.currentMesh->faces, before.faces);
-  EXPECT_EQ(doc.currentMesh->vertexKind, before.vertexKind);
+  EXPECT_EQ(doc.mesh()->faces, before.faces);
+  EXPECT_EQ(doc.mesh()->vertexKind, before.vertexKind);
 }
 
 // Saving turns positions into those of the file and back. A file whose extension has no writer is
@@ -536,19 +537,19 @@ TEST_F(FileCommands, SaveOfAHostileMeshKeepsItsFacesAndWhatIsUsedOfItIsOpenedAga
     const TriangleMesh compact = hostile.mesh.compactCopy();
     for (const std::string name : {"a.ply2", "a.plyR", "a.data"}) {
       SCOPED_TRACE(hostile.name + " as " + name);
-      doc.currentMesh = std::make_unique<TriangleMesh>(hostile.mesh);
+      test::setMesh(doc, hostile.mesh);
       ASSERT_EQ(doc.saveFile(folder.file(name)), name != "a.data");
-      EXPECT_TRUE(test::sameVertices(*doc.currentMesh, thereAndBack));
-      EXPECT_EQ(doc.currentMesh->faces, hostile.mesh.faces);
+      EXPECT_TRUE(test::sameVertices(*doc.mesh(), thereAndBack));
+      EXPECT_EQ(doc.mesh()->faces, hostile.mesh.faces);
       ASSERT_TRUE(doc.openFile(folder.file(name)));
       if (name == "a.data") {
-        EXPECT_EQ(doc.currentMesh->vertexCount, 0);
+        EXPECT_EQ(doc.mesh()->vertexCount, 0);
         continue;
       }
-      EXPECT_EQ(doc.currentMesh->vertexCount, compact.vertexCount);
-      EXPECT_EQ(doc.currentMesh->faces, compact.faces);
+      EXPECT_EQ(doc.mesh()->vertexCount, compact.vertexCount);
+      EXPECT_EQ(doc.mesh()->faces, compact.faces);
       const bool hasSize = hostile.name != "all vertices equal";
-      EXPECT_EQ(test::isFinite(*doc.currentMesh), test::isFinite(hostile.mesh) && hasSize);
+      EXPECT_EQ(test::isFinite(*doc.mesh()), test::isFinite(hostile.mesh) && hasSize);
     }
   }
 }

@@ -9,6 +9,7 @@
 #include "remesh/LinearSubdivision.h"
 #include "remesh/LoopSubdivision.h"
 #include "support/Allocations.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 
@@ -24,7 +25,7 @@ class RemeshCommands : public ::testing::Test {
   RemeshCommands() { load(before); }
 
   void load(const TriangleMesh& mesh) {
-    doc.currentMesh = std::make_unique<TriangleMesh>(mesh);
+    test::setMesh(doc, mesh);
     outside.forget();
   }
 
@@ -40,16 +41,16 @@ class RemeshCommands : public ::testing::Test {
 
   /// The document is as it was before a command was refused: mesh, undo copy and view.
   void expectNothingLost(const TriangleMesh& mesh) {
-    EXPECT_EQ(doc.currentMesh->vertices, mesh.vertices);
-    EXPECT_EQ(doc.currentMesh->faces, mesh.faces);
-    EXPECT_EQ(doc.currentMesh->vertexNeighbours.items, mesh.vertexNeighbours.items);
-    EXPECT_EQ(doc.currentMesh->faceAdjacency, mesh.faceAdjacency);
-    EXPECT_EQ(doc.currentMesh->faceNormals, mesh.faceNormals);
-    EXPECT_EQ(doc.currentMesh->vertexNormals, mesh.vertexNormals);
-    EXPECT_EQ(doc.currentMesh->ridgeMarks, mesh.ridgeMarks);
-    EXPECT_EQ(doc.currentMesh->maxCurvature, mesh.maxCurvature);
-    EXPECT_EQ(doc.currentMesh->minDirection, mesh.minDirection);
-    EXPECT_EQ(doc.currentMesh->pickedFace, mesh.pickedFace);
+    EXPECT_EQ(doc.mesh()->vertices, mesh.vertices);
+    EXPECT_EQ(doc.mesh()->faces, mesh.faces);
+    EXPECT_EQ(doc.mesh()->vertexNeighbours.items, mesh.vertexNeighbours.items);
+    EXPECT_EQ(doc.mesh()->faceAdjacency, mesh.faceAdjacency);
+    EXPECT_EQ(doc.mesh()->faceNormals, mesh.faceNormals);
+    EXPECT_EQ(doc.mesh()->vertexNormals, mesh.vertexNormals);
+    EXPECT_EQ(doc.mesh()->ridgeMarks, mesh.ridgeMarks);
+    EXPECT_EQ(doc.mesh()->maxCurvature, mesh.maxCurvature);
+    EXPECT_EQ(doc.mesh()->minDirection, mesh.minDirection);
+    EXPECT_EQ(doc.mesh()->pickedFace, mesh.pickedFace);
     ASSERT_NE(doc.undoMesh, nullptr);
     EXPECT_EQ(doc.undoMesh->vertices, kept.vertices);
     EXPECT_EQ(doc.displayMode, WireFrame);
@@ -89,7 +90,7 @@ class RemeshCommands : public ::testing::Test {
       expectNothingLost(before);
     }
     EXPECT_GT(refusals, 10);
-    EXPECT_NE(doc.currentMesh->vertexCount, before.vertexCount);
+    EXPECT_NE(doc.mesh()->vertexCount, before.vertexCount);
     EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
   }
 
@@ -122,19 +123,19 @@ TEST_F(RemeshCommands, SubdivisionRunsTheSchemeOfItsExactText) {
         Case{"", linearSubdivision}}) {
     load(before);
     subdivide(c.method);
-    EXPECT_EQ(doc.currentMesh->vertices, c.scheme(before).vertices) << c.method;
-    EXPECT_EQ(doc.currentMesh->faceCount, 4 * before.faceCount) << c.method;
+    EXPECT_EQ(doc.mesh()->vertices, c.scheme(before).vertices) << c.method;
+    EXPECT_EQ(doc.mesh()->faceCount, 4 * before.faceCount) << c.method;
   }
 }
 
 TEST_F(RemeshCommands, SubdivisionKeepsTheViewAndRedrawsOnceWithUpToDateNormals) {
   doc.displayMode = SmoothShading;
   outside.whenRedrawn = [&] {
-    TriangleMesh fresh = *doc.currentMesh;
+    TriangleMesh fresh = *doc.mesh();
     fresh.computeFaceNormals();
     fresh.computeVertexNormals();
-    EXPECT_EQ(doc.currentMesh->faceNormals, fresh.faceNormals);
-    EXPECT_EQ(doc.currentMesh->vertexNormals, fresh.vertexNormals);
+    EXPECT_EQ(doc.mesh()->faceNormals, fresh.faceNormals);
+    EXPECT_EQ(doc.mesh()->vertexNormals, fresh.vertexNormals);
   };
   subdivide("Loop");
   EXPECT_EQ(doc.displayMode, SmoothShading);
@@ -146,16 +147,16 @@ TEST_F(RemeshCommands, UndoAfterASubdivisionBringsTheOldMeshBack) {
   subdivide("Loop");
   subdivide("Linear");
   doc.OnEditUndo();
-  EXPECT_EQ(doc.currentMesh->vertices, loopSubdivision(before).vertices);
+  EXPECT_EQ(doc.mesh()->vertices, loopSubdivision(before).vertices);
   EXPECT_EQ(doc.undoMesh, nullptr);
-  EXPECT_EQ(doc.currentMesh->faceAdjacency, loopSubdivision(before).faceAdjacency);
+  EXPECT_EQ(doc.mesh()->faceAdjacency, loopSubdivision(before).faceAdjacency);
 }
 
 TEST_F(RemeshCommands, SubdivisionDropsLinesAndFindsCreasesThatAreShownAgain) {
   const auto countLinks = [&] {
     int links = 0;
-    for (const IndexList& list : doc.currentMesh->ridgeLinks) links += list.size();
-    for (const IndexList& list : doc.currentMesh->valleyLinks) links += list.size();
+    for (const IndexList& list : doc.mesh()->ridgeLinks) links += list.size();
+    for (const IndexList& list : doc.mesh()->valleyLinks) links += list.size();
     return links;
   };
   load(test::cube());
@@ -180,7 +181,7 @@ TEST_F(RemeshCommands, ASubdivisionThatRunsOutOfMemoryLosesNothing) {
 TEST_F(RemeshCommands, SimplificationLeavesACompactMeshInFlatShading) {
   doc.displayMode = FeatureLines;
   simplify("0.5");
-  const TriangleMesh& mesh = *doc.currentMesh;
+  const TriangleMesh& mesh = *doc.mesh();
   EXPECT_EQ(mesh.vertexCount, before.vertexCount / 2);
   EXPECT_EQ(mesh.countUsedVertices(), mesh.vertexCount);
   EXPECT_EQ(mesh.countValidFaces(), mesh.faceCount);
@@ -222,25 +223,25 @@ TEST_F(RemeshCommands, SimplificationOfATetrahedronOnlyCompactsIt) {
                      {{0, 0, 1}, {1, 3, 2}, {1, 2, 4}, {1, 4, 3}, {2, 3, 4}});
   load(scattered);
   simplify("0.5");
-  EXPECT_EQ(doc.currentMesh->vertices, test::tetrahedron().vertices);
-  EXPECT_EQ(doc.currentMesh->faces, test::tetrahedron().faces);
+  EXPECT_EQ(doc.mesh()->vertices, test::tetrahedron().vertices);
+  EXPECT_EQ(doc.mesh()->faces, test::tetrahedron().faces);
 }
 
 TEST_F(RemeshCommands, UndoAfterASimplificationBringsTheOldMeshBack) {
   simplify("0.9");
   doc.OnEditUndo();
-  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
-  EXPECT_EQ(doc.currentMesh->faces, before.faces);
+  EXPECT_EQ(doc.mesh()->vertices, before.vertices);
+  EXPECT_EQ(doc.mesh()->faces, before.faces);
   EXPECT_FALSE(doc.modified);
 }
 
 TEST_F(RemeshCommands, ProcessingObjectsWorkOnTheNewMesh) {
   simplify("0.5");
-  const int vertexCount = doc.currentMesh->vertexCount;
+  const int vertexCount = doc.mesh()->vertexCount;
   doc.meshSubdivider.linearSubdivision();
-  EXPECT_GT(doc.currentMesh->vertexCount, vertexCount);
+  EXPECT_GT(doc.mesh()->vertexCount, vertexCount);
   doc.decimator.decimate(0.5F);
-  EXPECT_LT(doc.currentMesh->countUsedVertices(), doc.currentMesh->vertexCount);
+  EXPECT_LT(doc.mesh()->countUsedVertices(), doc.mesh()->vertexCount);
 }
 
 TEST_F(RemeshCommands, ASimplificationThatRunsOutOfMemoryLosesNothing) {
@@ -259,7 +260,7 @@ TEST_F(RemeshCommands, CancelChangesNothing) {
 }
 
 TEST_F(RemeshCommands, WithoutAMeshNothingIsAsked) {
-  doc.currentMesh = nullptr;
+  test::dropMesh(doc);
   doc.OnSubdivision();
   doc.OnSimplification();
   EXPECT_THAT(outside.calls, IsEmpty());

@@ -14,6 +14,7 @@
 #include "smoothing/MeshSmoother.h"
 #include "support/Allocations.h"
 #include "support/CapturedText.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
@@ -33,7 +34,7 @@ class SmoothingCommands : public ::testing::Test {
 
   void load(TriangleMesh mesh) {
     before = mesh;
-    doc.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
+    test::setMesh(doc, std::move(mesh));
     outside.forget();
   }
 
@@ -105,7 +106,7 @@ TEST_F(SmoothingCommands, RunEveryIterationInAboutTenStepsOfTheBarWithoutAnimati
     smooth({{"iterationCount", c.iterations}, {"animate", "0"}, {"preserveVolume", "0"}});
     EXPECT_EQ(outside.count(c.progress), 1) << c.progress;
     EXPECT_EQ(rhythm(), c.rhythm) << c.progress;
-    EXPECT_EQ(doc.currentMesh->vertices, afterLaplacian(std::stoi(c.iterations)));
+    EXPECT_EQ(doc.mesh()->vertices, afterLaplacian(std::stoi(c.iterations)));
   }
 }
 
@@ -129,7 +130,7 @@ TEST_F(SmoothingCommands, RedrawAfterEveryChunkWithAnimationAndOnceMoreAtTheEnd)
             {"preserveVolume", "0"}});
     EXPECT_EQ(outside.count(c.progress), 1) << c.progress;
     EXPECT_EQ(rhythm(), c.rhythm) << c.progress;
-    EXPECT_EQ(doc.currentMesh->vertices, afterLaplacian(std::stoi(c.iterations)));
+    EXPECT_EQ(doc.mesh()->vertices, afterLaplacian(std::stoi(c.iterations)));
   }
 }
 
@@ -137,7 +138,7 @@ TEST_F(SmoothingCommands, ShowTheMeshOfEveryChunkWhileAnimated) {
   std::vector<std::vector<float>> seen;
   outside.whenRedrawn = [&] {
     EXPECT_FALSE(doc.needsRecompute);
-    seen.push_back(doc.currentMesh->vertices);
+    seen.push_back(doc.mesh()->vertices);
   };
   smooth({{"iterationCount", "10"}, {"animateEvery", "3"}, {"preserveVolume", "0"}});
   EXPECT_THAT(seen, ElementsAre(afterLaplacian(3), afterLaplacian(6), afterLaplacian(9),
@@ -161,11 +162,11 @@ TEST_F(SmoothingCommands, RedrawImplicitMethodsAfterEveryStepWhateverTheInterval
 
 TEST_F(SmoothingCommands, RecomputeNormalsForEveryRedraw) {
   outside.whenRedrawn = [&] {
-    TriangleMesh fresh = *doc.currentMesh;
+    TriangleMesh fresh = *doc.mesh();
     fresh.computeFaceNormals();
     fresh.computeVertexNormals();
-    EXPECT_EQ(doc.currentMesh->faceNormals, fresh.faceNormals);
-    EXPECT_EQ(doc.currentMesh->vertexNormals, fresh.vertexNormals);
+    EXPECT_EQ(doc.mesh()->faceNormals, fresh.faceNormals);
+    EXPECT_EQ(doc.mesh()->vertexNormals, fresh.vertexNormals);
   };
   smooth({{"iterationCount", "3"}});
 }
@@ -199,15 +200,15 @@ TEST_F(SmoothingCommands, RunTheChosenMethod) {
     MeshSmoother smoother;
     smoother.attach(&expected);
     runs[i](smoother);
-    EXPECT_EQ(doc.currentMesh->vertices, expected.vertices) << methods[i];
-    EXPECT_NE(doc.currentMesh->vertices, before.vertices) << methods[i];
+    EXPECT_EQ(doc.mesh()->vertices, expected.vertices) << methods[i];
+    EXPECT_NE(doc.mesh()->vertices, before.vertices) << methods[i];
   }
 }
 
 TEST_F(SmoothingCommands, OfAnUnknownMethodLeaveTheMeshButReplaceTheUndoCopyAndRedraw) {
   doc.undoMesh = std::make_unique<TriangleMesh>(test::cube());
   smooth({{"method", "laplacian flow"}});
-  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+  EXPECT_EQ(doc.mesh()->vertices, before.vertices);
   EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
   EXPECT_EQ(rhythm(), "shr");
   EXPECT_EQ(outside.statuses.back(),
@@ -224,7 +225,7 @@ TEST_F(SmoothingCommands, KeepTheVolumeAtEveryRedraw) {
     const double volume = enclosedVolume(before);
     outside.whenRedrawn = [&] {
       // Every coordinate is rounded to single precision, 6e-8 of its size, after the scaling.
-      EXPECT_NEAR(enclosedVolume(*doc.currentMesh), volume, 2e-6 * volume) << method;
+      EXPECT_NEAR(enclosedVolume(*doc.mesh()), volume, 2e-6 * volume) << method;
     };
     smooth({{"method", method}, {"iterationCount", "5"}, {"stepSize", "0.02"}});
     EXPECT_EQ(outside.count("redraw"), 6) << method;
@@ -235,7 +236,7 @@ TEST_F(SmoothingCommands, KeepTheVolumeAfterTheRestOfTheIterationsToo) {
   // Three chunks of three, and one iteration more that only the last redraw shows.
   const double volume = enclosedVolume(before);
   outside.whenRedrawn = [&] {
-    EXPECT_NEAR(enclosedVolume(*doc.currentMesh), volume, 2e-6 * volume);  // as above
+    EXPECT_NEAR(enclosedVolume(*doc.mesh()), volume, 2e-6 * volume);  // as above
   };
   smooth({{"iterationCount", "10"}, {"animateEvery", "3"}});
   EXPECT_EQ(rhythm(), "sprprprhr");
@@ -246,13 +247,13 @@ TEST_F(SmoothingCommands, ScaleOnlyAtTheEndWithoutAnimation) {
   TriangleMesh expected = before;
   expected.vertices = afterLaplacian(5);
   rescaleToVolume(expected, enclosedVolume(before));
-  EXPECT_EQ(doc.currentMesh->vertices, expected.vertices);
+  EXPECT_EQ(doc.mesh()->vertices, expected.vertices);
 }
 
 TEST_F(SmoothingCommands, LeaveAFlatMeshWithoutVolumeUnscaled) {
   load(test::grid(4, 4));
   smooth({{"iterationCount", "3"}});
-  for (const float coordinate : doc.currentMesh->vertices) EXPECT_TRUE(std::isfinite(coordinate));
+  for (const float coordinate : doc.mesh()->vertices) EXPECT_TRUE(std::isfinite(coordinate));
   EXPECT_THAT(outside.statuses, IsEmpty());
 }
 
@@ -266,11 +267,11 @@ TEST_F(SmoothingCommands, TellWhenTheVolumeChangesItsSignAndNameUndo) {
   const double volume = enclosedVolume(mesh);
   ASSERT_LT(volume, 0.0);
   smooth({{"iterationCount", "1"}, {"stepSize", "1"}});
-  EXPECT_TRUE(std::isnan(doc.currentMesh->vertices[0]));
+  EXPECT_TRUE(std::isnan(doc.mesh()->vertices[0]));
   EXPECT_THAT(outside.statuses, ElementsAre(HasSubstr("Undo")));
   EXPECT_THAT(outside.messages, IsEmpty());
   doc.OnEditUndo();
-  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+  EXPECT_EQ(doc.mesh()->vertices, before.vertices);
 }
 
 // --- Dialog, undo ---
@@ -280,10 +281,10 @@ TEST_F(SmoothingCommands, ChangeNothingOnCancelAndDoNothingWithoutAMesh) {
   doc.OnSmoothingShape();
   doc.OnSmoothingNoise();
   EXPECT_THAT(outside.calls, ElementsAre("dialog CSmoothingDlg", "dialog CNoiseDlg"));
-  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+  EXPECT_EQ(doc.mesh()->vertices, before.vertices);
   EXPECT_EQ(doc.undoMesh, nullptr);
   outside.forget();
-  doc.currentMesh.reset();
+  test::dropMesh(doc);
   doc.OnSmoothingShape();
   doc.OnSmoothingNoise();
   EXPECT_THAT(outside.calls, IsEmpty());
@@ -306,10 +307,10 @@ TEST_F(SmoothingCommands, AreUndoneBitForBit) {
   for (const char* method : methods) {
     load(test::torus(9, 7));
     smooth({{"method", method}, {"iterationCount", "2"}});
-    EXPECT_NE(doc.currentMesh->vertices, before.vertices) << method;
+    EXPECT_NE(doc.mesh()->vertices, before.vertices) << method;
     doc.OnEditUndo();
-    EXPECT_EQ(doc.currentMesh->vertices, before.vertices) << method;
-    EXPECT_EQ(doc.currentMesh->vertexNormals, before.vertexNormals) << method;
+    EXPECT_EQ(doc.mesh()->vertices, before.vertices) << method;
+    EXPECT_EQ(doc.mesh()->vertexNormals, before.vertexNormals) << method;
   }
 }
 
@@ -346,9 +347,9 @@ TEST_F(SmoothingCommands, TellWhenMemoryEndsOnTheWayAndKeepWhatIsDone) {
   smooth({{"iterationCount", "9"}, {"animateEvery", "3"}, {"preserveVolume", "0"}});
   EXPECT_THAT(outside.messages, ElementsAre(outOfMemoryWhileSmoothing));
   EXPECT_EQ(rhythm(), "sprhr");
-  EXPECT_EQ(doc.currentMesh->vertices, afterLaplacian(3));
+  EXPECT_EQ(doc.mesh()->vertices, afterLaplacian(3));
   doc.OnEditUndo();
-  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+  EXPECT_EQ(doc.mesh()->vertices, before.vertices);
 }
 
 TEST_F(SmoothingCommands, LoseNoShapeWhicheverAllocationFails) {
@@ -387,7 +388,7 @@ TEST_F(SmoothingCommands, LoseNoShapeWhicheverAllocationFails) {
         ++escaped;  // the window tells about it
       }
       if (doc.modified) doc.OnEditUndo();
-      EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+      EXPECT_EQ(doc.mesh()->vertices, before.vertices);
       EXPECT_FALSE(doc.modified);
     }
     EXPECT_GT(escaped, 0);
@@ -405,55 +406,55 @@ TEST_F(SmoothingCommands, NoiseMovesVerticesAlongTheirNormalsAndShowsThemFlat) {
   smoother.addNoise(0.125F);
   expected.computeFaceNormals();
   expected.computeVertexNormals();
-  EXPECT_EQ(doc.currentMesh->vertices, expected.vertices);
-  EXPECT_EQ(doc.currentMesh->faceNormals, expected.faceNormals);
-  EXPECT_EQ(doc.currentMesh->vertexNormals, expected.vertexNormals);
+  EXPECT_EQ(doc.mesh()->vertices, expected.vertices);
+  EXPECT_EQ(doc.mesh()->faceNormals, expected.faceNormals);
+  EXPECT_EQ(doc.mesh()->vertexNormals, expected.vertexNormals);
   EXPECT_EQ(doc.displayMode, FlatShading);
   EXPECT_THAT(outside.calls, ElementsAre("dialog CNoiseDlg", "redraw"));
 }
 
 TEST_F(SmoothingCommands, NoiseOfSizeZeroKeepsPositionsAndReplacesTheUndoCopy) {
   addNoise({{"noiseSize", "0"}});
-  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+  EXPECT_EQ(doc.mesh()->vertices, before.vertices);
   ASSERT_NE(doc.undoMesh, nullptr);
   EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
 }
 
 TEST_F(SmoothingCommands, NoiseOfSizeZeroRecomputesTheNormals) {
-  doc.currentMesh->faceNormals.assign(before.faceNormals.size(), 0.5F);
+  test::meshOf(doc).faceNormals.assign(before.faceNormals.size(), 0.5F);
   addNoise({{"noiseSize", "0"}});
-  EXPECT_EQ(doc.currentMesh->faceNormals, before.faceNormals);
-  EXPECT_EQ(doc.currentMesh->vertexNormals, before.vertexNormals);
+  EXPECT_EQ(doc.mesh()->faceNormals, before.faceNormals);
+  EXPECT_EQ(doc.mesh()->vertexNormals, before.vertexNormals);
 }
 
 TEST_F(SmoothingCommands, NoiseOfNegativeSizeMirrorsTheDisplacement) {
   addNoise({{"noiseSize", "0.125"}});
-  const std::vector<float> outward = doc.currentMesh->vertices;
+  const std::vector<float> outward = doc.mesh()->vertices;
   doc.OnEditUndo();
   addNoise({{"noiseSize", "-0.125"}});
   for (std::size_t i = 0; i < outward.size(); ++i) {
     // Coordinates below 8 are stored to within 2.4e-7.
-    EXPECT_NEAR(doc.currentMesh->vertices[i] - before.vertices[i], before.vertices[i] - outward[i],
+    EXPECT_NEAR(doc.mesh()->vertices[i] - before.vertices[i], before.vertices[i] - outward[i],
                 5e-7);
   }
-  EXPECT_NE(doc.currentMesh->vertices, outward);
+  EXPECT_NE(doc.mesh()->vertices, outward);
 }
 
 TEST_F(SmoothingCommands, EveryNoiseReplacesTheUndoCopy) {
   doc.undoMesh = std::make_unique<TriangleMesh>(test::cube());
   addNoise({});
   EXPECT_EQ(doc.undoMesh->vertices, before.vertices);
-  const std::vector<float> noisy = doc.currentMesh->vertices;
+  const std::vector<float> noisy = doc.mesh()->vertices;
   addNoise({});
   EXPECT_EQ(doc.undoMesh->vertices, noisy);
-  EXPECT_NE(doc.currentMesh->vertices, noisy);
+  EXPECT_NE(doc.mesh()->vertices, noisy);
 }
 
 TEST_F(SmoothingCommands, NoiseIsUndoneBitForBit) {
   addNoise({});
-  EXPECT_NE(doc.currentMesh->vertices, before.vertices);
+  EXPECT_NE(doc.mesh()->vertices, before.vertices);
   doc.OnEditUndo();
-  EXPECT_EQ(doc.currentMesh->vertices, before.vertices);
+  EXPECT_EQ(doc.mesh()->vertices, before.vertices);
 }
 
 TEST_F(SmoothingCommands, NoiseOfInfiniteSizeNamesUndo) {
@@ -472,24 +473,23 @@ TEST_F(SmoothingCommands, TakeAnyMeshAndAnyStep) {
         load(hostile.mesh);
         doc.smoothingParameters.stepSize = step;
         smooth({{"method", method}, {"iterationCount", "3"}});
-        EXPECT_EQ(doc.currentMesh->faces, hostile.mesh.faces);
+        EXPECT_EQ(doc.mesh()->faces, hostile.mesh.faces);
         EXPECT_EQ(outside.count("redraw"), 4);
-        const bool finite =
-            std::all_of(doc.currentMesh->vertices.begin(), doc.currentMesh->vertices.end(),
-                        [](float x) { return std::isfinite(x); });
+        const bool finite = std::all_of(doc.mesh()->vertices.begin(), doc.mesh()->vertices.end(),
+                                        [](float x) { return std::isfinite(x); });
         EXPECT_EQ(outside.statuses.empty(), finite);
         if (test::isFinite(hostile.mesh) && step == 0.5F) {
           EXPECT_TRUE(finite);
         }
         doc.OnEditUndo();
-        EXPECT_TRUE(test::sameVertices(*doc.currentMesh, hostile.mesh));
+        EXPECT_TRUE(test::sameVertices(*doc.mesh(), hostile.mesh));
       }
     }
     load(hostile.mesh);
     addNoise({});
     EXPECT_EQ(doc.displayMode, FlatShading);
-    EXPECT_EQ(doc.currentMesh->faces, hostile.mesh.faces);
-    EXPECT_EQ(test::isFinite(*doc.currentMesh), test::isFinite(hostile.mesh));
+    EXPECT_EQ(doc.mesh()->faces, hostile.mesh.faces);
+    EXPECT_EQ(test::isFinite(*doc.mesh()), test::isFinite(hostile.mesh));
   }
 }
 

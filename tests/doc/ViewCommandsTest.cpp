@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "doc/CGravlinDoc.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
@@ -17,9 +18,7 @@ using Handler = void (CGravlinDoc::*)();
 
 class ViewCommands : public ::testing::Test {
  protected:
-  void load(TriangleMesh mesh) {
-    doc.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
-  }
+  void load(TriangleMesh mesh) { test::setMesh(doc, std::move(mesh)); }
 
   test::ScriptedOutside outside;
   CGravlinDoc doc{outside};
@@ -97,24 +96,24 @@ TEST_F(ViewCommands, ShadingsBringTheNormalsThatTheyDraw) {
 
   load(bare);
   doc.OnFlatShading();
-  EXPECT_EQ(doc.currentMesh->faceNormals, cube.faceNormals);
-  EXPECT_THAT(doc.currentMesh->vertexNormals, IsEmpty());
+  EXPECT_EQ(doc.mesh()->faceNormals, cube.faceNormals);
+  EXPECT_THAT(doc.mesh()->vertexNormals, IsEmpty());
 
   load(bare);
   doc.OnSmoothShading();
-  EXPECT_EQ(doc.currentMesh->vertexNormals, cube.vertexNormals);
+  EXPECT_EQ(doc.mesh()->vertexNormals, cube.vertexNormals);
 
   load(bare);
   doc.OnWireFrame();
-  EXPECT_EQ(doc.currentMesh->faceNormals, cube.faceNormals);
-  EXPECT_EQ(doc.currentMesh->vertexNormals, cube.vertexNormals);
+  EXPECT_EQ(doc.mesh()->faceNormals, cube.faceNormals);
+  EXPECT_EQ(doc.mesh()->vertexNormals, cube.vertexNormals);
 }
 
 TEST_F(ViewCommands, SmoothShadingKeepsVertexNormalsThatAreThere) {
   load(test::cube());
-  doc.currentMesh->vertexNormals[0] = 7.0F;
+  test::meshOf(doc).vertexNormals[0] = 7.0F;
   doc.OnSmoothShading();
-  EXPECT_EQ(doc.currentMesh->vertexNormals[0], 7.0F);
+  EXPECT_EQ(doc.mesh()->vertexNormals[0], 7.0F);
 }
 
 TEST_F(ViewCommands, LightingGoesToTheViewAndKeepsTheMode) {
@@ -213,7 +212,7 @@ TEST_F(ViewCommands, ViewDirectionCountsUsedVerticesAndValidFacesOnly) {
   load(test::makeMesh({{9, 9, 9}, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{1, 2, 3}, {1, 1, 2}}));
   outside.dialogAnswers = {test::cancel(), test::cancel()};
   doc.OnOptionViewDirection();
-  doc.currentMesh = nullptr;
+  test::dropMesh(doc);
   doc.OnOptionViewDirection();
   EXPECT_EQ(outside.count("counts 3 1"), 1);
   EXPECT_EQ(outside.count("counts 0 0"), 1);
@@ -235,8 +234,8 @@ TEST_F(ViewCommands, ChangeNothingOfAHostileMeshButTheMode) {
       EXPECT_THAT(outside.calls, ElementsAre("redraw"));
       EXPECT_EQ(doc.displayMode, mode);
     }
-    EXPECT_TRUE(test::sameVertices(*doc.currentMesh, hostile.mesh));
-    EXPECT_EQ(doc.currentMesh->faces, hostile.mesh.faces);
+    EXPECT_TRUE(test::sameVertices(*doc.mesh(), hostile.mesh));
+    EXPECT_EQ(doc.mesh()->faces, hostile.mesh.faces);
     EXPECT_FALSE(doc.modified);
   }
 }

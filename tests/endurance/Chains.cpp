@@ -24,6 +24,7 @@
 #include "numeric/TextSink.h"
 #include "support/Allocations.h"
 #include "support/DisplayModes.h"
+#include "support/DocumentAccess.h"
 #include "support/Invariants.h"
 #include "support/TemporaryFolder.h"
 #include "view/LineSvg.h"
@@ -135,7 +136,7 @@ class Chain {
       random.oneIn(6) ? runWithoutMemory() : runCommand();
       ++counts.commands;
     }
-    if (plant == "damage" && document.currentMesh) document.currentMesh->faces.push_back(0);
+    if (plant == "damage" && document.mesh()) test::meshOf(document).faces.push_back(0);
     if (plant == "crash") std::abort();
     if (plant == "hang") std::this_thread::sleep_for(std::chrono::hours(1));
     drawEverything();
@@ -146,9 +147,7 @@ class Chain {
   }
 
  private:
-  bool tooLarge() const {
-    return document.currentMesh && document.currentMesh->faceCount > mostFaces;
-  }
+  bool tooLarge() const { return document.mesh() && document.mesh()->faceCount > mostFaces; }
 
   void newMeshFile() {
     const MeshText mesh = anyMeshText(random);
@@ -224,13 +223,13 @@ class Chain {
     const Vec3 from = {20 * number(), 20 * number(), 20 * number()};
     const Vec3 to = {8 * number(), 8 * number(), 8 * number()};
     demand("picking a point", [&] { document.pickFace(Ray{from, unitOrZero(to - from)}); });
-    if (!document.currentMesh || document.currentMesh->faceCount == 0) return;
-    const int face = random.below(document.currentMesh->faceCount);
-    if (!document.currentMesh->validFace(face)) return;
+    if (!document.mesh() || document.mesh()->faceCount == 0) return;
+    const int face = random.below(document.mesh()->faceCount);
+    if (!document.mesh()->validFace(face)) return;
     demand("picking a face", [&] { document.pickFace(face); });
   }
 
-  bool save() { return document.currentMesh && document.saveFile(folder.file("saved.ply2")); }
+  bool save() { return document.mesh() && document.saveFile(folder.file("saved.ply2")); }
 
   void drawEverything() {
     demand("drawing every mode", [&] {
@@ -247,9 +246,9 @@ class Chain {
   void saveAndOpen() {
     bool saved = false;
     demand("saving", [&] { saved = save(); });
-    if (!saved || !hasFiniteShape(*document.currentMesh)) return;
-    const int used = document.currentMesh->countUsedVertices();
-    const int valid = document.currentMesh->countValidFaces();
+    if (!saved || !hasFiniteShape(*document.mesh())) return;
+    const int used = document.mesh()->countUsedVertices();
+    const int valid = document.mesh()->countValidFaces();
     const OpenResult opened = openMeshFile(folder.file("saved.ply2"));
     if (!opened.mesh) journal.fail("what was saved cannot be opened: " + opened.error);
     if (opened.mesh->vertexCount != used || opened.mesh->countValidFaces() != valid) {

@@ -33,6 +33,7 @@
 #include "endurance/Options.h"
 #include "endurance/RandomSource.h"
 #include "numeric/TextSink.h"
+#include "support/DocumentAccess.h"
 #include "support/Invariants.h"
 #include "view/windows/GraphWindow.h"
 
@@ -193,7 +194,7 @@ class User {
   void act() {
     // With nothing to look at most actions do nothing.
     const OpenDocument* shown = program.frame().activeDocument();
-    const bool hasMesh = shown != nullptr && shown->document.currentMesh != nullptr;
+    const bool hasMesh = shown != nullptr && shown->document.mesh() != nullptr;
     if (!hasMesh && !random.oneIn(5)) return openFile();
     struct Kind {
       int weight;
@@ -390,8 +391,8 @@ class User {
       if (frame->isHidden()) continue;
       OpenDocument& opened = frame->openDocument();
       if (opened.isBusy()) journal.fail("a command does not end");
-      if (options.plant == "damage" && opened.document.currentMesh) {
-        opened.document.currentMesh->faces.push_back(0);
+      if (options.plant == "damage" && opened.document.mesh()) {
+        test::meshOf(opened.document).faces.push_back(0);
       }
       for (const std::string& words : test::brokenInvariants(opened.document)) {
         journal.fail(words);
@@ -409,7 +410,7 @@ class User {
     }
     for (CChildFrame* frame : all) {
       CGravlinDoc& document = frame->openDocument().document;
-      if (!document.currentMesh || document.currentMesh->faceCount <= mostFaces) continue;
+      if (!document.mesh() || document.mesh()->faceCount <= mostFaces) continue;
       journal.note("a small mesh again");
       document.modified = false;
       frame->openDocument().open(program.file("small.ply2", test::tetrahedronText));

@@ -387,12 +387,6 @@ TEST(Decimator, LeavesAProperMeshOfAnyMesh) {
   }
 }
 
-TEST(Decimator, DoesNothingWithoutAMesh) {
-  Decimator decimator;
-  EXPECT_EQ(decimator.decimate(0.5F).vertices, 0);
-  EXPECT_FALSE(decimator.collapseEdge(0, 1, {}));
-}
-
 // --- One edge ---
 
 TEST(Decimator, CollapsesOneEdgeAndRebuildsTheTopology) {

@@ -27,12 +27,5 @@ TEST(MeshSubdivider, PutsTheRefinedMeshInThePlaceOfItsMesh) {
   EXPECT_EQ(mesh.faceCount, 16 * old.faceCount);
 }
 
-TEST(MeshSubdivider, DoesNothingWithoutAMesh) {
-  MeshSubdivider subdivider;
-  subdivider.loopSubdivision();
-  subdivider.butterflySubdivision();
-  subdivider.linearSubdivision();
-}
-
 }  // namespace
 }  // namespace gravlin

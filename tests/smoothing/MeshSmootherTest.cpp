@@ -174,19 +174,6 @@ TEST(MeshSmoother, RunsEachPartOfAdaptiveSmoothingOnTheAttachedMesh) {
   }
 }
 
-TEST(MeshSmoother, DoesNothingWithoutAMesh) {
-  std::vector<Operation> all = flowsAndNoise();
-  std::ranges::move(adaptiveOperations(), std::back_inserter(all));
-  for (const Operation& operation : all) {
-    const test::CapturedText text;
-    MeshSmoother smoother;
-    operation.run(smoother);
-    smoother.attach(nullptr);
-    operation.run(smoother);
-    EXPECT_EQ(text.output + text.error, "") << operation.name;
-  }
-}
-
 TEST(MeshSmoother, NeverMovesAVertexThatIsNotInteriorByAFlow) {
   for (const auto& family : {test::openMeshes(), test::hostileMeshes()}) {
     for (const test::NamedMesh& named : family) {

@@ -322,8 +322,8 @@ void checkMesh(const TriangleMesh& mesh) {
 }
 
 void checkDocument(const CGravlinDoc& document) {
-  if (!document.currentMesh) return;
-  const TriangleMesh& mesh = *document.currentMesh;
+  if (!document.mesh()) return;
+  const TriangleMesh& mesh = *document.mesh();
   checkMesh(mesh);
   require(mesh.vertexNeighbours.built() && mesh.faceAdjacency.size() == mesh.faces.size(),
           "the current mesh has no topology");

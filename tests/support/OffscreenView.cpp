@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "support/DocumentAccess.h"
+
 namespace gravlin::test {
 namespace {
 
@@ -25,7 +27,7 @@ OffscreenView::OffscreenView() : picture(softwarePicture()) {
 }
 
 void OffscreenView::show(TriangleMesh mesh, int displayMode) {
-  document.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
+  setMesh(document, std::move(mesh));
   show(displayMode);
 }
 

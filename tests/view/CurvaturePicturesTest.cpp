@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/DocumentAccess.h"
 #include "support/ImageComparison.h"
 #include "support/OffscreenView.h"
 
@@ -35,7 +36,7 @@ auto strokes(void (CGravlinDoc::*handler)()) {
 auto changed(void (CGravlinDoc::*handler)()) {
   return [handler](test::OffscreenView& o) {
     o.document.keepUndoCopy();
-    TriangleMesh& mesh = *o.document.currentMesh;
+    TriangleMesh& mesh = test::meshOf(o.document);
     for (int step = 0; step < 5; ++step) {
       std::vector<Vec3> moves;
       for (int i = 0; i < mesh.vertexCount; ++i) moves.push_back(mesh.umbrellaLaplacian(i));

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "ImmediateCurvature.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/MeshFields.h"
 #include "support/ScriptedOutside.h"
@@ -27,11 +28,11 @@ constexpr int curvatureModes[] = {DirectionMax,   DirectionMin,  TensorMax,     
 class CurvatureScenes : public ::testing::Test {
  protected:
   void load(TriangleMesh mesh) {
-    document.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
+    test::setMesh(document, std::move(mesh));
     document.vertexErrors.clear();
     document.faceErrors.clear();
   }
-  TriangleMesh& mesh() { return *document.currentMesh; }
+  TriangleMesh& mesh() { return test::meshOf(document); }
   Scene scene(int mode) {
     document.displayMode = mode;
     document.redraw();

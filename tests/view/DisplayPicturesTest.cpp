@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <ostream>
 
+#include "support/DocumentAccess.h"
 #include "support/ImageComparison.h"
 #include "support/OffscreenView.h"
 
@@ -27,8 +28,8 @@ auto lights(LightingMode mode) {
 }
 
 void pickFace(test::OffscreenView& o) {
-  o.document.currentMesh->pickedFace =
-      faceOnRay(*o.document.currentMesh, o.view.camera.aimAt({150, 150}, o.target.size));
+  test::meshOf(o.document).pickedFace =
+      faceOnRay(*o.document.mesh(), o.view.camera.aimAt({150, 150}, o.target.size));
   o.view.camera.fieldOfView = 2.0F;
   o.view.setLineWidthAndPointSize(1.0F, 15.0F);
 }

@@ -6,6 +6,7 @@
 
 #include "doc/CGravlinDoc.h"
 #include "features/MarkedMeshes.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 #include "view/RenderDispatcher.h"
@@ -22,8 +23,8 @@ struct Lines {
   CGravlinDoc document{outside};
 
   Lines() {
-    document.currentMesh = std::make_unique<TriangleMesh>(test::grid(4, 4));
-    TriangleMesh& mesh = *document.currentMesh;
+    test::setMesh(document, test::grid(4, 4));
+    TriangleMesh& mesh = test::meshOf(document);
     test::prepareLines(mesh, 2.0, -1.0);
     const test::GridIndex at{4};
     const auto link = [](std::vector<IndexList>& links, int a, int b) {
@@ -123,7 +124,7 @@ TEST(FeatureScenes, WithoutShadingTheSurfaceBehindLinesIsAWhiteSheet) {
 
 TEST(FeatureScenes, StrongerLinesAreWider) {
   Lines lines;
-  lines.document.currentMesh->maxCurvature[static_cast<std::size_t>(test::GridIndex{4}(1, 1))] =
+  test::meshOf(lines.document).maxCurvature[static_cast<std::size_t>(test::GridIndex{4}(1, 1))] =
       -10.0;
   std::vector<float> widths;
   for (const Batch& batch : lines.in(WeightedRidgeLines).batches) {

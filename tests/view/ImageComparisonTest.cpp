@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <utility>
 
+#include "support/DocumentAccess.h"
 #include "support/ImageComparison.h"
 #include "support/OffscreenView.h"
 
@@ -107,7 +108,7 @@ TEST_F(WrongPicture, ZoomedByTwoPerCentIsRefused) {
 
 TEST_F(WrongPicture, WithMixedUpNormalsIsRefused) {
   // Inverted ones would look almost the same: the lights come in opposite pairs.
-  std::vector<float>& normals = offscreen.document.currentMesh->faceNormals;
+  std::vector<float>& normals = test::meshOf(offscreen.document).faceNormals;
   for (std::size_t i = 0; i < normals.size(); i += 3) std::swap(normals[i], normals[i + 1]);
   offscreen.show(FlatShading);
   expectRefused();

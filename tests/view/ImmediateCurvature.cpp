@@ -7,6 +7,7 @@
 #include "curvature/CurvatureTensor.h"
 #include "curvature/EdgeCurvature.h"
 #include "curvature/Strokes.h"
+#include "support/DocumentAccess.h"
 #include "view/OpenGL.h"
 
 namespace gravlin::test {
@@ -174,7 +175,7 @@ std::vector<double> meanOfEdges(const TriangleMesh& mesh) {
 }
 
 bool drawField(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+  const TriangleMesh& mesh = *document.mesh();
   const bool grey = document.visualizationParameters.grayScale;
   switch (document.displayMode) {
     case 10:
@@ -208,7 +209,7 @@ bool drawField(const CGravlinDoc& document) {
 }
 
 bool drawMarks(const CGravlinDoc& document) {
-  const TriangleMesh& mesh = *document.currentMesh;
+  const TriangleMesh& mesh = *document.mesh();
   switch (document.displayMode) {
     case 5:
       glColor3f(1, 0, 0);
@@ -243,14 +244,14 @@ bool drawMarks(const CGravlinDoc& document) {
 bool drawCurvatureImmediately(const CGravlinDoc& document) {
   glDisable(GL_LIGHTING);
   const bool marks = drawMarks(document);
-  if (marks) drawWhiteSurface(*document.currentMesh);
+  if (marks) drawWhiteSurface(*document.mesh());
   const bool drawn = marks || drawField(document);
   glEnable(GL_LIGHTING);
   return drawn;
 }
 
 void computeAllCurvature(CGravlinDoc& document) {
-  TriangleMesh& mesh = *document.currentMesh;
+  TriangleMesh& mesh = meshOf(document);
   computeCurvatureTensor(mesh);
   computeEdgeCurvatures(mesh);
   generateStrokes(mesh, 500);

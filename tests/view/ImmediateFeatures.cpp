@@ -9,6 +9,7 @@
 #include "curvature/DirectionCoherence.h"
 #include "curvature/Strokes.h"
 #include "mesh/FaceGeometry.h"
+#include "support/DocumentAccess.h"
 #include "view/OpenGL.h"
 
 namespace gravlin::test {
@@ -49,7 +50,7 @@ struct Kind {
 };
 
 std::array<Kind, 2> kindsOf(const CGravlinDoc& document) {
-  const TriangleMesh& m = *document.currentMesh;
+  const TriangleMesh& m = *document.mesh();
   const bool grey = document.visualizationParameters.grayScale;
   const float g = grey ? 1.0F : 0.0F;
   return {{{{1, g, g}, m.ridgeMarks, m.ridgeLinks, m.maxCurvature, m.maxDerivativeGradient},
@@ -203,7 +204,7 @@ void drawContour(const TriangleMesh& mesh, float lineWidth) {
 }
 
 void drawPen(const CGravlinDoc& document, float lineWidth) {
-  const TriangleMesh& mesh = *document.currentMesh;
+  const TriangleMesh& mesh = *document.mesh();
   drawContour(mesh, lineWidth);
   drawFadingStrokes(mesh);
   for (const auto* lines : {&document.silhouetteLines.ridges, &document.silhouetteLines.valleys}) {
@@ -223,7 +224,7 @@ void drawPen(const CGravlinDoc& document, float lineWidth) {
 }  // namespace
 
 bool drawFeaturesImmediately(const CGravlinDoc& document, float lineWidth) {
-  const TriangleMesh& mesh = *document.currentMesh;
+  const TriangleMesh& mesh = *document.mesh();
   const int mode = document.displayMode;
   const bool known =
       mode == 6 || mode == 7 || mode == 8 || (mode >= 11 && mode <= 13) || mode == 23;
@@ -262,7 +263,7 @@ bool drawFeaturesImmediately(const CGravlinDoc& document, float lineWidth) {
 }
 
 void findAllLines(CGravlinDoc& document) {
-  TriangleMesh& mesh = *document.currentMesh;
+  TriangleMesh& mesh = meshOf(document);
   document.OnSilhouette();
   mesh.ridgeMarks.resize(static_cast<std::size_t>(mesh.vertexCount));
   document.creaseLinks = mesh.ridgeLinks;

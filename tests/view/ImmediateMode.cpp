@@ -185,8 +185,8 @@ void drawPickedFace(const TriangleMesh& mesh) {
 }
 
 void drawMode(const CGravlinDoc& document, const ViewState& view) {
-  if (document.currentMesh == nullptr) return;
-  const TriangleMesh& mesh = *document.currentMesh;
+  if (document.mesh() == nullptr) return;
+  const TriangleMesh& mesh = *document.mesh();
   if (drawCurvatureImmediately(document)) return;
   if (drawFeaturesImmediately(document, view.lineWidth)) return;
   switch (document.displayMode) {

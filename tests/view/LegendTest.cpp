@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/DocumentAccess.h"
 #include "support/ImageComparison.h"
 #include "support/OffscreenView.h"
 #include "support/TemporaryFolder.h"
@@ -60,16 +61,16 @@ TEST(Legend, NamesTheSameValuesAfterTheMeshWasSaved) {
   const test::TemporaryFolder folder;
   test::OffscreenView offscreen;
   offscreen.show(test::bumpySphere(), FlatShading);
-  for (float& x : offscreen.document.currentMesh->vertices) x *= 0.5F;
+  for (float& x : test::meshOf(offscreen.document).vertices) x *= 0.5F;
   offscreen.document.geometryChanged();
   offscreen.document.OnCurvatureMax();
   const auto texts = [&] {
     return textsOf(legendOf(*gatherScene(offscreen.document.shown()).scale, {300, 300}));
   };
   const std::vector<std::string> before = texts();
-  const float x = offscreen.document.currentMesh->vertices[0];
+  const float x = offscreen.document.mesh()->vertices[0];
   ASSERT_TRUE(offscreen.document.saveFile(folder.file("sphere.ply2")));
-  ASSERT_NE(offscreen.document.currentMesh->vertices[0], x) << "it fills the view again";
+  ASSERT_NE(offscreen.document.mesh()->vertices[0], x) << "it fills the view again";
   EXPECT_EQ(texts(), before);
 }
 

@@ -10,6 +10,7 @@
 #include "ImmediateFeatures.h"
 #include "ImmediateMode.h"
 #include "support/DisplayModes.h"
+#include "support/DocumentAccess.h"
 #include "support/ImageComparison.h"
 #include "support/OffscreenView.h"
 
@@ -182,7 +183,7 @@ INSTANTIATE_TEST_SUITE_P(MeshKinds, EveryModeOf,
 TEST_F(MeshKindPictures, EveryModeOfTheTableShowsSomethingWhereThereIsSomethingToShow) {
   for (const test::NamedMesh& each : meshKinds()) {
     load(each.mesh);
-    const TriangleMesh& mesh = *offscreen.document.currentMesh;
+    const TriangleMesh& mesh = *offscreen.document.mesh();
     const auto links = [](const std::vector<IndexList>& lists) {
       return std::any_of(lists.begin(), lists.end(),
                          [](const auto& list) { return !list.empty(); });
@@ -223,7 +224,7 @@ TEST_F(MeshKindPictures, FieldsCoverWhatTheSurfaceCoversFromBothItsSides) {
 
 TEST_F(MeshKindPictures, FieldsAndPointsOfAnInsideOutMeshLookAsThoseOfTheMeshTurnedRound) {
   load(test::bumpySphere());
-  const TriangleMesh outward = *offscreen.document.currentMesh;
+  const TriangleMesh outward = *offscreen.document.mesh();
   TriangleMesh inward = turnedInwards(test::bumpySphere());
   inward.maxCurvature = outward.maxCurvature;
   inward.minCurvature = outward.minCurvature;
@@ -231,9 +232,9 @@ TEST_F(MeshKindPictures, FieldsAndPointsOfAnInsideOutMeshLookAsThoseOfTheMeshTur
   for (const int mode : {CurvatureMax, CurvatureMin, CurvatureMean, CurvatureGauss, CurvatureTotal,
                          VertexError, FaceError, FaceValues, Points, NonManifoldPoints}) {
     SCOPED_TRACE(mode);
-    *offscreen.document.currentMesh = outward;
+    test::meshOf(offscreen.document) = outward;
     const Image expected = draw(mode);
-    *offscreen.document.currentMesh = inward;
+    test::meshOf(offscreen.document) = inward;
     // Colours within a face are interpolated from its corners in another order.
     EXPECT_GE(test::structuralSimilarity(draw(mode), expected), 0.999);
   }

@@ -17,6 +17,7 @@
 #include "doc/CommandTable.h"
 #include "support/Allocations.h"
 #include "support/DisplayModes.h"
+#include "support/DocumentAccess.h"
 #include "support/Invariants.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
@@ -85,7 +86,7 @@ struct Start {
 Start usedStart(const std::string& name, const TriangleMesh& mesh, bool sameCounts) {
   test::ScriptedOutside outside;
   CGravlinDoc doc(outside);
-  doc.currentMesh = std::make_unique<TriangleMesh>(mesh);
+  test::setMesh(doc, mesh);
   doc.seedParameters.seedAmount = 5;
   outside.dialogAnswers = {test::ok(), test::ok()};
   doc.OnStrokeMax();
@@ -96,8 +97,8 @@ Start usedStart(const std::string& name, const TriangleMesh& mesh, bool sameCoun
     outside.dialogAnswers = {test::ok()};
     doc.OnEdgeDetectionFaceAngle();
   }
-  doc.currentMesh->pickedFace = 0;
-  Start start{.name = name, .mesh = *doc.currentMesh};
+  test::meshOf(doc).pickedFace = 0;
+  Start start{.name = name, .mesh = *doc.mesh()};
   start.undo = std::make_unique<TriangleMesh>();
   start.undo->copyGeometryFrom(sameCounts ? test::jittered(mesh, 0.01) : test::cube());
   start.displayMode = sameCounts ? static_cast<int>(CurvatureMean) : doc.displayMode;
@@ -222,7 +223,7 @@ std::vector<Variant> allVariants() {
 struct Session {
   Session(const Start& start, const Variant& variant, const test::TemporaryFolder& files)
       : folder(files) {
-    doc.currentMesh = std::make_unique<TriangleMesh>(start.mesh);
+    test::setMesh(doc, start.mesh);
     if (start.undo) doc.undoMesh = std::make_unique<TriangleMesh>(*start.undo);
     doc.displayMode = start.displayMode;
     doc.linesFrom = start.linesFrom;
@@ -241,7 +242,7 @@ struct Session {
   }
 
   void draw() {
-    if (onlyRecords) seen.insert(shapeOf(*doc.currentMesh));
+    if (onlyRecords) seen.insert(shapeOf(*doc.mesh()));
     try {
       (void)gatherScene(doc.shown());
     } catch (const std::bad_alloc&) {
@@ -263,7 +264,7 @@ struct Session {
     }
     allocations = test::allocationCount() - before;
     onlyRecords = false;
-    if (refused == 0) seen.insert(shapeOf(*doc.currentMesh));
+    if (refused == 0) seen.insert(shapeOf(*doc.mesh()));
   }
 
   test::ScriptedOutside outside;
@@ -279,8 +280,8 @@ struct Session {
 
 void expectSaves(Session& session) {
   const std::string path = session.folder.file("after.ply2");
-  const int used = session.doc.currentMesh->countUsedVertices();
-  const int valid = session.doc.currentMesh->countValidFaces();
+  const int used = session.doc.mesh()->countUsedVertices();
+  const int valid = session.doc.mesh()->countValidFaces();
   ASSERT_TRUE(session.doc.saveFile(path));
   int vertices = -1;
   int faces = -1;
@@ -293,12 +294,12 @@ void expectUndoes(Session& session) {
   if (!session.doc.undoMesh) return session.doc.OnEditUndo();
   const Shape kept = shapeOf(*session.doc.undoMesh);
   session.doc.OnEditUndo();
-  EXPECT_EQ(session.doc.currentMesh->vertices, kept.vertices);
+  EXPECT_EQ(session.doc.mesh()->vertices, kept.vertices);
   EXPECT_EQ(session.doc.undoMesh, nullptr);
 }
 
 void expectPicks(Session& session) {
-  const TriangleMesh& mesh = *session.doc.currentMesh;
+  const TriangleMesh& mesh = *session.doc.mesh();
   const auto c = mesh.corners(0);
   const Vec3 a = mesh.position(c[0]);
   const Vec3 b = mesh.position(c[1]);
@@ -314,9 +315,9 @@ void expectPicks(Session& session) {
 void expectRedraws(Session& session) {
   session.doc.redraw();
   EXPECT_FALSE(session.doc.needsRecompute);
-  TriangleMesh fresh = *session.doc.currentMesh;
+  TriangleMesh fresh = *session.doc.mesh();
   fresh.computeNormals();
-  const TriangleMesh& mesh = *session.doc.currentMesh;
+  const TriangleMesh& mesh = *session.doc.mesh();
   if (mesh.faceNormals.empty()) fresh.faceNormals.clear();
   if (mesh.vertexNormals.empty()) fresh.vertexNormals.clear();
   // Saving moves positions by a rounding or two and leaves the normals as they are.
@@ -384,7 +385,7 @@ class OutOfMemory : public ::testing::TestWithParam<Variant> {
                                 const std::set<Shape>& whole, const Command& command) {
     const CGravlinDoc& doc = session.doc;
     EXPECT_THAT(test::brokenInvariants(doc), IsEmpty());
-    const Shape now = shapeOf(*doc.currentMesh);
+    const Shape now = shapeOf(*doc.mesh());
     const Shape before = shapeOf(start.mesh);
     EXPECT_TRUE(now == before || whole.contains(now)) << "half a shape";
     if (command.step == "open") {

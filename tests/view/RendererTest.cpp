@@ -10,6 +10,7 @@
 #include "ImmediateMode.h"
 #include "support/Allocations.h"
 #include "support/DisplayModes.h"
+#include "support/DocumentAccess.h"
 #include "support/ImageComparison.h"
 #include "support/OffscreenView.h"
 #include "view/OpenGL.h"
@@ -62,7 +63,7 @@ class RendererTest : public ::testing::Test {
 
 TEST_F(RendererTest, EveryModeDrawsThePixelsOfImmediateMode) {
   offscreen.show(test::cutSphere(), FlatShading);
-  offscreen.document.currentMesh->pickedFace = 1000;
+  test::meshOf(offscreen.document).pickedFace = 1000;
   test::computeAllCurvature(offscreen.document);
   test::findAllLines(offscreen.document);
   const ViewAngles turns[] = {{0, 0, 0}, {10, -25, 40}, {-80, 170, -3}};
@@ -170,11 +171,11 @@ TEST_F(RendererTest, LinesOfAnInsideOutMeshAreSeenAsThoseOfTheMeshTurnedRound) {
       SCOPED_TRACE(named.name + ", mode " + std::to_string(mode));
       offscreen.show(mode);
       const Image outward = drawWithoutCorner();
-      const TriangleMesh before = *offscreen.document.currentMesh;
-      *offscreen.document.currentMesh = turnedRound(before);
+      const TriangleMesh before = *offscreen.document.mesh();
+      test::meshOf(offscreen.document) = turnedRound(before);
       offscreen.show(mode);
       const Image inward = drawWithoutCorner();
-      *offscreen.document.currentMesh = before;
+      test::meshOf(offscreen.document) = before;
       EXPECT_FALSE(inkBox(outward).empty());
       // Depths are rounded from another corner of each face, which shows where surfaces cut lines.
       EXPECT_GE(test::structuralSimilarity(outward, inward), 0.999);
@@ -355,7 +356,7 @@ TEST_F(RendererTest, LeavesTheFramebufferOpaque) {
 
 TEST_F(RendererTest, DrawingAnUnchangedSceneAllocatesNothing) {
   offscreen.show(test::cutSphere(), FlatShading);
-  offscreen.document.currentMesh->pickedFace = 1000;
+  test::meshOf(offscreen.document).pickedFace = 1000;
   offscreen.draw();  // binds the framebuffer
   Renderer renderer;
   renderer.initialise();
@@ -380,8 +381,8 @@ TEST_F(RendererTest, DrawingAnUnchangedSceneAllocatesNothing) {
 TEST_F(RendererTest, DrawsAnewWhenRevisionModeOrStyleChange) {
   offscreen.show(test::icosphere(2, 5.0), FlatShading);
   const Image small = drawWithoutCorner();
-  for (int i = 0; i < offscreen.document.currentMesh->vertexCount; ++i) {
-    TriangleMesh& mesh = *offscreen.document.currentMesh;
+  for (int i = 0; i < offscreen.document.mesh()->vertexCount; ++i) {
+    TriangleMesh& mesh = test::meshOf(offscreen.document);
     mesh.setPosition(i, 1.5 * mesh.position(i));
   }
   EXPECT_EQ(test::differentPixels(drawWithoutCorner(), small), 0);  // not redrawn yet
@@ -390,7 +391,7 @@ TEST_F(RendererTest, DrawsAnewWhenRevisionModeOrStyleChange) {
   EXPECT_GT(test::differentPixels(large, small), 1000);
   offscreen.document.displayMode = Points;
   EXPECT_GT(test::differentPixels(drawWithoutCorner(), large), 1000);
-  offscreen.document.currentMesh.reset();
+  test::dropMesh(offscreen.document);
   EXPECT_TRUE(inkBox(drawWithoutCorner()).empty());
 }
 

@@ -5,6 +5,7 @@
 
 #include "doc/CGravlinDoc.h"
 #include "support/DisplayModes.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 #include "view/RenderDispatcher.h"
@@ -22,7 +23,7 @@ constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 Scene sceneOf(TriangleMesh mesh, int displayMode) {
   test::ScriptedOutside outside;
   CGravlinDoc document{outside};
-  document.currentMesh = std::make_unique<TriangleMesh>(std::move(mesh));
+  test::setMesh(document, std::move(mesh));
   document.displayMode = displayMode;
   document.redraw();
   return gatherScene(document.shown());
