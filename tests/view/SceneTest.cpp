@@ -113,7 +113,8 @@ TEST(Scene, MeshWithoutDerivedDataIsDrawnAllTheSame) {
   TriangleMesh mesh;
   mesh.copyGeometryFrom(test::cube());
   for (const int mode : test::everyDisplayMode()) {
-    for (const Batch& batch : sceneOf(mesh, mode).batches) expectConsistent(batch);
+    const Scene scene = gatherScene({.mesh = &mesh, .displayMode = mode});
+    for (const Batch& batch : scene.batches) expectConsistent(batch);
   }
 }
 
