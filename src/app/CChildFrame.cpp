@@ -4,12 +4,9 @@
 #include <QCloseEvent>
 #include <QMenu>
 
-#include "app/OpenDocument.h"
-
 namespace gravlin {
 
-CChildFrame::CChildFrame(OpenDocument& document)
-    : owner(document), shownView(new CGravlinView(document.document, this)) {
+CChildFrame::CChildFrame(const ShownSource& source) : shownView(new CGravlinView(source, this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWidget(shownView);
   setFocusProxy(shownView);
@@ -18,11 +15,6 @@ CChildFrame::CChildFrame(OpenDocument& document)
   for (QAction* action : systemMenu()->actions()) {
     if (!action->shortcuts().isEmpty()) action->setShortcut(QKeySequence("Ctrl+F4"));
   }
-  connect(shownView, &CGravlinView::picked, this, [this] {
-    owner.run([this](CGravlinDoc& doc) { doc.pickFace(shownView->state.camera.pickRay); });
-  });
-  connect(shownView, &CGravlinView::drawingFailed, this,
-          [this](const QString& sentence) { owner.outside.showMessage(sentence.toStdString()); });
 }
 
 void CChildFrame::setTitle(const QString& title) {
@@ -36,9 +28,7 @@ void CChildFrame::closeWithoutAsking() {
 }
 
 void CChildFrame::closeEvent(QCloseEvent* event) {
-  const bool endsDocument = owner.frames.size() == 1;
-  if (owner.isBusy()) return event->ignore();
-  if (endsDocument && asks && !owner.mayDropChanges()) return event->ignore();
+  if (!mayClose(asks)) return event->ignore();
   Q_EMIT closing(this);
   QMdiSubWindow::closeEvent(event);
 }

@@ -248,7 +248,7 @@ OpenDocument& CMainFrame::newDocument() {
 CChildFrame& CMainFrame::addWindow(OpenDocument& document) {
   const CChildFrame* active = activeFrame();
   const bool fillsArea = active == nullptr || active->isMaximized();
-  auto* frame = new CChildFrame(document);
+  auto* frame = new CChildFrame(document.document);
   area->addSubWindow(frame);
   document.addFrame(*frame);
   connect(frame, &CChildFrame::closing, this, &CMainFrame::removeWindow);
@@ -263,7 +263,7 @@ CChildFrame& CMainFrame::addWindow(OpenDocument& document) {
 }
 
 void CMainFrame::removeWindow(CChildFrame* frame) {
-  frame->openDocument().removeFrame(*frame);
+  if (OpenDocument* document = documentOf(frame)) document->removeFrame(*frame);
 }
 
 /// Called when a window is gone: nothing looks at the document of the last one any more.
@@ -274,8 +274,14 @@ void CMainFrame::forgetClosedDocuments() {
 }
 
 OpenDocument* CMainFrame::activeDocument() {
-  CChildFrame* frame = activeFrame();
-  return frame == nullptr ? nullptr : &frame->openDocument();
+  return documentOf(activeFrame());
+}
+
+OpenDocument* CMainFrame::documentOf(const CChildFrame* frame) {
+  const auto found = std::ranges::find_if(documents, [frame](const auto& document) {
+    return std::ranges::find(document->frames, frame) != document->frames.end();
+  });
+  return found == documents.end() ? nullptr : found->get();
 }
 
 CChildFrame* CMainFrame::activeFrame() {
@@ -283,9 +289,8 @@ CChildFrame* CMainFrame::activeFrame() {
 }
 
 void CMainFrame::windowActivated(QMdiSubWindow* window) {
-  if (auto* frame = qobject_cast<CChildFrame*>(window)) {
-    frame->openDocument().outside.activeView = &frame->view();
-  }
+  auto* frame = qobject_cast<CChildFrame*>(window);
+  if (OpenDocument* document = documentOf(frame)) document->outside.activeView = &frame->view();
   updateActions();
   updateStatus();
 }

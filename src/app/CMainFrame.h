@@ -37,6 +37,8 @@ class CMainFrame : public QMainWindow {
   /// The document of the active window, or null when there is no window.
   OpenDocument* activeDocument();
   CChildFrame* activeFrame();
+  /// The document that the window shows; null for no window and for one that is closing.
+  OpenDocument* documentOf(const CChildFrame* frame);
 
  protected:
   void closeEvent(QCloseEvent* event) override;

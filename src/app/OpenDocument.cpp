@@ -66,9 +66,17 @@ void OpenDocument::updateTitles() {
 }
 
 void OpenDocument::addFrame(CChildFrame& frame) {
+  CGravlinView& view = frame.view();
   frames.push_back(&frame);
-  outside.views.push_back(&frame.view());
-  if (outside.activeView == nullptr) outside.activeView = &frame.view();
+  outside.views.push_back(&view);
+  if (outside.activeView == nullptr) outside.activeView = &view;
+  frame.mayClose = [this](bool asks) { return mayCloseAFrame(asks); };
+  QObject::connect(&view, &CGravlinView::picked, &frame, [this, &view] {
+    run([&view](CGravlinDoc& doc) { doc.pickFace(view.state.camera.pickRay); });
+  });
+  QObject::connect(&view, &CGravlinView::drawingFailed, &frame, [this](const QString& sentence) {
+    outside.showMessage(sentence.toStdString());
+  });
   updateTitles();
 }
 
@@ -143,6 +151,12 @@ bool OpenDocument::mayDropChanges() {
     return !document.modified;
   }
   return answer == QMessageBox::Discard;
+}
+
+/// With its last window the document goes.
+bool OpenDocument::mayCloseAFrame(bool asks) {
+  if (isBusy()) return false;
+  return frames.size() != 1 || !asks || mayDropChanges();
 }
 
 /// Saves like the menu does, also when asked in the middle of a command.

@@ -26,6 +26,8 @@ class OpenDocument {
   /// Writes the title on its windows, numbered ":1", ":2", ... when there are several.
   void updateTitles();
 
+  /// Takes a window that shows this document. Closing the last one closes the document, which asks
+  /// about unsaved changes.
   void addFrame(CChildFrame& frame);
   void removeFrame(CChildFrame& frame);
 
@@ -44,6 +46,7 @@ class OpenDocument {
   bool mayDropChanges();
 
  private:
+  bool mayCloseAFrame(bool asks);
   void holdViews(bool held);
   /// Returns what is to be told when the command could not come to its end.
   QString runOnHeldViews(const std::function<void(CGravlinDoc&)>& command);

@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "mesh/TriangleMesh.h"
+#include "mesh/VertexKind.h"
 
 namespace gravlin {
 

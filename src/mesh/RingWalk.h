@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
-#include "mesh/TriangleMesh.h"
+#include "numeric/Vec3.h"
 
 namespace gravlin {
 
@@ -16,9 +17,10 @@ struct RingTriangle {
 };
 
 /// Calls visit(triangle) for every face of vertex i in ring order, the one between the last and the
-/// first neighbour at the end. Every position is read once. The vertex must be interior.
-template <class Visit>
-void walkRing(const TriangleMesh& mesh, int i, Visit visit) {
+/// first neighbour at the end. Every position is read once. The vertex must be interior. A Mesh is
+/// anything that knows getNeighbours(i) and position(i).
+template <class Mesh, class Visit>
+void walkRing(const Mesh& mesh, int i, Visit visit) {
   const std::span<const int> ring = mesh.getNeighbours(i);
   const Vec3 centre = mesh.position(i);
   const Vec3 first = mesh.position(ring.front());

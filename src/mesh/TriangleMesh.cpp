@@ -326,14 +326,20 @@ void TriangleMesh::dropDerived() noexcept {
 }
 
 TriangleMesh TriangleMesh::compactCopy() const {
+  std::vector<int> newIndex(toIndex(vertexCount), -1);
+  for (int f = 0; f < faceCount; ++f) {
+    if (!validFace(f)) continue;
+    for (const int corner : corners(f)) newIndex[toIndex(corner)] = 0;
+  }
+  int used = 0;
+  for (int& index : newIndex) index = index < 0 ? -1 : used++;
+
   TriangleMesh copy;
   copy.boxMax = boxMax;
   copy.boxMin = boxMin;
   copy.extentTolerance = extentTolerance;
-  copy.setVertexCount(countUsedVertices());
+  copy.setVertexCount(used);
   copy.setFaceCount(countValidFaces());
-
-  const std::vector<int> newIndex = usedVertexIndices();
   for (int i = 0; i < vertexCount; ++i) {
     const int target = newIndex[toIndex(i)];
     if (target < 0) continue;

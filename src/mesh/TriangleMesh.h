@@ -10,16 +10,10 @@
 #include "mesh/CompressedRows.h"
 #include "mesh/FacePoint.h"
 #include "mesh/IndexList.h"
+#include "mesh/VertexKind.h"
 #include "numeric/Vec3.h"
 
 namespace gravlin {
-
-/// How the faces around a vertex hang together.
-enum VertexKind : int {
-  InteriorVertex = 0,     ///< one closed fan
-  BoundaryVertex = 1,     ///< one open fan
-  NonManifoldVertex = 2,  ///< anything else, also a vertex that no valid face uses
-};
 
 /// The hatching lines on a mesh: per seed one line along the direction of maximum curvature and one
 /// along the minimum, each from its far backward end through the seed to its far forward end.
@@ -171,7 +165,8 @@ class TriangleMesh {
   /// Drops whatever is derived: positions, faces, their number, box and extentTolerance stay.
   void dropDerived() noexcept;
   /// A mesh of the used vertices and the valid faces only, renumbered in index order, with this
-  /// mesh's box and extentTolerance and nothing derived. Requires buildAdjacency.
+  /// mesh's box and extentTolerance and nothing derived. Needs no topology, but faces whose corners
+  /// cannot be used must be invalid, as buildAdjacency makes them.
   TriangleMesh compactCopy() const;
 };
 

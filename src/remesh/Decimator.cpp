@@ -167,19 +167,19 @@ class Decimation {
   EdgeHeap heap;
 };
 
-/// The faces and positions of `surface`, which was made from `mesh`, with topology.
+/// The faces and positions of `surface`, which was made from `mesh`.
 TriangleMesh shapeOf(const CollapsibleMesh& surface, const TriangleMesh& mesh) {
   TriangleMesh shape;
   shape.copyGeometryFrom(mesh);
   shape.vertexKind.resize(toIndex(shape.vertexCount));
   surface.writeTo(shape);
-  shape.buildAdjacency();
-  shape.buildFaceAdjacency();
   return shape;
 }
 
-/// Exchanges positions, faces and topology for those of a mesh of the same counts.
+/// Exchanges positions and faces for those of a mesh of the same counts, and topology for theirs.
 void takeShape(TriangleMesh& mesh, TriangleMesh& shape) {
+  shape.buildAdjacency();
+  shape.buildFaceAdjacency();
   mesh.vertices.swap(shape.vertices);
   mesh.faces.swap(shape.faces);
   std::swap(mesh.vertexNeighbours, shape.vertexNeighbours);

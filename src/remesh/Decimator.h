@@ -13,7 +13,8 @@ struct DecimationResult {
   bool targetReached = false;  ///< otherwise no edge was left that may collapse
 };
 
-/// A mesh with topology and without normals.
+/// Positions and faces as `decimate` leaves them; nothing derived but the kinds that vertices had on
+/// the way.
 struct DecimatedMesh {
   TriangleMesh mesh;
   DecimationResult result;

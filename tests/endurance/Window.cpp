@@ -389,7 +389,7 @@ class User {
     if (QApplication::activeModalWidget() != nullptr) journal.fail("a dialog stays open");
     for (CChildFrame* frame : program.frame().findChildren<CChildFrame*>()) {
       if (frame->isHidden()) continue;
-      OpenDocument& opened = frame->openDocument();
+      OpenDocument& opened = *program.frame().documentOf(frame);
       if (opened.isBusy()) journal.fail("a command does not end");
       if (options.plant == "damage" && opened.document.mesh()) {
         test::meshOf(opened.document).faces.push_back(0);
@@ -409,11 +409,12 @@ class User {
       all.pop_back();
     }
     for (CChildFrame* frame : all) {
-      CGravlinDoc& document = frame->openDocument().document;
+      OpenDocument& opened = *program.frame().documentOf(frame);
+      CGravlinDoc& document = opened.document;
       if (!document.mesh() || document.mesh()->faceCount <= mostFaces) continue;
       journal.note("a small mesh again");
       document.modified = false;
-      frame->openDocument().open(program.file("small.ply2", test::tetrahedronText));
+      opened.open(program.file("small.ply2", test::tetrahedronText));
     }
     if (all.empty()) program.frame().newDocument();
   }

@@ -1,7 +1,7 @@
-#include "mesh/Corner.h"
-
 #include <array>
 #include <gtest/gtest.h>
+
+#include "mesh/Corner.h"
 
 namespace gravlin {
 namespace {

@@ -1,10 +1,9 @@
-#include "numeric/SolverVectors.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <new>
 
+#include "numeric/SolverVectors.h"
 #include "support/CapturedText.h"
 
 namespace gravlin {

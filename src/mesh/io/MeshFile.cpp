@@ -107,16 +107,6 @@ Written save(const std::string& path, TriangleMesh& mesh) {
 
 }  // namespace
 
-std::string fileNameOf(const std::string& path) {
-  return path.substr(path.find_last_of('/') + 1);  // all of it without a slash
-}
-
-std::string extensionOf(const std::string& path) {
-  const std::string name = fileNameOf(path);
-  const std::size_t dot = name.find_last_of('.');
-  return dot == std::string::npos ? std::string() : name.substr(dot + 1);
-}
-
 OpenResult openMeshFile(const std::string& path) {
   OpenResult result;
   auto mesh = std::make_unique<TriangleMesh>();

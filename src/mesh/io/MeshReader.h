@@ -2,8 +2,9 @@
 
 #include <string_view>
 
-#include "mesh/io/MeshFile.h"
+#include "mesh/io/MeshStream.h"
 #include "mesh/io/ReadReport.h"
+#include "mesh/TriangleMesh.h"
 
 namespace gravlin {
 

@@ -3,7 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "mesh/io/MeshFile.h"
+#include "mesh/io/MeshStream.h"
+#include "mesh/TriangleMesh.h"
 
 namespace gravlin {
 
