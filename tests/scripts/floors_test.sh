@@ -42,7 +42,7 @@ expect numeric/A.h '#include "mesh/B.h"' \
 expect mesh/A.cpp '#include "smoothing/B.h"' \
   'mesh/A.cpp:3: mesh/ (floor 2) includes smoothing/B.h (floor 3)'
 expect remesh/A.cpp '  #  include "doc/B.h"' \
-  'remesh/A.cpp:3: remesh/ (floor 3) includes doc/B.h (floor 4)'
+  'remesh/A.cpp:3: remesh/ (floor 3.2) includes doc/B.h (floor 4)'
 expect doc/A.cpp '#include "view/B.h"' 'doc/A.cpp:3: doc/ (floor 4) includes view/B.h (floor 5)'
 expect doc/A.cpp '#include "doc/dialogs/B.h"' \
   'doc/A.cpp:3: doc/ (floor 4) includes doc/dialogs/B.h (floor 6)'
@@ -69,6 +69,30 @@ expect mesh/A.cpp '#include <EGL/egl.h>' \
   'mesh/A.cpp:3: mesh/ does without graphics, but includes <EGL/egl.h>'
 expect mesh/A.cpp '#include "B.h"' \
   'mesh/A.cpp:3: "B.h" is not the path of a file from the top of the source'
+expect features/A.cpp '#include "curvature/B.h"' passes
+expect features/A.cpp '#include "remesh/B.h"' \
+  'features/A.cpp:3: features/ (floor 3.1) includes remesh/B.h (floor 3.2)'
+expect curvature/A.cpp '#include "features/B.h"' \
+  'curvature/A.cpp:3: curvature/ (floor 3) includes features/B.h (floor 3.1)'
 expect attic/A.cpp '#include <vector>' 'attic/A.cpp:1: the folder attic has no floor'
+
+# A circle of three through a header and two sources; a header and its own source are none.
+rm -rf "$folder/src"
+mkdir -p "$folder/src/mesh"
+echo '#include "mesh/B.h"' >"$folder/src/mesh/A.h"
+echo '#include "mesh/A.h"' >"$folder/src/mesh/A.cpp"
+: >"$folder/src/mesh/B.h"
+echo '#include "mesh/C.h"' >"$folder/src/mesh/B.cpp"
+: >"$folder/src/mesh/C.h"
+if ! "$check" "$folder/src"; then
+  echo "files without a circle do not pass"
+  failures=$((failures + 1))
+fi
+echo '#include "mesh/A.h"' >"$folder/src/mesh/C.cpp"
+said=$("$check" "$folder/src") || true
+if [ "$said" != 'files include one another in a circle: mesh/A -> mesh/B -> mesh/C -> mesh/A' ]; then
+  printf 'of a circle the check says: %s\n' "$said"
+  failures=$((failures + 1))
+fi
 
 [ "$failures" -eq 0 ]
