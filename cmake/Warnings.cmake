@@ -3,13 +3,16 @@ add_library(gravlin_options INTERFACE)
 target_compile_features(gravlin_options INTERFACE cxx_std_20)
 target_include_directories(gravlin_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(gravlin_options INTERFACE
-  -Wall -Wextra -Wshadow -Wconversion -Werror
+  -Wall -Wextra -Wshadow -Wconversion
   # The same bits in every build type: no fused multiply-add that rounds once where the text rounds
   # twice.
   -ffp-contract=off
   # Neither errno nor floating-point exceptions are looked at anywhere; results stay the same bits,
   # and square roots and choices can run side by side.
   -fno-math-errno -fno-trapping-math)
+if(GRAVLIN_WERROR)
+  target_compile_options(gravlin_options INTERFACE -Werror)
+endif()
 
 # This compiler takes "text" + std::string for a copy onto itself where it inlines it (GCC bug
 # 105651).
