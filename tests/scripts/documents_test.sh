@@ -18,7 +18,7 @@ sed -n 's/^## \([a-z/]*\)$/\1/p' ARCHITECTURE.md | while read -r folder; do
   [ -d "$folder" ] || complain "ARCHITECTURE.md speaks of $folder, which is not there"
 done
 
-for page in *.md docs/guide/*.md examples/*.md; do
+for page in *.md docs/guide/*.md docs/howto/*.md examples/*.md; do
   # Links to the web and to headings of the same page are not looked at.
   grep -o '](\([^)#]*\)' "$page" | sed 's/^](//' | grep -v '^[a-z]*:' | grep . |
     while read -r target; do
