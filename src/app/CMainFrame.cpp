@@ -23,6 +23,7 @@ namespace {
 
 // Rows of the command table between which the frame puts items of its own.
 constexpr int openId = 57601;
+constexpr int importId = 32821;
 constexpr int saveId = 57603;
 
 /// A path as an item of a menu, with its number as mnemonic and shortened at the left.
@@ -209,10 +210,16 @@ void CMainFrame::buildStatusBar() {
 void CMainFrame::chooseCommand(const Command& command) {
   OpenDocument* document = activeDocument();
   if (document != nullptr) return document->run(command.handler);
-  if (command.id != openId) return;
+  if (command.id != openId && command.id != importId) return;
   // Without a document the chosen file gets one of its own.
-  const QString path = askForFile(desktop, FileDialog::Open);
-  if (!path.isEmpty()) openFile(path);
+  const bool opens = command.id == openId;
+  const QString path = askForFile(desktop, opens ? FileDialog::Open : FileDialog::Import);
+  if (path.isEmpty()) return;
+  newDocument().loadWith(path, [opens](CGravlinDoc& loading, const std::string& file) {
+    if (opens) return loading.openChosenFile(file);
+    loading.importFile(file, false);
+  });
+  updateRecentFiles();
 }
 
 void CMainFrame::closeActiveDocument() {
@@ -346,6 +353,7 @@ void CMainFrame::updateActions() {
   const bool rests = !desktop.lock.isHeld();
   menus.update(rests && hasDocument ? &document->document : nullptr);
   menus.action(openId).setEnabled(rests);
+  menus.action(importId).setEnabled(rests);
   for (QAction* action : needDocument) action->setEnabled(rests && hasDocument);
   for (QAction* action : needRest) action->setEnabled(rests);
 }

@@ -9,6 +9,8 @@
 #include "doc/dialogs/ParameterDialog.h"
 #include "doc/dialogs/QtText.h"
 #include "doc/dialogs/WindowRoom.h"
+#include "mesh/io/FormatTable.h"
+#include "mesh/io/MeshFile.h"
 #include "mesh/io/MeshWriter.h"
 #include "numeric/PrintableText.h"
 #include "view/LineSvg.h"
@@ -23,7 +25,10 @@ QString titleOf(FileDialog kind) {
     case FileDialog::Save:
       return "Save As";
     case FileDialog::Export:
+    case FileDialog::ExportMesh:
       return "Export";
+    case FileDialog::Import:
+      return "Import";
   }
   return {};
 }
@@ -36,18 +41,37 @@ QString nameToSave(const QString& file) {
 
 }  // namespace
 
+void setFilters(QFileDialog& dialog, FileDialog kind) {
+  // What is shown is "All files(*.*)"; the pattern behind it lets names without a dot through, too.
+  const QString all = "All files(*.*) (*)";
+  if (kind != FileDialog::Import && kind != FileDialog::ExportMesh) {
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    dialog.setNameFilter(all);
+    return;
+  }
+  QStringList filters;
+  QString every;
+  for (const StandardFormat& format : standardFormats()) {
+    const QString pattern = "*." + toQString(format.extension);
+    filters.append(toQString(format.name) + " (" + pattern + ")");
+    every += every.isEmpty() ? pattern : " " + pattern;
+  }
+  filters.prepend("Meshes (" + every + ")");
+  filters.append("All files (*)");
+  dialog.setNameFilters(filters);
+}
+
 QString askForFile(Desktop& desktop, FileDialog kind, const QString& suggested) {
-  const bool opens = kind == FileDialog::Open;
+  const bool opens = kind == FileDialog::Open || kind == FileDialog::Import;
   QFileDialog dialog(desktop.window, titleOf(kind), desktop.folder);
   dialog.setObjectName(opens ? "openFile" : "saveFile");
   dialog.setAcceptMode(opens ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
   dialog.setFileMode(opens ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
-  // What is shown is "All files(*.*)"; the pattern behind it lets names without a dot through, too.
-  dialog.setOption(QFileDialog::HideNameFilterDetails);
-  dialog.setNameFilter("All files(*.*) (*)");
+  setFilters(dialog, kind);
   // The document appends the same ending; this makes the question about overwriting a file concern
   // the one that will be written.
   if (kind == FileDialog::Save) dialog.setDefaultSuffix("ply2");
+  if (kind == FileDialog::ExportMesh) dialog.setDefaultSuffix("ply");
   if (!suggested.isEmpty()) dialog.selectFile(suggested);
   if (dialog.exec() != QDialog::Accepted) return {};
   QString chosen = dialog.selectedFiles().constFirst();
@@ -67,7 +91,8 @@ bool DesktopOutside::showDialog(const Form& form) {
 std::optional<std::string> DesktopOutside::chooseFile(FileDialog kind) {
   const CommandDialog waiting(desktop.lock);
   chosenFile.clear();
-  if (kind == FileDialog::Open && !mayDropChanges()) return std::nullopt;
+  const bool opens = kind == FileDialog::Open || kind == FileDialog::Import;
+  if (opens && !mayDropChanges()) return std::nullopt;
   chosenFile =
       askForFile(desktop, kind, kind == FileDialog::Save ? nameToSave(currentFile) : QString());
   if (chosenFile.isEmpty()) return std::nullopt;
@@ -91,6 +116,25 @@ bool DesktopOutside::confirm(const Question& question) {
   box.setEscapeButton(QMessageBox::Cancel);
   box.exec();
   return box.clickedButton() == goOn;
+}
+
+StandardFileAnswer DesktopOutside::askAboutStandardFile(const StandardFileQuestion& question) {
+  const CommandDialog waiting(desktop.lock);
+  const QString name = toPrintable(QFileInfo(fromPath(question.path)).fileName());
+  QMessageBox box(QMessageBox::Question, "Gravlin",
+                  name + " is called as a " + toQString(question.format) + " file. Import it?",
+                  QMessageBox::Cancel, desktop.window);
+  box.setObjectName("standardFile");
+  box.setTextFormat(Qt::PlainText);  // names of files may hold anything
+  QPushButton* import = box.addButton("Import", QMessageBox::AcceptRole);
+  import->setObjectName("import");
+  QPushButton* open = box.addButton("Open as it is", QMessageBox::AcceptRole);
+  open->setObjectName("openAsItIs");
+  box.setDefaultButton(import);
+  box.setEscapeButton(QMessageBox::Cancel);
+  box.exec();
+  if (box.clickedButton() == import) return StandardFileAnswer::Import;
+  return box.clickedButton() == open ? StandardFileAnswer::OpenAsItIs : StandardFileAnswer::Cancel;
 }
 
 void DesktopOutside::showStatus(const std::string& sentence) {

@@ -119,8 +119,14 @@ QString OpenDocument::runOnHeldViews(const std::function<void(CGravlinDoc&)>& co
 bool OpenDocument::open(const QString& path) {
   bool opened = false;
   outside.chosenFile = path;
-  run([&](CGravlinDoc& doc) { opened = doc.openFile(toPath(path)); });
+  run([&](CGravlinDoc& doc) { opened = doc.loadFile(toPath(path)); });
   return opened;
+}
+
+void OpenDocument::loadWith(const QString& path,
+                            const std::function<void(CGravlinDoc&, const std::string&)>& load) {
+  outside.chosenFile = path;
+  run([&](CGravlinDoc& doc) { load(doc, toPath(path)); });
 }
 
 void OpenDocument::holdViews(bool held) {

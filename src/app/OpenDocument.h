@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <QString>
+#include <string>
 #include <vector>
 
 #include "app/DesktopOutside.h"
@@ -35,8 +36,13 @@ class OpenDocument {
   /// as a message. Does nothing while another command runs.
   void run(const std::function<void(CGravlinDoc&)>& command);
 
-  /// Loads a file, with `run`. False when it could not be loaded.
+  /// Loads a file, with `run`; one of the usual formats is imported. False when it could not be
+  /// loaded.
   bool open(const QString& path);
+
+  /// Runs `load` with a file that the user has chosen.
+  void loadWith(const QString& path,
+                const std::function<void(CGravlinDoc&, const std::string&)>& load);
 
   /// Whether a command runs, of this document or of another one.
   bool isBusy() const { return desktop.lock.isHeld(); }

@@ -52,6 +52,12 @@ bool BatchOutside::confirm(const Question& question) {
   return false;
 }
 
+StandardFileAnswer BatchOutside::askAboutStandardFile(const StandardFileQuestion& question) {
+  showMessage("Cannot open " + question.path + ": its name is that of a " + question.format +
+              " file. The step import reads it.");
+  return StandardFileAnswer::Cancel;
+}
+
 void BatchOutside::showStatus(const std::string& sentence) {
   if (!sentence.empty()) say(sentence);
 }

@@ -44,6 +44,7 @@ class BatchOutside : public Outside {
   std::optional<std::string> chooseFile(FileDialog kind) override;
   void showMessage(const std::string& text) override;
   bool confirm(const Question& question) override;
+  StandardFileAnswer askAboutStandardFile(const StandardFileQuestion& question) override;
   void showStatus(const std::string& sentence) override;
   void showSuccess(const std::string&) override {}
   void showProgress(ProgressRange range) override;

@@ -91,8 +91,9 @@ void addBox(Summary& summary, const TriangleMesh& mesh) {
     largest = {std::max(largest.x, p.x), std::max(largest.y, p.y), std::max(largest.z, p.z)};
   }
   if (largest.x < least.x) return;
-  const Vec3 centre = 0.5 * (loadVec3(mesh.boxMin.data()) + loadVec3(mesh.boxMax.data()));
-  const double unit = mesh.extentTolerance;
+  const FileFrame frame = mesh.fileFrame();
+  const Vec3 centre = {frame.origin[0], frame.origin[1], frame.origin[2]};
+  const double unit = frame.scale;
   summary.row("box", Point{centre + unit * least}, " to ", Point{centre + unit * largest});
 }
 

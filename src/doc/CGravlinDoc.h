@@ -13,6 +13,8 @@
 #include "doc/forms/AdaptiveSmoothingParameters.h"
 #include "doc/forms/AngleParameters.h"
 #include "doc/forms/DecimationParameters.h"
+#include "doc/forms/ExportParameters.h"
+#include "doc/forms/ImportParameters.h"
 #include "doc/forms/NoiseParameters.h"
 #include "doc/forms/RidgeParameters.h"
 #include "doc/forms/SeedParameters.h"
@@ -93,6 +95,8 @@ class CGravlinDoc final : public ShownSource {
   AngleParameters angleParameters;
   SubdivisionParameters subdivisionParameters;
   DecimationParameters decimationParameters;
+  ImportParameters importParameters;
+  ExportParameters exportParameters;
 
   // These work on the current mesh; `replaceMesh` alone attaches it.
   MeshSmoother meshSmoother;
@@ -121,6 +125,8 @@ class CGravlinDoc final : public ShownSource {
   // --- File and Edit ---
   void OnFileOpen();
   void OnFileSaveAs();
+  void OnFileImport();
+  void OnFileExport();
   void OnExportLines();
   void OnEditUndo();
   void OnSmoothingShape();
@@ -180,6 +186,18 @@ class CGravlinDoc final : public ShownSource {
   /// document keeps the mesh it had, a message is shown, and the result is false. The undo copy is
   /// left as it is.
   bool openFile(const std::string& filePath);
+  /// Loads a file of one of the usual formats in place of the current mesh, as OnFileImport does
+  /// after its dialogs. On failure as `openFile`.
+  bool importFile(const std::string& filePath, bool weld);
+  /// Loads a file that was named without a word on how to read it: one that `standardFormatOfFile`
+  /// knows is imported, any other opened.
+  bool loadFile(const std::string& filePath);
+  /// Opens or imports a file that was chosen for Open, as the user wants where both are possible.
+  void openChosenFile(const std::string& filePath);
+  /// Writes the current mesh, which must exist, in one of the usual formats, with the values of the
+  /// "Export" dialog. It counts as saved as it did before. On failure, and where the mesh came from
+  /// this file, the old file stands, a message is shown, and the result is false.
+  bool exportMesh(const std::string& filePath);
   /// Writes the current mesh; a name without an extension gets ".ply2". On failure the old file
   /// stands, a message is shown, and the result is false. So it is with the file that the mesh came
   /// from when writing would lose what this file alone holds.
@@ -239,6 +257,8 @@ class CGravlinDoc final : public ShownSource {
   /// The one place where the current mesh is exchanged: whatever works on it is attached anew. The
   /// caller tells the age of the histogram. Returns the mesh that was there.
   std::unique_ptr<TriangleMesh> replaceMesh(std::unique_ptr<TriangleMesh> mesh) noexcept;
+  /// Shows a mesh from a file, named so, in place of the current one. It has both normals.
+  void showNewMesh(std::unique_ptr<TriangleMesh> mesh, MeshOrigin origin, DisplayMode mode);
   /// Forgets the lines that the document keeps beside those of the mesh.
   void dropLines() noexcept;
   /// Notes where lines that have just been found come from.

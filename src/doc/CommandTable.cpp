@@ -23,6 +23,10 @@ constexpr Command commands[] = {
     {"File", "&Open...\tCtrl+O", 57601, &Doc::OnFileOpen, "open", nullptr, FileDialog::Open},
     {"File", "&Save\tCtrl+S", 57603, &Doc::OnFileSaveAs, "", nullptr, FileDialog::Save},
     {"File", "Save &As... ", 57604, &Doc::OnFileSaveAs, "save", nullptr, FileDialog::Save},
+    {"File", "Import...", 32821, &Doc::OnFileImport, "import", formOf<&Doc::importParameters>,
+     FileDialog::Import},
+    {"File", "Export...", 32822, &Doc::OnFileExport, "export", formOf<&Doc::exportParameters>,
+     FileDialog::ExportMesh},
     {"File", "Export Lines...", 32820, &Doc::OnExportLines, "export-lines", nullptr,
      FileDialog::Export},
 

@@ -34,7 +34,7 @@ constexpr const char* nameToSave = " name that ends in .ply2 or .plyR.";
 
 void CGravlinDoc::OnFileOpen() {
   if (const std::optional<std::string> chosen = outside.chooseFile(FileDialog::Open)) {
-    openFile(*chosen);
+    openChosenFile(*chosen);
   }
 }
 
@@ -44,14 +44,23 @@ bool CGravlinDoc::openFile(const std::string& filePath) {
     outside.showMessage(opened.error);
     return false;
   }
+  showNewMesh(std::move(opened.mesh),
+              {.path = filePath,
+               .extent = opened.extent,
+               .positionLoss = opened.positionLoss,
+               .lossSinceSaving = opened.positionLoss},
+              FlatShading);
+  tell(opened.notice);
+  tellsOfShape = false;  // but of the file
+  return true;
+}
+
+void CGravlinDoc::showNewMesh(std::unique_ptr<TriangleMesh> mesh, MeshOrigin origin,
+                              DisplayMode mode) {
   // All names before the mesh: it must never stand under the name of another file.
-  std::string newPath = filePath;
-  MeshOrigin origin = {.path = filePath,
-                       .extent = opened.extent,
-                       .positionLoss = opened.positionLoss,
-                       .lossSinceSaving = opened.positionLoss};
-  opened.mesh->shape = ++shapes;
-  replaceMesh(std::move(opened.mesh));
+  std::string newPath = origin.path;
+  mesh->shape = ++shapes;
+  replaceMesh(std::move(mesh));
   linesAreLost = false;  // they were of another mesh
   path = std::move(newPath);
   meshOrigin = std::move(origin);
@@ -60,10 +69,7 @@ bool CGravlinDoc::openFile(const std::string& filePath) {
   undoIsModified = true;   // what is kept for undo belongs to another file
   needsRecompute = false;  // both normals came with the mesh
   tellHistogramAge();
-  show(FlatShading);
-  tell(opened.notice);
-  tellsOfShape = false;  // but of the file
-  return true;
+  show(mode);
 }
 
 void CGravlinDoc::OnFileSaveAs() {

@@ -11,8 +11,8 @@
 namespace gravlin {
 
 /// Which standard file dialog is shown: to open a mesh, to save it, to write something else. All
-/// use the filter "All files(*.*)|*.*||".
-enum class FileDialog { Open, Save, Export };
+/// use the filter "All files(*.*)|*.*||". Import and ExportMesh have filters for the usual formats.
+enum class FileDialog { Open, Save, Export, Import, ExportMesh };
 
 /// How the values in the histogram window stand to the mesh that is shown.
 enum class HistogramAge {
@@ -45,6 +45,15 @@ struct Question {
   std::string refusal;  ///< one sentence or two for where nobody can be asked: then it is not done
 };
 
+/// A file that was chosen for Open and that Import would read.
+struct StandardFileQuestion {
+  std::string path;
+  std::string format;  ///< "Stanford PLY"
+};
+
+/// What becomes of it.
+enum class StandardFileAnswer { Import, OpenAsItIs, Cancel };
+
 /// Everything that a document asks of the world around it. The desktop answers with windows, the
 /// batch program with its arguments, tests with a script; so every command is one code path that
 /// runs with and without a window. The "view" is the one the running command was given to.
@@ -61,6 +70,8 @@ class Outside {
   virtual void showMessage(const std::string& text) = 0;
   /// Asks whether to go on, with "no" as what somebody says who only presses Return or Escape.
   virtual bool confirm(const Question& question) = 0;
+  /// Asks how to read such a file, with Import as what somebody says who only presses Return.
+  virtual StandardFileAnswer askAboutStandardFile(const StandardFileQuestion& question) = 0;
   /// One sentence in the status bar.
   virtual void showStatus(const std::string& sentence) = 0;
   /// One sentence in the status bar that only says that all went as it was meant to.

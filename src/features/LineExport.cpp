@@ -43,9 +43,9 @@ struct LineVertices {
 
 /// A position in the units of the file.
 std::array<float, 3> positionInFile(const TriangleMesh& mesh, int vertex) {
-  const Vec3 centre = 0.5 * (loadVec3(mesh.boxMin.data()) + loadVec3(mesh.boxMax.data()));
-  const Vec3 p = centre + mesh.position(vertex) * mesh.extentTolerance;
-  return {static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)};
+  const std::array<double, 3> p =
+      mesh.fileFrame().toFile(mesh.vertices.data() + 3 * static_cast<std::size_t>(vertex));
+  return {static_cast<float>(p[0]), static_cast<float>(p[1]), static_cast<float>(p[2])};
 }
 
 void appendPosition(std::string& text, const TriangleMesh& mesh, int vertex) {

@@ -34,20 +34,6 @@ bool boxIsMissed(const std::vector<float>& vertices, std::size_t axis) {
   return (!lowered && least != searchStart) || (!raised && most != -searchStart);
 }
 
-/// From memory to the units of a file.
-struct WayToFile {
-  explicit WayToFile(const TriangleMesh& mesh)
-      : centre(0.5 * (loadVec3(mesh.boxMin.data()) + loadVec3(mesh.boxMax.data()))),
-        scale(mesh.extentTolerance) {}
-  std::array<double, 3> operator()(const Vec3& p) const {
-    const Vec3 x = centre + p * scale;
-    return {x.x, x.y, x.z};
-  }
-
-  Vec3 centre;
-  double scale;
-};
-
 /// What the six decimals of a float read back as. The product has at most 24 + 14 binary digits
 /// behind the leading one, so it is exact, and rounding to even is what printf does, too.
 double readBack(float value) {
@@ -56,6 +42,14 @@ double readBack(float value) {
   if (!(std::abs(value) < wholeText)) return static_cast<double>(value);
   return static_cast<double>(
       static_cast<float>(std::nearbyint(static_cast<double>(value) * decimals) / decimals));
+}
+
+/// The same of a double. Below 2^33 the product is as exact as a ten-thousandth of a decimal.
+double readBackInDouble(double value) {
+  constexpr double decimals = 1e6;
+  constexpr double wholeText = 0x1p33;
+  if (!(std::abs(value) < wholeText)) return value;
+  return std::nearbyint(value * decimals) / decimals;
 }
 
 }  // namespace
@@ -74,10 +68,11 @@ NormalizingLoss normalizeMeasuringLoss(TriangleMesh& mesh) {
   }
   const std::vector<float> before = mesh.vertices;
   mesh.normalize();
-  const WayToFile toFile(mesh);
+  const FileFrame frame = mesh.fileFrame();
   NormalizingLoss loss;
   for (int i = 0; i < mesh.vertexCount; ++i) {
-    const std::array<double, 3> back = toFile(mesh.position(i));
+    const std::array<double, 3> back =
+        frame.toFile(mesh.vertices.data() + 3 * static_cast<std::size_t>(i));
     for (std::size_t axis = 0; axis < 3; ++axis) {
       const float x = before[3 * static_cast<std::size_t>(i) + axis];
       const double stored = std::abs(back[axis] - static_cast<double>(x));
@@ -91,7 +86,11 @@ NormalizingLoss normalizeMeasuringLoss(TriangleMesh& mesh) {
 }
 
 std::optional<WritingLoss> lossByWriting(const TriangleMesh& mesh) {
-  const WayToFile toFile(mesh);
+  const FileFrame frame = mesh.fileFrame();
+  const bool inDouble = mesh.importFrame.has_value();
+  const auto written = [inDouble](double x) {
+    return inDouble ? readBackInDouble(x) : readBack(static_cast<float>(x));
+  };
   double largest = 0.0;
   std::array<double, 3> least;
   std::array<double, 3> most;
@@ -99,9 +98,10 @@ std::optional<WritingLoss> lossByWriting(const TriangleMesh& mesh) {
   most.fill(-std::numeric_limits<double>::infinity());
   for (int i = 0; i < mesh.vertexCount; ++i) {
     if (mesh.neighbourCount(i) == 0) continue;
-    const std::array<double, 3> x = toFile(mesh.position(i));
+    const std::array<double, 3> x =
+        frame.toFile(mesh.vertices.data() + 3 * static_cast<std::size_t>(i));
     for (std::size_t axis = 0; axis < 3; ++axis) {
-      const double loss = std::abs(readBack(static_cast<float>(x[axis])) - x[axis]);
+      const double loss = std::abs(written(x[axis]) - x[axis]);
       if (!std::isfinite(loss)) continue;
       largest = std::max(largest, loss);
       least[axis] = std::min(least[axis], x[axis]);

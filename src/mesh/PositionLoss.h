@@ -10,7 +10,8 @@ namespace gravlin {
 
 // A position x of a file becomes p = (x - c) / t in memory and c + p t in the next file, where c is
 // the middle of the mesh's box and t its extentTolerance. Both p and what is written are rounded to
-// single precision, and what is written also to six decimals. Lengths here are in the file's units.
+// single precision, and what is written also to six decimals; of imported meshes what is written is
+// rounded to six decimals only. Lengths here are in the file's units.
 
 /// Along which axes `normalize` would not find the box of a mesh whose positions are still in the
 /// file's units. Its search starts at -1,000,000 and 1,000,000 and asks of a new maximum no longer

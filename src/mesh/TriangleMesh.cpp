@@ -172,6 +172,12 @@ void TriangleMesh::denormalize() {
   for (int i = 0; i < vertexCount; ++i) setPosition(i, centre + position(i) * extentTolerance);
 }
 
+FileFrame TriangleMesh::fileFrame() const {
+  if (importFrame) return *importFrame;
+  const Vec3 centre = boxCentre(boxMin, boxMax);
+  return {{centre.x, centre.y, centre.z}, extentTolerance};
+}
+
 // --- Building topology ---
 
 void TriangleMesh::buildAdjacency() {
@@ -309,6 +315,7 @@ void TriangleMesh::copyGeometryFrom(const TriangleMesh& other) {
   copy.boxMax = other.boxMax;
   copy.boxMin = other.boxMin;
   copy.extentTolerance = other.extentTolerance;
+  copy.importFrame = other.importFrame;
   *this = std::move(copy);
 }
 
@@ -322,6 +329,7 @@ void TriangleMesh::dropDerived() noexcept {
   geometry.boxMax = boxMax;
   geometry.boxMin = boxMin;
   geometry.extentTolerance = extentTolerance;
+  geometry.importFrame = importFrame;
   *this = std::move(geometry);
 }
 
@@ -338,6 +346,7 @@ TriangleMesh TriangleMesh::compactCopy() const {
   copy.boxMax = boxMax;
   copy.boxMin = boxMin;
   copy.extentTolerance = extentTolerance;
+  copy.importFrame = importFrame;
   copy.setVertexCount(used);
   copy.setFaceCount(countValidFaces());
   for (int i = 0; i < vertexCount; ++i) {

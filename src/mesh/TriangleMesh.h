@@ -9,6 +9,7 @@
 
 #include "mesh/CompressedRows.h"
 #include "mesh/FacePoint.h"
+#include "mesh/FileFrame.h"
 #include "mesh/IndexList.h"
 #include "mesh/VertexKind.h"
 #include "numeric/Vec3.h"
@@ -88,6 +89,9 @@ class TriangleMesh {
   std::array<float, 3> boxMax = {0.0F, 0.0F, 0.0F};  ///< found by the last normalize
   std::array<float, 3> boxMin = {0.0F, 0.0F, 0.0F};
   double extentTolerance = 0.0;  ///< 0.05 x the largest box extent; one unit in memory
+  /// Of an imported mesh, exact where the box is rounded; `normalize` knows nothing of it. Nothing
+  /// for a mesh whose place is told by its box.
+  std::optional<FileFrame> importFrame;
 
   std::optional<int> pickedFace;  ///< the face last picked by a double click
 
@@ -107,6 +111,9 @@ class TriangleMesh {
   void normalize();
   /// The inverse of `normalize`: back to the units of the box. The box stays as it is.
   void denormalize();
+
+  /// How positions lie in the units of the file that the mesh came from.
+  FileFrame fileFrame() const;
 
   // --- Building topology ---
   /// Makes faces with an index out of range or a repeated corner invalid, then builds
@@ -158,14 +165,14 @@ class TriangleMesh {
   FieldOrigin here() const { return {shape, extentTolerance}; }
 
   // --- Copies ---
-  /// Copies positions, faces, their shape's number, box and extentTolerance. Nothing derived is
+  /// Copies positions, faces, their shape's number, box and place in the file. Nothing derived is
   /// copied, and what this mesh had derived is dropped. Into a mesh of the same counts it takes no
   /// memory and cannot fail; otherwise this mesh is as it was when memory is refused.
   void copyGeometryFrom(const TriangleMesh& other);
-  /// Drops whatever is derived: positions, faces, their number, box and extentTolerance stay.
+  /// Drops whatever is derived: positions, faces, their number, box and place in the file stay.
   void dropDerived() noexcept;
   /// A mesh of the used vertices and the valid faces only, renumbered in index order, with this
-  /// mesh's box and extentTolerance and nothing derived. Needs no topology, but faces whose corners
+  /// mesh's box and place in the file and nothing derived. Needs no topology, but faces whose corners
   /// cannot be used must be invalid, as buildAdjacency makes them.
   TriangleMesh compactCopy() const;
 };

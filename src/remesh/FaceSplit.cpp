@@ -146,6 +146,7 @@ FaceSplit beginSplit(const TriangleMesh& old, std::vector<int> marks) {
   split.mesh.boxMax = old.boxMax;
   split.mesh.boxMin = old.boxMin;
   split.mesh.extentTolerance = old.extentTolerance;
+  split.mesh.importFrame = old.importFrame;
   split.mesh.vertexCount = static_cast<int>(split.counts.vertices);
   split.mesh.faceCount = static_cast<int>(split.counts.faces);
   reserveLarge(split.mesh.vertices, 3 * toIndex(split.mesh.vertexCount));

@@ -591,7 +591,7 @@ void DocumentsTest::recentFilesListTheFourLastOnes() {
 void DocumentsTest::filesThatNothingIsReadFromAreNoRecentFiles() {
   Program program;
   program.open("t.ply2", tetrahedronText);
-  program.open("model.obj", "v 0 0 0");
+  program.open("model.txt", "v 0 0 0");
   program.open("garbage.ply2", "no numbers");
   program.open("damaged.ply2", "4 2\n0 0 0\n");
   const QStringList texts = recentTexts(program);

@@ -61,6 +61,52 @@ TEST_F(Program, ExportsLines) {
   EXPECT_FALSE(exists("lines.txt"));
 }
 
+TEST_F(Program, ImportsAndExports) {
+  folder.write("quad.obj", "v 0 0 0\nv 4 0 0\nv 4 2 0\nv 0 2 0\nf 1 2 3 4\n");
+  const test::RunResult result = run("import " + in("quad.obj") + " export " + in("a.off") +
+                                     " export " + in("b") + " --ascii --normals");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.errors, HasSubstr("1 polygon cut into triangles"));
+  EXPECT_THAT(test::contentOf(folder.file("a.off")),
+              HasSubstr("\n4 2 0\n0 0 0\n4 0 0\n4 2 0\n0 2 0\n3 0 1 2\n3 0 2 3\n"));
+  EXPECT_THAT(test::contentOf(folder.file("b.ply")), HasSubstr("\n4 2 0 0 0 1\n"));
+  const test::RunResult quiet = run("import " + in("a.off") + " export " + in("c.stl") +
+                                    " import " + in("c.stl") + " dump - --fields faces");
+  EXPECT_EQ(quiet.status, 0);
+  EXPECT_THAT(quiet.output, HasSubstr("0,1,2,0,2,3"));
+}
+
+TEST_F(Program, WeldsWhereItIsTold) {
+  folder.write("split.obj",
+               "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3\nf 4 5 6\n");
+  EXPECT_THAT(run("import " + in("split.obj") + " dump - --fields vertexCount").output,
+              HasSubstr("6"));
+  EXPECT_THAT(run("import " + in("split.obj") + " --weld dump - --fields vertexCount").output,
+              HasSubstr("4"));
+}
+
+/// Of a file that Import would read Open makes nothing, so the chain ends and names the step.
+TEST_F(Program, OpenOnAStandardFileEndsTheChainAndNamesImport) {
+  for (const auto& [name, content] : {std::pair{"a.obj", "v 0 0 0\n"},
+                                      {"a.OFF", "OFF 0 0 0\n"},
+                                      {"a.ply", "ply\nformat ascii 1.0\n"}}) {
+    folder.write(name, content);
+    const test::RunResult result = run("open " + in(name) + " save " + in("out.ply2"));
+    EXPECT_EQ(result.status, 1) << name;
+    EXPECT_THAT(result.errors, HasSubstr("The step import reads it.")) << name;
+    EXPECT_FALSE(exists("out.ply2"));
+  }
+}
+
+TEST_F(Program, AFileThatCannotBeImportedEndsTheChain) {
+  folder.write("bad.obj", "v 0 0 0\nv 1 x 0\n");
+  const test::RunResult result = run("import " + in("bad.obj") + " export " + in("out.ply"));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.errors, HasSubstr("bad.obj: line 2: \"x\" is no number."));
+  EXPECT_FALSE(exists("out.ply"));
+  EXPECT_EQ(run("import " + in("missing.ply")).status, 1);
+}
+
 TEST_F(Program, RefusesAValueOutsideItsRangeBeforeTheFirstStepRuns) {
   const test::RunResult result =
       run("open " + mesh + " save " + in("out.ply2") + " visualization --line-width 100.5");
@@ -184,7 +230,7 @@ TEST_F(Program, AFileThatCannotBeWrittenEndsTheChain) {
 }
 
 TEST_F(Program, AFileThatNothingReadsEndsTheChain) {
-  const std::string obj = folder.write("mesh.obj", "v 0 0 0\n");
+  const std::string obj = folder.write("mesh.txt", "v 0 0 0\n");
   const test::RunResult result = run("open '" + obj + "' dump " + in("out.json"));
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.errors, HasSubstr("no reader"));

@@ -27,6 +27,8 @@ TEST(CommandTable, HoldsEveryMenuItemWithItsExactTextInMenuOrder) {
       "File / &Open...\tCtrl+O",
       "File / &Save\tCtrl+S",
       "File / Save &As... ",
+      "File / Import...",
+      "File / Export...",
       "File / Export Lines...",
       "Edit / Undo (1 history only)",
       "Edit/Smoothing / Shape",

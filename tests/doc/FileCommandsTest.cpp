@@ -473,7 +473,7 @@ TEST_F(FileCommands, SavingDoesNotEmptyAFileOfPoints) {
 
 TEST_F(FileCommands, SavingDoesNotEmptyTheFileThatTheMeshCameFrom) {
   for (const char* name : {"cloud.data", "scan.ply", "model.obj", "mesh.PLY2"}) {
-    open(folder.write(name, "3 0\n0 0 0 0 0\n"));
+    doc.openFile(folder.write(name, "3 0\n0 0 0 0 0\n"));
     outside.forget();
     EXPECT_FALSE(doc.saveFile(folder.file(name)));
     ASSERT_EQ(outside.messages.size(), 1U) << name;
@@ -484,7 +484,7 @@ TEST_F(FileCommands, SavingDoesNotEmptyTheFileThatTheMeshCameFrom) {
 
 TEST_F(FileCommands, AnEmptyFileHasNothingToLose) {
   for (const char* name : {"new.data", "new.obj"}) {
-    open(folder.write(name, ""));
+    doc.openFile(folder.write(name, ""));
     doc.saveFile(folder.file(name));
     ASSERT_FALSE(outside.messages.empty());
     EXPECT_THAT(outside.messages.back(), HasSubstr("is empty: Save writes no")) << name;

@@ -67,13 +67,19 @@ class RandomOutside : public Outside {
   }
   std::optional<std::string> chooseFile(FileDialog kind) override {
     static const std::vector<std::string> names = {"a.ply2", "b.plyR",    "c.obj",     "d",
-                                                   "e.png",  "lines.obj", "lines.vtk", "lines.svg"};
+                                                   "e.png",  "lines.obj", "lines.vtk", "lines.svg",
+                                                   "f.ply",  "g.stl",     "h.off"};
     if (random.oneIn(6)) return std::nullopt;
-    std::string name = kind == FileDialog::Open ? meshFile : folder.file(random.anyOf(names));
+    std::string name = kind == FileDialog::Open || kind == FileDialog::Import
+                           ? meshFile
+                           : folder.file(random.anyOf(names));
     journal.note("file " + name);
     return name;
   }
   bool confirm(const Question& /*question*/) override { return random.oneIn(2); }
+  StandardFileAnswer askAboutStandardFile(const StandardFileQuestion& /*question*/) override {
+    return random.oneIn(2) ? StandardFileAnswer::Import : StandardFileAnswer::OpenAsItIs;
+  }
   void showMessage(const std::string& text) override { journal.note("message " + text); }
   void showStatus(const std::string& sentence) override { status = sentence; }
   void showSuccess(const std::string& sentence) override { status = sentence; }

@@ -63,7 +63,8 @@ bool ScriptedOutside::showDialog(const Form& form) {
 }
 
 std::optional<std::string> ScriptedOutside::chooseFile(FileDialog kind) {
-  calls.emplace_back(kind == FileDialog::Open ? "open file" : "save file");
+  const bool opens = kind == FileDialog::Open || kind == FileDialog::Import;
+  calls.emplace_back(opens ? "open file" : "save file");
   if (fileAnswers.empty()) {
     ADD_FAILURE() << "the script has no answer for the file dialog";
     return std::nullopt;
@@ -86,6 +87,17 @@ bool ScriptedOutside::confirm(const Question& question) {
   }
   const bool answer = confirmAnswers.front();
   confirmAnswers.pop_front();
+  return answer;
+}
+
+StandardFileAnswer ScriptedOutside::askAboutStandardFile(const StandardFileQuestion& question) {
+  calls.push_back("standard file " + question.format);
+  if (standardFileAnswers.empty()) {
+    ADD_FAILURE() << "the script has no answer on how to read " << question.path;
+    return StandardFileAnswer::Cancel;
+  }
+  const StandardFileAnswer answer = standardFileAnswers.front();
+  standardFileAnswers.pop_front();
   return answer;
 }
 

@@ -29,14 +29,15 @@ class ScriptedOutside : public Outside {
   std::deque<DialogAnswer> dialogAnswers;              ///< taken from the front
   std::deque<std::optional<std::string>> fileAnswers;  ///< nothing: cancelled
   std::deque<bool> confirmAnswers;                     ///< whether to go on
+  std::deque<StandardFileAnswer> standardFileAnswers;  ///< how to read a file of a usual format
   std::function<void()> whenRedrawn;  ///< called inside redraw, to look at the document there
   ViewAngles angles;                  ///< of the view that the command was given to
 
   // --- The record ---
   /// One text per call, in order: "dialog CNoiseDlg", "open file", "save file", "message ...",
-  /// "question ...", "status ...", "show progress 0..10 by 1", "step progress", "hide progress",
-  /// "redraw", "histogram ...", "histogram values 42", "lighting 2", "line width 1 point size 3",
-  /// "angles 10 20 30", "counts 8 12".
+  /// "question ...", "standard file ...", "status ...", "show progress 0..10 by 1", "step
+  /// progress", "hide progress", "redraw", "histogram ...", "histogram values 42", "lighting 2",
+  /// "line width 1 point size 3", "angles 10 20 30", "counts 8 12".
   std::vector<std::string> calls;
   std::vector<std::string> messages;
   std::vector<std::string> statuses;
@@ -47,7 +48,8 @@ class ScriptedOutside : public Outside {
   int count(const std::string& call) const;
   /// Whether every scripted answer has been asked for.
   bool finished() const {
-    return dialogAnswers.empty() && fileAnswers.empty() && confirmAnswers.empty();
+    return dialogAnswers.empty() && fileAnswers.empty() && confirmAnswers.empty() &&
+           standardFileAnswers.empty();
   }
   /// Forgets the record; the script stays.
   void forget();
@@ -56,6 +58,7 @@ class ScriptedOutside : public Outside {
   std::optional<std::string> chooseFile(FileDialog kind) override;
   void showMessage(const std::string& text) override;
   bool confirm(const Question& question) override;
+  StandardFileAnswer askAboutStandardFile(const StandardFileQuestion& question) override;
   void showStatus(const std::string& sentence) override;
   void showSuccess(const std::string& sentence) override { showStatus(sentence); }
   void showProgress(ProgressRange range) override;

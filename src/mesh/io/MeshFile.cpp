@@ -95,9 +95,14 @@ struct Written {
 Written save(const std::string& path, TriangleMesh& mesh) {
   SafeFile file(path);
   if (file.stream() == nullptr) throw std::runtime_error(file.error());
+  Written written;
+  if (mesh.importFrame) {  // positions are brought to the file's units one by one
+    written.oddities = writeMesh({file.stream(), path, extensionOf(path)}, mesh);
+    if (!file.commit()) throw std::runtime_error(file.error());
+    return written;
+  }
   PlaceGuard guard(mesh);
   mesh.denormalize();
-  Written written;
   written.oddities = writeMesh({file.stream(), path, extensionOf(path)}, mesh);
   written.loss = normalizeMeasuringLoss(mesh);
   if (!file.commit()) throw std::runtime_error(file.error());

@@ -35,8 +35,8 @@ std::string pathToSave(const std::string& path);
 
 /// Writes `mesh` in the units of the file it came from to `pathToSave`; a name whose extension
 /// has no writer becomes an empty file. Positions go to the file's units
-/// and back and the box is found anew, so they may differ in their last bits afterwards. On failure
-/// the file that was there stands and `mesh` is as it was.
+/// and back and the box is found anew, so they may differ in their last bits afterwards; an
+/// imported mesh stays as it is. On failure the file that was there stands and `mesh` is as it was.
 SaveResult saveMeshFile(const std::string& path, TriangleMesh& mesh);
 
 }  // namespace gravlin

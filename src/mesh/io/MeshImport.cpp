@@ -1,6 +1,8 @@
 #include "mesh/io/MeshImport.h"
 
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <new>
 #include <system_error>
 #include <utility>
@@ -8,6 +10,7 @@
 #include "mesh/io/CountedNoun.h"
 #include "mesh/io/MappedFile.h"
 #include "mesh/io/MeshFile.h"
+#include "mesh/io/PlyHeader.h"
 
 namespace gravlin {
 namespace {
@@ -39,6 +42,16 @@ ImportResult importMeshFile(const std::string& path) {
   }
   if (!result.mesh) result.error = "Cannot import " + path + ": " + reason + ".";
   return result;
+}
+
+const StandardFormat* standardFormatOfFile(const std::string& path) {
+  const StandardFormat* format = standardFormatNamed(extensionOf(path));
+  if (format == nullptr || !std::filesystem::is_regular_file(path)) return nullptr;
+  if (format->extension != "ply") return format;
+  std::string begin(8, '\0');
+  std::ifstream(path, std::ios::binary)
+      .read(begin.data(), static_cast<std::streamsize>(begin.size()));
+  return looksLikePly(begin) ? format : nullptr;
 }
 
 std::string warningText(const ImportWarnings& warnings) {

@@ -1,6 +1,7 @@
 #include "mesh/io/RecordWriter.h"
 
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <vector>
 
@@ -19,6 +20,14 @@ class NumberWriter {
   NumberWriter& operator=(const NumberWriter&) = delete;
 
   void put(int value, char separator) { putBehind(writeInt(out, value), separator); }
+  /// What printf("%f") writes of a double.
+  void put(double value, char separator) {
+    constexpr std::ptrdiff_t longest = 320;  // of the largest one, with its sign and decimals
+    if (buffer.data() + buffer.size() - out < longest + maxNumberLength) flush();
+    constexpr int decimals = 6;
+    putBehind(std::to_chars(out, out + longest, value, std::chars_format::fixed, decimals).ptr,
+              separator);
+  }
   void put(float value, char separator) { putBehind(writeFloat(out, value), separator); }
 
  private:
@@ -38,6 +47,13 @@ class NumberWriter {
   char* out = buffer.data();
 };
 
+template <class Number>
+void putPosition(NumberWriter& writer, const std::array<Number, 3>& p) {
+  writer.put(p[0], ' ');
+  writer.put(p[1], ' ');
+  writer.put(p[2], '\n');
+}
+
 void writeGeometry(NumberWriter& writer, const TriangleMesh& mesh,
                    const std::vector<int>& newIndices) {
   writer.put(mesh.countUsedVertices(), '\n');
@@ -45,9 +61,11 @@ void writeGeometry(NumberWriter& writer, const TriangleMesh& mesh,
   for (int i = 0; i < mesh.vertexCount; ++i) {
     if (mesh.neighbourCount(i) == 0) continue;
     const float* p = mesh.vertices.data() + 3 * toIndex(i);
-    writer.put(p[0], ' ');
-    writer.put(p[1], ' ');
-    writer.put(p[2], '\n');
+    if (mesh.importFrame) {
+      putPosition(writer, mesh.importFrame->toFile(p));
+    } else {
+      putPosition(writer, std::array{p[0], p[1], p[2]});
+    }
   }
   for (int f = 0; f < mesh.faceCount; ++f) {
     if (!mesh.validFace(f)) continue;

@@ -7,7 +7,8 @@
 namespace gravlin {
 
 // The formats that are nothing but numbers separated by white space, see MeshFile: used vertices
-// and valid faces, renumbered in index order, with six decimals. Require buildAdjacency. Whether
+// and valid faces, renumbered in index order, with six decimals; those of an imported mesh in the
+// units of its file, in double precision. Require buildAdjacency. Whether
 // everything arrived is for the owner of the stream to see.
 
 void writePly2(std::FILE* stream, const TriangleMesh& mesh);

@@ -100,12 +100,13 @@ class AsciiStl {
       : text(wholeText), current(text.data()), end(text.data() + text.size()) {}
 
   ImportedMesh read() {
-    // A triangle takes at least this many characters of text.
+    // Characters that a triangle takes.
     constexpr std::size_t leastTriangle = 40;
+    constexpr std::size_t usualTriangle = 200;
     const std::size_t most = text.size() / leastTriangle;
     requireMemoryFor(most);
     PositionIndex index(mesh.positions, expectedVertices(most) / 4);
-    FaceFans fans(mesh, std::numeric_limits<int>::max(), 0);
+    FaceFans fans(mesh, std::numeric_limits<int>::max(), text.size() / usualTriangle);
     while (goToWord()) takeStatement(takeWord(), index, fans);
     fans.finish();
     if (inFacet) throw errorInLine(text, text.size(), "the file ends in a facet");
