@@ -33,7 +33,7 @@ void ExchangeTest::aFileIsImportedAndWeldedAsTheDialogSays() {
   const QString path = program.file("split.obj", splitSquare);
   QStringList filters;
   NextDialog file("openFile", [&](QDialog& dialog) {
-    filters = qobject_cast<QFileDialog&>(dialog).nameFilters();
+    filters = qobject_cast<QFileDialog*>(&dialog)->nameFilters();
     chooseFile(dialog, path);
   });
   NextDialog import("CImportDlg", [](QDialog& dialog) {
@@ -81,7 +81,7 @@ void ExchangeTest::openAsksAndImportsByDefault() {
   NextDialog file("openFile", [&](QDialog& dialog) { chooseFile(dialog, path); });
   QString text;
   NextDialog question("standardFile", [&](QDialog& dialog) {
-    text = qobject_cast<QMessageBox&>(dialog).text();
+    text = qobject_cast<QMessageBox*>(&dialog)->text();
     QTest::keyClick(&dialog, Qt::Key_Return);
   });
   program.step("open").trigger();

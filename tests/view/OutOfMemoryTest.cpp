@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "doc/CommandTable.h"
+#include "mesh/io/MeshExport.h"
 #include "support/Allocations.h"
 #include "support/DisplayModes.h"
 #include "support/DocumentAccess.h"
@@ -200,6 +201,23 @@ std::vector<Variant> variantsOf(const Command& row) {
     return {{"obj", &row, {}, "l.obj"}, {"vtk", &row, {}, "l.vtk"}, {"svg", &row, {}, "l.svg"}};
   }
   if (row.step == "open") return {{"cube", &row, {}, "cube.ply2"}};
+  if (row.step == "import") {
+    const auto weld = [](auto& doc) { doc.importParameters.weld = true; };
+    return {{"ply", &row, {}, "cube.ply"},
+            {"obj", &row, {}, "cube.obj"},
+            {"off", &row, weld, "cube.off"}};
+  }
+  if (row.step == "export") {
+    const auto fields = [](auto& doc) {
+      doc.exportParameters.normals = true;
+      doc.exportParameters.curvature = true;
+      doc.exportParameters.directions = true;
+    };
+    const auto used = [](auto& doc) { doc.exportParameters.leaveOutUnused = true; };
+    return {{"fields", &row, fields, "x.ply"},
+            {"stl", &row, used, "x.stl"},
+            {"obj", &row, {}, "x.obj"}};
+  }
   return {{"", &row, {}, "saved.ply2"}};
 }
 
@@ -361,7 +379,14 @@ const ::testing::Environment* const tally = ::testing::AddGlobalTestEnvironment(
 
 class OutOfMemory : public ::testing::TestWithParam<Variant> {
  protected:
-  OutOfMemory() { folder.write("cube.ply2", cubeText); }
+  OutOfMemory() {
+    folder.write("cube.ply2", cubeText);
+    const TriangleMesh cube = test::cube();
+    const MeshToWrite mesh(cube, {}, MeshToWrite::Vertices::All);
+    for (const char* name : {"cube.ply", "cube.obj", "cube.off"}) {
+      EXPECT_EQ(exportMeshFile(folder.file(name), mesh, {}).error, "");
+    }
+  }
 
   /// Every allocation at first, where one stage follows the other; of what then repeats itself
   /// (iterations, strokes, links of one vertex after the other, texts) a spread over the whole run
@@ -377,7 +402,7 @@ class OutOfMemory : public ::testing::TestWithParam<Variant> {
   }
 
   static bool replacesMesh(const Command& command) {
-    return command.step == "open" || command.step == "undo";
+    return command.step == "open" || command.step == "import" || command.step == "undo";
   }
 
   /// The mesh is one that was seen, and what came before it can be had again or is told to be gone.
@@ -388,7 +413,7 @@ class OutOfMemory : public ::testing::TestWithParam<Variant> {
     const Shape now = shapeOf(*doc.mesh());
     const Shape before = shapeOf(start.mesh);
     EXPECT_TRUE(now == before || whole.contains(now)) << "half a shape";
-    if (command.step == "open") {
+    if (command.step == "open" || command.step == "import") {
       EXPECT_EQ(doc.path.empty(), now == before) << "a mesh under the name of another file";
     }
     if (replacesMesh(command)) return;
