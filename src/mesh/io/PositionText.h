@@ -18,7 +18,7 @@ class PositionText {
   explicit PositionText(const MeshToWrite& toWrite)
       : mesh(toWrite), text(toWrite.resolution() / 3.0) {}
 
-  static constexpr std::size_t most = 3 * (maxToleranceText + 1);
+  static constexpr std::size_t most = 3 * (static_cast<std::size_t>(maxToleranceText) + 1);
 
   /// "x y z", of a vertex by its new number. Returns the end; needs `most` characters of room.
   char* write(char* out, int vertex) const {
@@ -44,7 +44,8 @@ struct FaceWords {
 /// A line for each face.
 inline void putTextFaces(OutputBuffer& out, const MeshToWrite& mesh, const FaceWords& words) {
   mesh.forEachFace([&](const std::array<int, 3>& corners) {
-    char* text = out.room(words.before.size() + 3 * maxNumberLength + 3);
+    char* text =
+        out.room(words.before.size() + 3 * (static_cast<std::size_t>(maxNumberLength) + 1));
     std::memcpy(text, words.before.data(), words.before.size());
     text = writeInt(text + words.before.size(), corners[0] + words.first);
     *text++ = ' ';

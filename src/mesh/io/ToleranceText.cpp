@@ -56,7 +56,7 @@ ToleranceText::ToleranceText(double tolerance) {
 char* ToleranceText::write(char* out, double value) const {
   const double scaled = std::abs(value) * multiplier;
   if (decimals < 0 || !(scaled < largestExact)) return writeShortest(out, value);
-  const auto all = static_cast<std::uint64_t>(scaled + 0.5);
+  const auto all = static_cast<std::uint64_t>(std::llround(scaled));
   std::uint64_t digits = all;
   std::uint64_t below = all;  // without its last digits
   std::uint64_t step = 1;
