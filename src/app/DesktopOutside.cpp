@@ -122,7 +122,7 @@ StandardFileAnswer DesktopOutside::askAboutStandardFile(const StandardFileQuesti
   const CommandDialog waiting(desktop.lock);
   const QString name = toPrintable(QFileInfo(fromPath(question.path)).fileName());
   QMessageBox box(QMessageBox::Question, "Gravlin",
-                  name + " is called as a " + toQString(question.format) + " file. Import it?",
+                  name + " is a " + toQString(question.format) + " file. Import it?",
                   QMessageBox::Cancel, desktop.window);
   box.setObjectName("standardFile");
   box.setTextFormat(Qt::PlainText);  // names of files may hold anything

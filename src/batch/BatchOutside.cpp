@@ -53,7 +53,7 @@ bool BatchOutside::confirm(const Question& question) {
 }
 
 StandardFileAnswer BatchOutside::askAboutStandardFile(const StandardFileQuestion& question) {
-  showMessage("Cannot open " + question.path + ": its name is that of a " + question.format +
+  showMessage("Cannot open " + question.path + ": it is a " + question.format +
               " file. The step import reads it.");
   return StandardFileAnswer::Cancel;
 }

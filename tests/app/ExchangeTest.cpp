@@ -86,7 +86,7 @@ void ExchangeTest::openAsksAndImportsByDefault() {
   });
   program.step("open").trigger();
   QVERIFY(file.answered() && question.answered());
-  QCOMPARE(text, "split.obj is called as a Wavefront OBJ file. Import it?");
+  QCOMPARE(text, "split.obj is a Wavefront OBJ file. Import it?");
   QCOMPARE(program.document().currentMesh->vertexCount, 6);
 }
 

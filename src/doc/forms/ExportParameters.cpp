@@ -14,7 +14,7 @@ Form ExportParameters::form() {
       {{.name = "format",
         .value = &format,
         .group = formatBox,
-        .choices = {{"As the file's name ends", "name"},
+        .choices = {{"By the file extension", "name"},
                     {"Stanford PLY", "ply"},
                     {"Wavefront OBJ", "obj"},
                     {"STL", "stl"},
