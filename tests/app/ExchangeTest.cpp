@@ -43,7 +43,7 @@ void ExchangeTest::aFileIsImportedAndWeldedAsTheDialogSays() {
   program.step("import").trigger();
   QVERIFY(file.answered() && import.answered());
   QCOMPARE(filters.front(), "Meshes (*.ply *.off *.stl *.obj)");
-  QCOMPARE(program.document().currentMesh->vertexCount, 4);
+  QCOMPARE(program.document().mesh()->vertexCount, 4);
   QCOMPARE(program.opened().title(), "split.obj");
   QVERIFY2(program.status().endsWith("4 vertices, 2 faces; 2 vertices welded."),
            qPrintable(program.status()));
@@ -57,7 +57,7 @@ void ExchangeTest::importNeedsNoDocument() {
   QVERIFY(program.step("import").isEnabled());
   program.step("import").trigger();
   QVERIFY(file.answered());
-  QCOMPARE(program.document().currentMesh->vertexCount, 6);
+  QCOMPARE(program.document().mesh()->vertexCount, 6);
 }
 
 void ExchangeTest::theMeshIsExportedInTheFormatOfItsName() {
@@ -87,7 +87,7 @@ void ExchangeTest::openAsksAndImportsByDefault() {
   program.step("open").trigger();
   QVERIFY(file.answered() && question.answered());
   QCOMPARE(text, "split.obj is a Wavefront OBJ file. Import it?");
-  QCOMPARE(program.document().currentMesh->vertexCount, 6);
+  QCOMPARE(program.document().mesh()->vertexCount, 6);
 }
 
 void ExchangeTest::openAsItIsAndCancelAreObeyed() {
@@ -104,7 +104,7 @@ void ExchangeTest::openAsItIsAndCancelAreObeyed() {
   QCOMPARE(program.opened().title(), "s.ply2");
   QVERIFY(openAnd([](QDialog& dialog) { click(dialog, "openAsItIs"); }));
   QCOMPARE(program.opened().title(), "split.obj");
-  QCOMPARE(program.document().currentMesh->vertexCount, 0);
+  QCOMPARE(program.document().mesh()->vertexCount, 0);
 }
 
 void ExchangeTest::openAsksAlsoWithoutADocument() {
@@ -115,13 +115,13 @@ void ExchangeTest::openAsksAlsoWithoutADocument() {
   NextDialog question("standardFile", [](QDialog& dialog) { click(dialog, "import"); });
   program.step("open").trigger();
   QVERIFY(file.answered() && question.answered());
-  QCOMPARE(program.document().currentMesh->vertexCount, 6);
+  QCOMPARE(program.document().mesh()->vertexCount, 6);
 }
 
 void ExchangeTest::filesThatAreDroppedAreImportedWithoutAQuestion() {
   Program program;
   program.frame().openFiles({program.file("split.obj", splitSquare)});
-  QCOMPARE(program.document().currentMesh->vertexCount, 6);
+  QCOMPARE(program.document().mesh()->vertexCount, 6);
   QVERIFY(program.status().contains("2 open sides of faces coincide"));
 }
 

@@ -39,8 +39,8 @@ TEST_F(ImportCommand, TheFileIsChosenFirstAndWeldedWhereTheDialogSaysSo) {
   outside.fileAnswers = {split, split};
   outside.dialogAnswers = {test::ok(), test::okWith({{"weld", "1"}})};
   doc.OnFileImport();
-  ASSERT_NE(doc.currentMesh, nullptr);
-  EXPECT_EQ(doc.currentMesh->vertexCount, 6);
+  ASSERT_NE(doc.mesh(), nullptr);
+  EXPECT_EQ(doc.mesh()->vertexCount, 6);
   EXPECT_EQ(outside.statuses.back(),
             "Imported " + split +
                 ": 6 vertices, 2 faces. 2 open sides of faces coincide: Import with \"Weld\" joins "
@@ -48,7 +48,7 @@ TEST_F(ImportCommand, TheFileIsChosenFirstAndWeldedWhereTheDialogSaysSo) {
   EXPECT_THAT(outside.calls, ::testing::ElementsAre("open file", "dialog CImportDlg", "redraw",
                                                     StartsWith("status ")));
   doc.OnFileImport();
-  EXPECT_EQ(doc.currentMesh->vertexCount, 4);
+  EXPECT_EQ(doc.mesh()->vertexCount, 4);
   EXPECT_EQ(outside.statuses.back(),
             "Imported " + split + ": 4 vertices, 2 faces; 2 vertices welded.");
   EXPECT_TRUE(outside.finished());
@@ -59,7 +59,7 @@ TEST_F(ImportCommand, CancelInEitherDialogChangesNothing) {
   outside.dialogAnswers = {test::cancel()};
   doc.OnFileImport();
   doc.OnFileImport();
-  EXPECT_EQ(doc.currentMesh, nullptr);
+  EXPECT_EQ(doc.mesh(), nullptr);
   EXPECT_TRUE(outside.finished());
 }
 
@@ -79,7 +79,7 @@ TEST_F(ImportCommand, AFileThatCannotBeReadLeavesTheMeshAsItIs) {
   EXPECT_FALSE(doc.importFile(broken, false));
   EXPECT_THAT(outside.messages,
               ElementsAre("Cannot import " + broken + ": line 2: a vertex needs three numbers."));
-  EXPECT_EQ(doc.currentMesh->vertexCount, 4);
+  EXPECT_EQ(doc.mesh()->vertexCount, 4);
   EXPECT_EQ(doc.path, objPath);
 }
 
@@ -101,19 +101,19 @@ TEST_F(ImportCommand, SaveGivesBackWhatCameIn) {
 /// Undo, subdivision and simplification keep the place that the mesh came from.
 TEST_F(ImportCommand, WhatCommandsMakeOfTheMeshLiesWhereItCameFrom) {
   ASSERT_TRUE(doc.importFile(objPath, false));
-  const FileFrame frame = doc.currentMesh->fileFrame();
+  const FileFrame frame = doc.mesh()->fileFrame();
   EXPECT_NEAR(frame.origin[0], 500000.623, 1e-9);
   outside.dialogAnswers = {test::okWith({{"method", "Linear"}})};
   doc.OnSubdivision();
-  EXPECT_EQ(doc.currentMesh->faceCount, 8);
-  EXPECT_EQ(doc.currentMesh->fileFrame(), frame);
+  EXPECT_EQ(doc.mesh()->faceCount, 8);
+  EXPECT_EQ(doc.mesh()->fileFrame(), frame);
   outside.dialogAnswers = {test::ok()};
   doc.OnSimplification();
-  EXPECT_EQ(doc.currentMesh->fileFrame(), frame);
+  EXPECT_EQ(doc.mesh()->fileFrame(), frame);
   doc.OnEditUndo();
-  EXPECT_EQ(doc.currentMesh->fileFrame(), frame);
+  EXPECT_EQ(doc.mesh()->fileFrame(), frame);
   ASSERT_TRUE(doc.openFile(folder.write("a.ply2", "3 1 0 0 0 1 0 0 0 1 0 3 0 1 2")));
-  EXPECT_FALSE(doc.currentMesh->importFrame);
+  EXPECT_FALSE(doc.mesh()->importFrame);
 }
 
 // --- Open on a standard file ---
@@ -124,12 +124,12 @@ TEST_F(ImportCommand, OpenAsksHowToReadAFileOfAUsualFormat) {
                                  StandardFileAnswer::Import};
   doc.OnFileOpen();
   EXPECT_EQ(outside.count("standard file Stanford PLY"), 1);
-  EXPECT_EQ(doc.currentMesh, nullptr);
+  EXPECT_EQ(doc.mesh(), nullptr);
   doc.OnFileOpen();
-  ASSERT_NE(doc.currentMesh, nullptr);
-  EXPECT_EQ(doc.currentMesh->vertexCount, 0) << "Open knows no header";
+  ASSERT_NE(doc.mesh(), nullptr);
+  EXPECT_EQ(doc.mesh()->vertexCount, 0) << "Open knows no header";
   doc.OnFileOpen();
-  EXPECT_EQ(doc.currentMesh->vertexCount, 4);
+  EXPECT_EQ(doc.mesh()->vertexCount, 4);
   EXPECT_TRUE(outside.finished());
 }
 
@@ -137,16 +137,16 @@ TEST_F(ImportCommand, OpenAsksHowToReadAFileOfAUsualFormat) {
 TEST_F(ImportCommand, OpenReadsItsOwnPlyFilesWithoutAsking) {
   outside.fileAnswers = {folder.write("own.ply", "3 1  0 1 2 9 9  1 0 0 9 9  0 0 1 9 9  3 0 1 2")};
   doc.OnFileOpen();
-  ASSERT_NE(doc.currentMesh, nullptr);
-  EXPECT_EQ(doc.currentMesh->vertexCount, 3);
-  EXPECT_FALSE(doc.currentMesh->importFrame);
+  ASSERT_NE(doc.mesh(), nullptr);
+  EXPECT_EQ(doc.mesh()->vertexCount, 3);
+  EXPECT_FALSE(doc.mesh()->importFrame);
 }
 
 TEST_F(ImportCommand, FilesThatAreOnlyNamedAreImportedWhereTheyCanBe) {
   ASSERT_TRUE(doc.loadFile(objPath));
-  EXPECT_TRUE(doc.currentMesh->importFrame);
+  EXPECT_TRUE(doc.mesh()->importFrame);
   ASSERT_TRUE(doc.loadFile(folder.write("a.ply2", "3 1 0 0 0 1 0 0 0 1 0 3 0 1 2")));
-  EXPECT_FALSE(doc.currentMesh->importFrame);
+  EXPECT_FALSE(doc.mesh()->importFrame);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "doc/CGravlinDoc.h"
 #include "mesh/io/MeshExport.h"
 #include "mesh/io/MeshImport.h"
+#include "support/DocumentAccess.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 #include "support/TemporaryFolder.h"
@@ -102,9 +103,9 @@ TEST_F(MeshExportCommand, MarksAreThoseOfTheMeshAndAskedForBeforeTheyAreThere) {
   EXPECT_FALSE(doc.exportMesh(folder.file("out.ply")));
   EXPECT_THAT(outside.messages.back(), HasSubstr("Edit > Edge Detection > Local Max"));
   EXPECT_EQ(folder.entryCount(), 1);
-  doc.currentMesh->ridgeMarks.assign(642, 0);
-  doc.currentMesh->valleyMarks.assign(642, 1);
-  doc.currentMesh->ridgeMarks[5] = 1;
+  test::meshOf(doc).ridgeMarks.assign(642, 0);
+  test::meshOf(doc).valleyMarks.assign(642, 1);
+  test::meshOf(doc).ridgeMarks[5] = 1;
   ASSERT_TRUE(doc.exportMesh(folder.file("out.ply")));
   const ImportResult back = importMeshFile(folder.file("out.ply"));
   EXPECT_EQ(property(*back.mesh, "ridgeMarks").values[5], 1.0);
