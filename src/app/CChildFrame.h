@@ -22,8 +22,8 @@ class CChildFrame : public QMdiSubWindow {
   void setTitle(const QString& title);
   void closeWithoutAsking();
 
-  /// Asked before the window closes; it stays when the answer is no. `asks`: whether the user may be
-  /// asked about what would be lost.
+  /// Asked before the window closes; it stays when the answer is no. `asks`: whether the user may
+  /// be asked about what would be lost.
   std::function<bool(bool asks)> mayClose = [](bool) { return true; };
 
  Q_SIGNALS:

@@ -65,7 +65,7 @@ struct MeshOrigin {
 class CGravlinDoc final : public ShownSource {
  public:
   explicit CGravlinDoc(Outside& outside);
-  ~CGravlinDoc();
+  ~CGravlinDoc() override;
   CGravlinDoc(const CGravlinDoc&) = delete;
   CGravlinDoc& operator=(const CGravlinDoc&) = delete;
 

@@ -34,14 +34,12 @@ struct Shown {
 class ShownSource {
  public:
   ShownSource() = default;
+  virtual ~ShownSource() = default;
   ShownSource(const ShownSource&) = delete;
   ShownSource& operator=(const ShownSource&) = delete;
 
   /// What is shown now.
   virtual Shown shown() const = 0;
-
- protected:
-  ~ShownSource() = default;
 };
 
 }  // namespace gravlin

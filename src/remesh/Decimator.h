@@ -13,8 +13,8 @@ struct DecimationResult {
   bool targetReached = false;  ///< otherwise no edge was left that may collapse
 };
 
-/// Positions and faces as `decimate` leaves them; nothing derived but the kinds that vertices had on
-/// the way.
+/// Positions and faces as `decimate` leaves them; nothing derived but the kinds that vertices had
+/// on the way.
 struct DecimatedMesh {
   TriangleMesh mesh;
   DecimationResult result;
