@@ -21,7 +21,8 @@ Vec3 normalOf(const TriangleMesh& mesh, int f) {
 }
 
 double angleBetween(const Vec3& a, const Vec3& b) {
-  return std::atan2(length(cross(a, b)), dot(a, b));
+  // Without a normal the angle is 0. A sum of -0, to which 0 is added here, would make it pi.
+  return std::atan2(length(cross(a, b)), dot(a, b) + 0.0);
 }
 
 }  // namespace

@@ -548,7 +548,9 @@ TEST_F(FileCommands, SaveOfAHostileMeshKeepsItsFacesAndWhatIsUsedOfItIsOpenedAga
       }
       EXPECT_EQ(doc.mesh()->vertexCount, compact.vertexCount);
       EXPECT_EQ(doc.mesh()->faces, compact.faces);
-      const bool hasSize = hostile.name != "all vertices equal";
+      // Six decimals of 1e-40 are none.
+      const bool hasSize = hostile.name != "all vertices equal" &&
+                           hostile.name != "closed in one place" && hostile.name != "very small";
       EXPECT_EQ(test::isFinite(*doc.mesh()), test::isFinite(hostile.mesh) && hasSize);
     }
   }

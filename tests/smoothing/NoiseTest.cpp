@@ -123,6 +123,8 @@ TEST(Noise, TakesAnyMeshAndAnySize) {
         const Vec3 moved = mesh.position(i) - named.mesh.position(i);
         if (mesh.vertexNormal(i) == Vec3{}) {
           EXPECT_EQ(moved, Vec3{});
+        } else if (size == 0.05F && named.name == "very large") {
+          EXPECT_EQ(moved, Vec3{}) << "less than the rounding of its coordinates";
         } else if (size == 0.05F) {
           EXPECT_GT(length(moved), 0.0);
           EXPECT_LT(length(moved), 5.0 * 0.05);  // five standard deviations

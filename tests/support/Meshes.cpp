@@ -9,6 +9,8 @@
 #include <set>
 #include <utility>
 
+#include "support/MoebiusBand.h"
+
 namespace gravlin::test {
 namespace {
 
@@ -350,6 +352,37 @@ std::vector<NamedMesh> openMeshes() {
           {"bumpy grid", bumpyGrid(9, 7)}};
 }
 
+namespace {
+
+/// A sphere of 80 faces: one has a corner on the middle of its opposite side, and elsewhere two
+/// neighbours lie in the same place.
+TriangleMesh sphereWithASliver() {
+  TriangleMesh mesh = icosphere(1);
+  const auto c = mesh.corners(0);
+  mesh.setPosition(c[0], 0.5 * (mesh.position(c[1]) + mesh.position(c[2])) + Vec3{1e-7, 0, 0});
+  for (int i = 0; i < mesh.vertexCount; ++i) {  // the first that is far from there
+    const auto ring = mesh.getNeighbours(i);
+    if (std::ranges::any_of(ring, [&](int j) { return j == c[0] || j == c[1] || j == c[2]; })) {
+      continue;
+    }
+    if (i == c[0] || i == c[1] || i == c[2]) continue;
+    mesh.setPosition(ring[0], mesh.position(i));
+    break;
+  }
+  mesh.computeFaceNormals();
+  mesh.computeVertexNormals();
+  return mesh;
+}
+
+TriangleMesh inOnePlace(TriangleMesh mesh) {
+  std::ranges::fill(mesh.vertices, 1.0F);
+  mesh.computeFaceNormals();
+  mesh.computeVertexNormals();
+  return mesh;
+}
+
+}  // namespace
+
 std::vector<NamedMesh> hostileMeshes() {
   const float inf = std::numeric_limits<float>::infinity();
   return {
@@ -367,8 +400,13 @@ std::vector<NamedMesh> hostileMeshes() {
       {"invalid faces",
        makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 7}, {-3, 1, 2}, {1, 1, 2}, {0, 1, 2}})},
       {"the same face twice", makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 1, 2}})},
-      {"both sides of a face",
-       makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 2, 1}})}};
+      {"both sides of a face", makeMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 2, 1}})},
+      {"two surfaces at one vertex", touchingOctahedra()},
+      {"sliver and neighbours in one place", sphereWithASliver()},
+      {"closed in one place", inOnePlace(octahedron())},
+      {"Moebius band", moebiusBand(12)},
+      {"very large", icosphere(1, 1e30)},
+      {"very small", icosphere(1, 1e-40)}};  // coordinates of some sixteen bits
 }
 
 int eulerCharacteristic(const TriangleMesh& mesh) {

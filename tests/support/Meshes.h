@@ -56,7 +56,7 @@ struct NamedMesh {
 };
 std::vector<NamedMesh> closedMeshes();
 std::vector<NamedMesh> openMeshes();
-/// Empty, points only, non-manifold, degenerate, NaN, infinite, unused vertices, invalid faces.
+/// Non-manifold, degenerate, twisted, not finite, of any size, unused vertices, invalid faces.
 std::vector<NamedMesh> hostileMeshes();
 
 /// V - E + F over used vertices and valid faces.
