@@ -12,6 +12,7 @@
 #include "features/EdgeFold.h"
 #include "features/LineChains.h"
 #include "features/LinkLaws.h"
+#include "numeric/Index.h"
 #include "support/Meshes.h"
 
 namespace gravlin {
@@ -64,14 +65,23 @@ TEST(CreasesByHistogram, AFoldTheOtherWayIsConcave) {
 }
 
 TEST(CreasesByHistogram, BoundaryEdgesAreNeverLinked) {
-  TriangleMesh mesh = roof(12, 1.0);
-  detectCreasesByHistogram(mesh, {0.0F, 0.0F});
-  for (std::size_t e = 0; e < mesh.faceAdjacency.size(); ++e) {
-    if (mesh.faceAdjacency[e] >= 0) continue;
-    const int a = mesh.faces[e];
-    const int b = mesh.faces[e % 3 == 2 ? e - 2 : e + 1];
-    EXPECT_THAT(mesh.ridgeLinks[static_cast<std::size_t>(a)],
-                ::testing::Not(::testing::Contains(b)));
+  for (const double slope : {1.0, -1.0}) {
+    TriangleMesh mesh = roof(12, slope);
+    detectCreasesByHistogram(mesh, {0.0F, 0.0F});
+    EXPECT_GT(linkCount(mesh.ridgeLinks), 5);
+    EXPECT_GT(linkCount(mesh.valleyLinks), 5);
+    int boundary = 0;
+    for (std::size_t e = 0; e < mesh.faceAdjacency.size(); ++e) {
+      if (mesh.faceAdjacency[e] >= 0) continue;
+      ++boundary;
+      const int a = mesh.faces[e];
+      const int b = mesh.faces[e % 3 == 2 ? e - 2 : e + 1];
+      for (const auto* links : {&mesh.ridgeLinks, &mesh.valleyLinks}) {
+        EXPECT_THAT((*links)[toIndex(a)], ::testing::Not(::testing::Contains(b)));
+        EXPECT_THAT((*links)[toIndex(b)], ::testing::Not(::testing::Contains(a)));
+      }
+    }
+    EXPECT_EQ(boundary, 2 * (12 + 8));
   }
 }
 
@@ -126,6 +136,8 @@ TEST(CreasesByHistogram, AWeakerShareNeverLosesAnEdge) {
   TriangleMesh many = few;
   detectCreasesByHistogram(few, {0.95F, 0.95F});
   detectCreasesByHistogram(many, {0.95F, 0.5F});
+  EXPECT_GT(linkCount(few.ridgeLinks), 5);
+  EXPECT_GT(linkCount(many.ridgeLinks), linkCount(few.ridgeLinks));
   for (std::size_t v = 0; v < few.ridgeLinks.size(); ++v) {
     for (const int w : few.ridgeLinks[v]) {
       EXPECT_THAT(many.ridgeLinks[v], ::testing::Contains(w));

@@ -19,15 +19,18 @@ TEST(EdgeFold, TheFoldSumOfACubesEdgeIsAsFarAbovePiAsItIsBelowSeenFromInside) {
   const TriangleMesh inside = insideOutCube();
   const double level = 1.5 * std::numbers::pi;
   const double shifted = 2.0 * std::acos(-1.0 / std::sqrt(3.0));
+  int edges = 0;
   for (std::size_t e = 0; e < outside.faceAdjacency.size(); ++e) {
     const int f = static_cast<int>(e / 3);
     const int g = outside.faceAdjacency[e];
-    if (std::abs(normalCosine(outside, f, g)) > 0.5F) continue;  // a diagonal within a side
+    if (f / 2 == g / 2) continue;  // the diagonal between the two halves of a side
+    ++edges;
     const double sum = edgeFold(outside, f, g).foldSum;
     // Centroids are rounded to single precision, six digits of angles below 5.
     EXPECT_LT(std::min(std::abs(sum - level), std::abs(sum - shifted)), 1e-5);
     EXPECT_NEAR(sum + edgeFold(inside, f, g).foldSum, 2.0 * std::numbers::pi, 1e-5);
   }
+  EXPECT_EQ(edges, 24) << "twelve, from either side";
 }
 
 /// Calls `visit` with the two faces of every interior edge.

@@ -246,6 +246,7 @@ TEST(Decimator, KeepsTheShapeOfFlatSidesAndTheirEdges) {
 // Where a border turns, its plane is the sheet's own as well: nothing holds a corner in its place.
 TEST(Decimator, KeepsAFlatSheetInItsPlaneAndWithinItsOutlineThoughNotItsCorners) {
   const TriangleMesh before = test::grid(10, 8);
+  int fewestCorners = 4;
   for (const float rate : {0.2F, 0.6F, 0.9F}) {
     SCOPED_TRACE(rate);
     TriangleMesh mesh = before;
@@ -268,9 +269,10 @@ TEST(Decimator, KeepsAFlatSheetInItsPlaneAndWithinItsOutlineThoughNotItsCorners)
       EXPECT_GT(n.z, 0.0) << "no face turns over";
       area += 0.5 * n.z;
     }
-    EXPECT_LT(corners, 4);
-    EXPECT_LT(area, 80.0);
+    fewestCorners = std::min(fewestCorners, corners);
+    EXPECT_LE(area, 80.0 + 1e-3);  // 36 of border times the rounding above
   }
+  EXPECT_LT(fewestCorners, 4) << "a corner may go";
 }
 
 TEST(Decimator, StaysCloseToASmoothSurface) {
