@@ -130,8 +130,8 @@ std::uint64_t availableMemory(const std::string& root) {
   return std::min(kilobytes ? 1024 * *kilobytes : plenty, leftInGroups(root));
 }
 
-void requireMemory(std::uint64_t bytes) {
-  if (bytes > availableMemory() / 10 * 9) throw std::bad_alloc();
+void requireMemory(std::uint64_t bytes, const std::string& root) {
+  if (bytes > availableMemory(root) / 10 * 9) throw std::bad_alloc();
 }
 
 }  // namespace gravlin

@@ -15,7 +15,7 @@ std::uint64_t availableMemory(const std::string& root = {});
 
 /// Throws std::bad_alloc when so many bytes are more than 90 % of what is available. The system
 /// promises more memory than there is and ends the program that uses it, so whoever is about to
-/// take much looks first.
-void requireMemory(std::uint64_t bytes);
+/// take much looks first. `root` as above.
+void requireMemory(std::uint64_t bytes, const std::string& root = {});
 
 }  // namespace gravlin

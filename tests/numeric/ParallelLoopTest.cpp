@@ -63,23 +63,32 @@ TEST(ParallelLoop, ThrowsTheFailureWithTheLowestIndex) {
 
 TEST(ParallelLoop, ThrowsTheFailureWithTheLowestIndexWhenItComesLast) {
   const ScopedThreadCount scope(2);
-  std::atomic<bool> higherFails = false;
-  const auto body = [&](const IndexRange& range) {
-    if (range.begin > 0) {
-      higherFails = true;
-      throw std::runtime_error("higher");
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  std::atomic<bool> inTime = true;
+  for (int attempt = 0; attempt < 200 && inTime; ++attempt) {
+    std::atomic<bool> higherFails = false;
+    const auto body = [&](const IndexRange& range) {
+      if (range.begin > 0) {
+        higherFails = true;
+        throw std::runtime_error("higher");
+      }
+      // The other thread takes the next range meanwhile; then it needs a moment to say how it
+      // ended, which is longer or shorter from attempt to attempt.
+      while (!higherFails && inTime) {
+        std::this_thread::yield();
+        inTime = std::chrono::steady_clock::now() < deadline;
+      }
+      for (int k = 0; k < 10 * attempt; ++k) std::this_thread::yield();
+      throw std::runtime_error("lowest");
+    };
+    try {
+      parallelRanges(100'000, body);
+      ADD_FAILURE();
+    } catch (const std::runtime_error& error) {
+      EXPECT_STREQ(error.what(), "lowest");
     }
-    // The other thread takes the next range meanwhile; then it needs a moment to say how it ended.
-    while (!higherFails) std::this_thread::yield();
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    throw std::runtime_error("lowest");
-  };
-  try {
-    parallelRanges(100'000, body);
-    ADD_FAILURE();
-  } catch (const std::runtime_error& error) {
-    EXPECT_STREQ(error.what(), "lowest");
   }
+  EXPECT_TRUE(inTime) << "no second thread has come";
 }
 
 TEST(ParallelLoop, RunsOnOneThreadWhenToldTo) {
