@@ -18,6 +18,7 @@
 #include "mesh/io/MeshWriter.h"
 #include "numeric/Index.h"
 #include "support/Invariants.h"
+#include "support/UsableFaces.h"
 
 namespace gravlin::fuzz {
 namespace {
@@ -109,12 +110,8 @@ void compareWithPlainReading(const TriangleMesh& mesh, const PlainMesh& plain) {
   expected.vertices = plain.vertices;
   expected.normalize();
   demand(bitsOf(mesh.vertices) == bitsOf(expected.vertices), "the positions that fscanf finds");
-  for (std::size_t c = 0; c < plain.faces.size(); c += 3) {
-    if (mesh.faces[c] == -1) continue;
-    for (std::size_t k = c; k < c + 3; ++k) {
-      demand(mesh.faces[k] == plain.faces[k], "the corners that fscanf finds");
-    }
-  }
+  demand(test::sameUsableFaces(plain.faces, mesh),
+         "the corners that fscanf finds, and no invalid face but for what they are");
 }
 
 /// The text of a "ply2" file with the used vertices and the valid faces, from printf alone.

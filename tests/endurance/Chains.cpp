@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <exception>
 #include <functional>
+#include <map>
 #include <new>
 #include <optional>
 #include <string>
@@ -26,7 +27,9 @@
 #include "support/DisplayModes.h"
 #include "support/DocumentAccess.h"
 #include "support/Invariants.h"
+#include "support/MeshFields.h"
 #include "support/TemporaryFolder.h"
+#include "support/UsableFaces.h"
 #include "view/LineSvg.h"
 #include "view/RenderDispatcher.h"
 
@@ -39,7 +42,13 @@ constexpr int mostFaces = 1000;  ///< larger meshes only take more time
 struct Counts {
   int chains = 0;
   int commands = 0;
-  int refusals = 0;
+  std::map<std::string, int> refusals;  ///< by command: where an allocation was refused
+
+  int allRefusals() const {
+    int sum = 0;
+    for (const auto& [command, count] : refusals) sum += count;
+    return sum;
+  }
 };
 
 /// A desktop that answers at random and draws whatever it is asked to.
@@ -51,6 +60,7 @@ class RandomOutside : public Outside {
   const CGravlinDoc* document = nullptr;
   std::string meshFile;        ///< what Open offers
   bool memoryIsShort = false;  ///< views have no memory either and show that
+  bool agrees = false;         ///< to every question
 
   bool showDialog(const Form& form) override {
     std::string words(form.name);
@@ -76,7 +86,7 @@ class RandomOutside : public Outside {
     journal.note("file " + name);
     return name;
   }
-  bool confirm(const Question& /*question*/) override { return random.oneIn(2); }
+  bool confirm(const Question& /*question*/) override { return agrees || random.oneIn(2); }
   StandardFileAnswer askAboutStandardFile(const StandardFileQuestion& /*question*/) override {
     return random.oneIn(2) ? StandardFileAnswer::Import : StandardFileAnswer::OpenAsItIs;
   }
@@ -199,29 +209,34 @@ class Chain {
     const std::size_t refused =
         1 + static_cast<std::size_t>(random.below(random.anyOf(magnitudes)));
     journal.note(name + " without allocation " + std::to_string(refused));
-    ++counts.refusals;
+    int& refusals = counts.refusals[name];
     outside.memoryIsShort = true;
-    try {
+    {
       const test::AllocationFailure failure(refused);
-      (document.*command.handler)();
-    } catch (const std::bad_alloc&) {
-    } catch (const std::exception& error) {
-      journal.fail(name + " without memory ended with " + error.what());
+      try {
+        (document.*command.handler)();
+      } catch (const std::bad_alloc&) {
+      } catch (const std::exception& error) {
+        journal.fail(name + " without memory ended with " + error.what());
+      }
+      if (failure.happened()) ++refusals;  // short commands end before that
     }
     outside.memoryIsShort = false;
     check(name + " without memory");
     std::vector<std::pair<const char*, std::function<void()>>> works = {
         {"saving", [&] { save(); }},
-        {"undoing", [&] { document.OnEditUndo(); }},
+        {"undoing", [&] { undo(); }},
         {"picking", [&] { pick(); }},
         {"redrawing", [&] { document.redraw(); }}};
     for (std::size_t n = works.size(); n > 1; --n) {
       std::swap(works[n - 1], works[static_cast<std::size_t>(random.below(static_cast<int>(n)))]);
     }
+    outside.agrees = true;
     for (const auto& [what, work] : works) {
       journal.note(what);
       demand(what + std::string(" after ") + name + " without memory", work);
     }
+    outside.agrees = false;
   }
 
   void pick() {
@@ -235,7 +250,27 @@ class Chain {
     demand("picking a face", [&] { document.pickFace(face); });
   }
 
-  bool save() { return document.mesh() && document.saveFile(folder.file("saved.ply2")); }
+  /// To a new file, with every question answered by yes: the mesh is saved, if there is one.
+  void save() {
+    if (!document.mesh()) return;
+    lastSaved = folder.file("saved" + std::to_string(++saves) + ".ply2");
+    if (!document.saveFile(lastSaved)) journal.fail("a mesh is not saved: " + outside.status);
+  }
+
+  /// Brings back the positions, bit by bit, and the faces that were kept; a mesh with nothing kept
+  /// stays.
+  void undo() {
+    const TriangleMesh* source = document.undoMesh ? document.undoMesh.get()  //
+                                                   : document.mesh();
+    if (source == nullptr) return document.OnEditUndo();
+    TriangleMesh kept;
+    kept.copyGeometryFrom(*source);
+    document.OnEditUndo();
+    if (!document.mesh()) journal.fail("undoing has lost the mesh");
+    const TriangleMesh& mesh = *document.mesh();
+    if (!test::sameVertices(kept, mesh)) journal.fail("undoing brings back other positions");
+    if (!test::sameUsableFaces(kept.faces, mesh)) journal.fail("undoing brings back other faces");
+  }
 
   void drawEverything() {
     demand("drawing every mode", [&] {
@@ -250,12 +285,12 @@ class Chain {
 
   /// What was saved has every used vertex and every valid face.
   void saveAndOpen() {
-    bool saved = false;
-    demand("saving", [&] { saved = save(); });
-    if (!saved || !hasFiniteShape(*document.mesh())) return;
+    outside.agrees = true;
+    demand("saving", [&] { save(); });
+    if (!document.mesh() || !hasFiniteShape(*document.mesh())) return;
     const int used = document.mesh()->countUsedVertices();
     const int valid = document.mesh()->countValidFaces();
-    const OpenResult opened = openMeshFile(folder.file("saved.ply2"));
+    const OpenResult opened = openMeshFile(lastSaved);
     if (!opened.mesh) journal.fail("what was saved cannot be opened: " + opened.error);
     if (opened.mesh->vertexCount != used || opened.mesh->countValidFaces() != valid) {
       journal.fail("what was saved has lost a part of the mesh");
@@ -268,7 +303,20 @@ class Chain {
   const test::TemporaryFolder folder{test::folderInMemory()};
   RandomOutside outside{random, journal, folder};
   CGravlinDoc document{outside};
+  int saves = 0;
+  std::string lastSaved;
 };
+
+/// The commands to which no allocation has been refused, one behind the other.
+std::string neverRefused(const Counts& counts) {
+  std::string names;
+  for (const Command& row : commandTable()) {
+    const auto found = counts.refusals.find(std::string(row.text));
+    if (row.handler == nullptr || (found != counts.refusals.end() && found->second > 0)) continue;
+    names.append(names.empty() ? "" : ", ").append(row.text.substr(0, row.text.find('\t')));
+  }
+  return names;
+}
 
 int run(const Options& options) {
   const ScopedTextSink quiet(quietTextSink());
@@ -281,7 +329,10 @@ int run(const Options& options) {
     Chain(seed, journal, counts).run(options.plant);
   }
   std::printf("%d chains of %d commands, %d of these with an allocation refused\n", counts.chains,
-              counts.commands, counts.refusals);
+              counts.commands, counts.allRefusals());
+  const std::string never = neverRefused(counts);
+  std::printf("An allocation was refused to %s\n",
+              never.empty() ? "every command" : ("all commands but " + never).c_str());
   return 0;
 }
 

@@ -113,6 +113,7 @@ class Killer {
       fillOnce(writer);
       if (k % 10 == 9) sweep(writer);
     }
+    sweep(random.anyOf(writers));
     return counts;
   }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
@@ -22,6 +23,7 @@
 #include <QRadioButton>
 #include <QTest>
 #include <QTimer>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -29,12 +31,14 @@
 #include "app/CChildFrame.h"
 #include "app/GuideWindow.h"
 #include "app/Program.h"
+#include "doc/CommandTable.h"
 #include "endurance/Journal.h"
 #include "endurance/Options.h"
 #include "endurance/RandomSource.h"
 #include "numeric/TextSink.h"
 #include "support/DocumentAccess.h"
 #include "support/Invariants.h"
+#include "support/ScriptedOutside.h"
 #include "view/windows/GraphWindow.h"
 
 namespace gravlin::endurance {
@@ -56,6 +60,8 @@ class Answerer {
   }
 
   int answers() const { return count; }
+  /// How often each dialog came, by its object name.
+  const std::map<std::string, int>& tally() const { return seen; }
 
  private:
   static constexpr int interval = 2;       // ms
@@ -81,6 +87,7 @@ class Answerer {
       return dialog->reject();
     }
     ++count;
+    if (attempts == 0) ++seen[textOf(dialog->objectName())];
     if (auto* box = qobject_cast<QMessageBox*>(dialog)) return answer(*box);
     if (auto* files = qobject_cast<QFileDialog*>(dialog)) return answer(*files);
     fillIn(*dialog);
@@ -163,7 +170,19 @@ class Answerer {
   const QDialog* last = nullptr;
   int attempts = 0;
   int count = 0;
+  std::map<std::string, int> seen;
 };
+
+/// The names of the dialogs that commands show first.
+std::set<std::string> dialogsOfCommands() {
+  test::ScriptedOutside outside;
+  CGravlinDoc document(outside);
+  std::set<std::string> names;
+  for (const Command& row : commandTable()) {
+    if (row.form != nullptr) names.emplace(row.form(document).name);
+  }
+  return names;
+}
 
 /// Somebody who does anything.
 class User {
@@ -184,7 +203,7 @@ class User {
       check();
       keepSmall();
     }
-    std::printf("%d window actions with %d dialogs\n", journal.actions(), answerer.answers());
+    countDialogs();
     return 0;
   }
 
@@ -381,6 +400,22 @@ class User {
   void closeMainFrame() {
     journal.begin("closes the main window");
     if (program.frame().close()) program.start();
+  }
+
+  // --- At the end ---
+
+  /// Says how many dialogs came. Each has come a dozen times in a long run.
+  void countDialogs() {
+    std::set<std::string> missing = dialogsOfCommands();
+    const std::size_t all = missing.size();
+    for (const auto& [name, times] : answerer.tally()) missing.erase(name);
+    std::printf(
+        "%d window actions with %d dialogs, %zu different ones, %zu of the %zu of commands\n",
+        journal.actions(), answerer.answers(), answerer.tally().size(), all - missing.size(), all);
+    std::fflush(stdout);
+    if (options.plant == "dialog") missing = {"CMissingDlg"};
+    const bool isLong = journal.actions() >= 5000 || options.plant == "dialog";
+    if (isLong && !missing.empty()) journal.fail("the dialog " + *missing.begin() + " never came");
   }
 
   // --- In between ---

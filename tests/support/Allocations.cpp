@@ -43,6 +43,10 @@ AllocationFailure::AllocationFailure(std::size_t n) {
   callsToRefusal = n;
 }
 
+bool AllocationFailure::happened() const {
+  return callsToRefusal == 0;
+}
+
 AllocationFailure::~AllocationFailure() {
   callsToRefusal = 0;
 }

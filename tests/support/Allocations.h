@@ -25,6 +25,8 @@ class AllocationFailure {
  public:
   explicit AllocationFailure(std::size_t n);
   ~AllocationFailure();
+  /// Whether the n-th call has come and was refused.
+  bool happened() const;
   AllocationFailure(const AllocationFailure&) = delete;
   AllocationFailure& operator=(const AllocationFailure&) = delete;
 };
