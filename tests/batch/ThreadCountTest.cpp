@@ -71,8 +71,8 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<std::string>{"local-max"},
                       std::vector<std::string>{"local-max", "--show-ridge-direction"},
                       std::vector<std::string>{"silhouette"},
-                      std::vector<std::string>{"smooth-shape", "show-vertex-error",
-                                               "show-face-error"}));
+                      std::vector<std::string>{"smooth-shape", "show-vertex-error"},
+                      std::vector<std::string>{"smooth-shape", "show-face-error"}));
 
 }  // namespace
 }  // namespace gravlin

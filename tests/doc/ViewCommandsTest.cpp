@@ -175,6 +175,7 @@ TEST_F(ViewCommands, VisualizationHasItsDefaultsAndRanges) {
     return false;
   }};
   doc.OnOptionVisualization();
+  EXPECT_TRUE(outside.finished()) << "the dialog came";
 }
 
 TEST_F(ViewCommands, CancelledOptionDialogsChangeNothing) {
