@@ -217,6 +217,17 @@ TEST(Camera, AnyNumbersAreSafe) {
     camera.turnWheel(INT_MIN);
     camera.pressRight({INT_MAX, INT_MAX});
     camera.moveMouse({INT_MIN, INT_MIN});
+    // Steps of the wheel and the mouse are finite, and so is what they are added to, or it stays.
+    EXPECT_EQ(std::isfinite(camera.angleX), std::isfinite(number)) << number;
+    EXPECT_EQ(std::isfinite(camera.fieldOfView), std::isfinite(number)) << number;
+    EXPECT_EQ(camera.translation, (std::array<float, 3>{0, 0, 0}));
+    // Angles that are not finite turn nothing; the eye stays as far from the mesh as it is,
+    // up to the rounding of the axes, which are unit vectors in single precision.
+    const Ray& ray = camera.aimAt({INT_MAX, INT_MIN}, {-5, INT_MAX});
+    EXPECT_NEAR(length(ray.origin), length(Camera::eye), 5e-5) << number;
+    if (std::isfinite(number)) {
+      EXPECT_NEAR(length(ray.direction), 1.0, 1e-12) << number;
+    }
   }
 }
 
