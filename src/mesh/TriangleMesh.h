@@ -172,8 +172,8 @@ class TriangleMesh {
   /// Drops whatever is derived: positions, faces, their number, box and place in the file stay.
   void dropDerived() noexcept;
   /// A mesh of the used vertices and the valid faces only, renumbered in index order, with this
-  /// mesh's box and place in the file and nothing derived. Needs no topology, but faces whose corners
-  /// cannot be used must be invalid, as buildAdjacency makes them.
+  /// mesh's box and place in the file and nothing derived. Needs no topology, but faces whose
+  /// corners cannot be used must be invalid, as buildAdjacency makes them.
   TriangleMesh compactCopy() const;
 };
 
