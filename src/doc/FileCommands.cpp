@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "doc/CGravlinDoc.h"
+#include "mesh/io/FormatTable.h"
 #include "mesh/io/MeshWriter.h"
 #include "mesh/MeshMeasures.h"
 #include "mesh/PositionLoss.h"
@@ -142,7 +143,10 @@ std::string CGravlinDoc::shiftBySaving(const std::string& target) const {
 /// Under a name that nothing writes: a new file is made, and has nothing in it.
 bool CGravlinDoc::saveNothing(const std::string& filePath) {
   const std::string extension = extensionOf(filePath);
-  const std::string loss = "Save writes no ." + extension + " files: the file would be left empty.";
+  const std::string exporting =
+      standardFormatNamed(extension) == nullptr ? "" : " File > Export writes them.";
+  const std::string loss =
+      "Save writes no ." + extension + " files: the file would be left empty." + exporting;
   const bool asks = holdsSomething(filePath);
   if (asks && !outside.confirm(
                   {.text = loss,
@@ -160,7 +164,7 @@ bool CGravlinDoc::saveNothing(const std::string& filePath) {
   if (savedShape) savedShape->lossByRewriting += saved.loss.rewritten;
   redraw();
   const std::string outcome = filePath + " is empty: Save writes no ." + extension +
-                              " files. The mesh is not saved; choose a" + nameToSave;
+                              " files. The mesh is not saved; choose a" + nameToSave + exporting;
   if (asks) {
     tell(outcome);
   } else {

@@ -16,11 +16,13 @@ using ::testing::HasSubstr;
 
 /// A world whose stream for errors is caught.
 class BatchWorld : public ::testing::Test {
- protected:
+ public:
   ~BatchWorld() override {
     std::fclose(errors);
     std::free(text);
   }
+
+ protected:
   std::string said() {
     std::fflush(errors);
     return {text, size};

@@ -241,9 +241,10 @@ TEST_F(Program, ANameThatNothingWritesBecomesAnEmptyFileAndEndsTheChain) {
   const test::RunResult result = run("open " + mesh + " save " + in("new.obj") + " report");
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.output, "");
-  EXPECT_EQ(result.errors, "gravlin-batch: " + folder.file("new.obj") +
-                               " is empty: Save writes no .obj files. The mesh is not saved; "
-                               "choose a name that ends in .ply2 or .plyR.\n");
+  EXPECT_EQ(result.errors,
+            "gravlin-batch: " + folder.file("new.obj") +
+                " is empty: Save writes no .obj files. The mesh is not saved; "
+                "choose a name that ends in .ply2 or .plyR. File > Export writes them.\n");
   EXPECT_TRUE(exists("new.obj"));
   EXPECT_EQ(test::contentOf(folder.file("new.obj")), "");
 }

@@ -13,7 +13,7 @@ namespace {
 
 /// A torus with vertices for `threads` threads and faces for twice as many, and some to spare.
 TriangleMesh torusForThreads(int threads) {
-  const TriangleMesh torus = test::torus(52 * threads, 80);
+  TriangleMesh torus = test::torus(52 * threads, 80);
   std::set<int> starts;
   std::mutex guard;
   const test::ScopedThreadCount scope(threads);

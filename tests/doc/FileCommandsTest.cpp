@@ -252,15 +252,26 @@ TEST_F(FileCommands, ANameWithoutAWriterBecomesAnEmptyFileWithAMessageAndDoesNot
   EXPECT_THAT(outside.messages,
               ElementsAre(folder.file("out.obj") +
                           " is empty: Save writes no .obj files. The mesh is not saved; choose a "
-                          "name that ends in .ply2 or .plyR."));
+                          "name that ends in .ply2 or .plyR. File > Export writes them."));
   EXPECT_TRUE(doc.modified);
   EXPECT_EQ(doc.path, squarePath) << "there is nothing in the other one";
+}
+
+TEST_F(FileCommands, OnlyWhatExportWritesIsSaidToBeExported) {
+  open(squarePath);
+  saveAs(folder.file("out.png"));
+  EXPECT_THAT(outside.messages,
+              ElementsAre(folder.file("out.png") +
+                          " is empty: Save writes no .png files. The mesh is not saved; choose a "
+                          "name that ends in .ply2 or .plyR."));
 }
 
 TEST_F(FileCommands, AFileIsNotLeftEmptyUnasked) {
   open(squarePath);
   const std::string model = folder.write("model.obj", "v 1 2 3\n");
-  const std::string question = "question Save writes no .obj files: the file would be left empty.";
+  const std::string question =
+      "question Save writes no .obj files: the file would be left empty. File > Export writes "
+      "them.";
   outside.forget();
   outside.confirmAnswers = {false};
   saveAs(model);

@@ -180,7 +180,7 @@ class Chain {
 
   void check(const std::string& after) {
     for (const std::string& words : test::brokenInvariants(document)) {
-      journal.fail("after " + after + ": " + words);
+      journal.fail(std::string("after ").append(after).append(": ").append(words));
     }
   }
 

@@ -66,7 +66,7 @@ std::vector<std::string> described(const Scene& scene) {
       texts.push_back(nameOf(batch.colour) + " points " + std::to_string(batch.drawnCount()));
     } else if (batch.primitive == Primitive::Lines) {
       texts.push_back(nameOf(batch.colour) + " lines " + std::to_string(batch.drawnCount() / 2));
-    } else if (batch.drawnCount() == 3 * 32) {
+    } else if (batch.drawnCount() == std::size_t{3} * 32) {
       texts.push_back(batch.lit ? "lit surface" : nameOf(batch.colour) + " surface");
     } else {
       texts.push_back(nameOf(batch.colour) + " bars " + std::to_string(batch.drawnCount() / 6));
