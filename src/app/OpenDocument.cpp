@@ -30,13 +30,15 @@ QString complaintOf(CGravlinDoc& document, const std::function<void(CGravlinDoc&
 }
 
 /// Runs what the desktop does around a command. Memory may be missing there as well, even for the
-/// message; no exception may reach the loop that brought the event.
+/// message; no exception may reach the loop that brought the event. False when it was missing.
 template <class Work>
-void runUnlessOutOfMemory(Work work) {
+bool runUnlessOutOfMemory(Work work) {
   try {
     work();
+    return true;
   } catch (const std::bad_alloc&) {
     std::fputs("gravlin: There is not enough memory.\n", stderr);
+    return false;
   }
 }
 
@@ -97,11 +99,11 @@ void OpenDocument::run(const std::function<void(CGravlinDoc&)>& command) {
     desktop.commandChanged();
     complaint = runOnHeldViews(command);
   });
-  runUnlessOutOfMemory([&] {
-    noteFile();
-    updateTitles();
-    desktop.commandChanged();
-  });
+  runUnlessOutOfMemory([this] { noteFile(); });
+  runUnlessOutOfMemory([this] { updateTitles(); });
+  // Menus that stayed as they are while a command runs would leave nothing to be chosen.
+  const auto wakeMenus = [this] { desktop.commandChanged(); };
+  if (!runUnlessOutOfMemory(wakeMenus)) runUnlessOutOfMemory(wakeMenus);
   if (complaint.isEmpty()) return;
   runUnlessOutOfMemory([&] { outside.showMessage(complaint.toStdString()); });
 }

@@ -237,7 +237,7 @@ void CommandsTest::aFailureBehindTheFailureEndsNothing() {
     if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) dialog->accept();
   });
   closing.start(5);
-  for (std::size_t n = 1; n <= 3; ++n) {
+  for (std::size_t n = 1; n <= 12; ++n) {
     std::optional<AllocationFailure> failure;
     program.opened().run([&](CGravlinDoc& /*document*/) {
       failure.emplace(n);

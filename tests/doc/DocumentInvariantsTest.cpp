@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "support/DocumentAccess.h"
-#include "support/Invariants.h"
+#include "support/DocumentInvariants.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 

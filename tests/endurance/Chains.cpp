@@ -26,7 +26,7 @@
 #include "support/Allocations.h"
 #include "support/DisplayModes.h"
 #include "support/DocumentAccess.h"
-#include "support/Invariants.h"
+#include "support/DocumentInvariants.h"
 #include "support/MeshFields.h"
 #include "support/TemporaryFolder.h"
 #include "support/UsableFaces.h"

@@ -37,7 +37,7 @@
 #include "endurance/RandomSource.h"
 #include "numeric/TextSink.h"
 #include "support/DocumentAccess.h"
-#include "support/Invariants.h"
+#include "support/DocumentInvariants.h"
 #include "support/ScriptedOutside.h"
 #include "view/windows/GraphWindow.h"
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "doc/CGravlinDoc.h"
+#include "mesh/IndexList.h"
 #include "mesh/TriangleMesh.h"
 
 namespace gravlin::test {
@@ -22,8 +22,9 @@ namespace gravlin::test {
 /// Takes n log n steps and knows nothing of how rings are built.
 std::vector<std::string> brokenInvariants(const TriangleMesh& mesh);
 
-/// The same for a document: its current mesh, which must have its topology, the undo copy, which is
-/// geometry and nothing else, and what is kept beside the two.
-std::vector<std::string> brokenInvariants(const CGravlinDoc& document);
+/// The same for links [V] along edges of the mesh that are kept elsewhere; none at all are in
+/// order.
+std::vector<std::string> brokenLinks(const TriangleMesh& mesh, const std::vector<IndexList>& links,
+                                     const std::string& name);
 
 }  // namespace gravlin::test

@@ -19,7 +19,7 @@
 #include "support/Allocations.h"
 #include "support/DisplayModes.h"
 #include "support/DocumentAccess.h"
-#include "support/Invariants.h"
+#include "support/DocumentInvariants.h"
 #include "support/Meshes.h"
 #include "support/ScriptedOutside.h"
 #include "support/TemporaryFolder.h"
