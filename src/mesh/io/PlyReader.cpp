@@ -315,6 +315,7 @@ class BodyReader {
       }
       axes[axis] = *property;
     }
+    if (count == 0) return;  // there is nowhere for a number to go
     mesh.positions.resize(3 * count);
     std::vector<double*> targets(vertices->properties.size(), nullptr);
     for (std::size_t axis = 0; axis < 3; ++axis) {
