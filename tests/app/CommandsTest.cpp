@@ -237,7 +237,8 @@ void CommandsTest::aFailureBehindTheFailureEndsNothing() {
     if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) dialog->accept();
   });
   closing.start(5);
-  for (std::size_t n = 1; n <= 12; ++n) {
+  // Further on it would be the window library whose memory is missing, which does not expect that.
+  for (std::size_t n = 1; n <= 8; ++n) {
     std::optional<AllocationFailure> failure;
     program.opened().run([&](CGravlinDoc& /*document*/) {
       failure.emplace(n);
